@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Nubo.Models
+
+// The main window: the sidebar on the left, the selected pane on the right.
+ApplicationWindow {
+    id: window
+
+    required property AppState appState
+
+    title: "Nubo"
+    width: 1280
+    height: 820
+    minimumWidth: 960
+    minimumHeight: 620
+    visible: true
+    color: Theme.windowBackground
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        Sidebar {
+            Layout.preferredWidth: 232
+            Layout.fillHeight: true
+            appState: window.appState
+        }
+        Rectangle {
+            Layout.preferredWidth: 1
+            Layout.fillHeight: true
+            color: Theme.separator
+        }
+        PanePlaceholder {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            title: window.appState.sectionTitle
+            symbol: window.appState.sectionSymbol
+        }
+    }
+}

@@ -1,0 +1,14 @@
+import QtQuick
+
+// An SF Symbol by name, drawn by the platform's symbol provider at the screen's pixel density.
+Image {
+    property string symbol
+    property int size: 16
+
+    width: size
+    height: size
+    source: symbol.length > 0 ? "image://symbol/" + symbol : ""
+    sourceSize: Qt.size(size * Screen.devicePixelRatio, size * Screen.devicePixelRatio)
+    fillMode: Image.PreserveAspectFit
+    smooth: true
+}

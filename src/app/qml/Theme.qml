@@ -1,0 +1,60 @@
+pragma Singleton
+import QtQuick
+
+// The look every view shares: an 8-point spacing grid, the palette (light or dark, following the
+// system palette), corner radii and the four named animations.
+QtObject {
+    id: theme
+
+    readonly property SystemPalette system: SystemPalette { colorGroup: SystemPalette.Active }
+    readonly property bool dark: system.window.hslLightness < 0.5
+
+    // Spacing grid
+    readonly property int grid: 8
+    readonly property int spacingSmall: grid / 2
+    readonly property int spacing: grid
+    readonly property int spacingLarge: grid * 2
+    readonly property int spacingHuge: grid * 3
+
+    readonly property int radiusSmall: 6
+    readonly property int radiusCard: 12
+
+    // Type
+    readonly property string fontFamily: Qt.application.font.family
+    readonly property int fontSizeBody: 13
+    readonly property int fontSizeCaption: 11
+    readonly property int fontSizeTitle: 22
+    readonly property int fontSizeLargeTitle: 28
+
+    // Palette
+    readonly property color accent: dark ? "#0A84FF" : "#007AFF"
+    readonly property color green: dark ? "#30D158" : "#28A745"
+    readonly property color orange: dark ? "#FF9F0A" : "#F08A00"
+    readonly property color red: dark ? "#FF453A" : "#E0352B"
+    readonly property color windowBackground: dark ? "#1E1E1E" : "#FFFFFF"
+    readonly property color sidebarBackground: dark ? "#262628" : "#F2F2F5"
+    readonly property color cardBackground: dark ? "#2C2C2E" : "#F5F5F7"
+    readonly property color selection: dark ? Qt.rgba(1, 1, 1, 0.10) : Qt.rgba(0, 0, 0, 0.07)
+    readonly property color separator: dark ? Qt.rgba(1, 1, 1, 0.10) : Qt.rgba(0, 0, 0, 0.10)
+    readonly property color textPrimary: dark ? "#F5F5F7" : "#1D1D1F"
+    readonly property color textSecondary: dark ? "#A1A1A6" : "#6E6E73"
+
+    // Named animations: reflow for figures that change, snappyUI for pane switches, emphasis for
+    // the toast, zoom for entering and leaving a folder of the map.
+    readonly property QtObject reflow: QtObject {
+        readonly property int duration: 450
+        readonly property int easing: Easing.OutCubic
+    }
+    readonly property QtObject snappyUI: QtObject {
+        readonly property int duration: 180
+        readonly property int easing: Easing.OutQuad
+    }
+    readonly property QtObject emphasis: QtObject {
+        readonly property int duration: 380
+        readonly property int easing: Easing.OutBack
+    }
+    readonly property QtObject zoom: QtObject {
+        readonly property int duration: 520
+        readonly property int easing: Easing.InOutCubic
+    }
+}

@@ -1,0 +1,78 @@
+#include "core/files/Location.h"
+
+#include "core/files/Home.h"
+#include "core/format/CheckedMath.h"
+
+#include <QFile>
+
+#include <fts.h>
+#include <sys/stat.h>
+
+namespace nubo::Location {
+
+namespace {
+
+qint64 blocksOf(const struct stat& info)
+{
+    return static_cast<qint64>(info.st_blocks) * 512;
+}
+
+} // namespace
+
+QString tildePath(const QString& path, const QString& home)
+{
+    if (!path.startsWith(home))
+        return path;
+    return QLatin1Char('~') + path.mid(home.size());
+}
+
+QString tildePath(const QString& path)
+{
+    return tildePath(path, Home::url());
+}
+
+qint64 allocatedSize(const QString& path)
+{
+    const QByteArray native = QFile::encodeName(path);
+    struct stat info {};
+    if (lstat(native.constData(), &info) != 0)
+        return 0;
+    if (!S_ISDIR(info.st_mode))
+        return blocksOf(info);
+
+    char* roots[] = {const_cast<char*>(native.constData()), nullptr};
+    FTS* walk = fts_open(roots, FTS_PHYSICAL | FTS_NOCHDIR, nullptr);
+    if (!walk)
+        return 0;
+    qint64 total = 0;
+    while (const FTSENT* entry = fts_read(walk)) {
+        switch (entry->fts_info) {
+        case FTS_F:
+        case FTS_SL:
+        case FTS_SLNONE:
+        case FTS_DEFAULT:
+            addChecked(total, blocksOf(*entry->fts_statp));
+            break;
+        default: // folders, and entries that could not be read, count nothing
+            break;
+        }
+    }
+    fts_close(walk);
+    return total;
+}
+
+std::optional<QDateTime> modificationDate(const QString& path)
+{
+    struct stat info {};
+    if (lstat(QFile::encodeName(path).constData(), &info) != 0)
+        return std::nullopt;
+#ifdef __APPLE__
+    const timespec& stamp = info.st_mtimespec;
+#else
+    const timespec& stamp = info.st_mtim;
+#endif
+    const qint64 ms = static_cast<qint64>(stamp.tv_sec) * 1000 + stamp.tv_nsec / 1'000'000;
+    return QDateTime::fromMSecsSinceEpoch(ms);
+}
+
+} // namespace nubo::Location

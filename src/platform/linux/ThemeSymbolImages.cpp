@@ -1,0 +1,88 @@
+#include "platform/linux/ThemeSymbolImages.h"
+
+#include <QHash>
+#include <QIcon>
+#include <QStandardPaths>
+
+namespace nubo {
+
+namespace {
+
+// Each SF Symbol the views use, with the freedesktop names that carry the same idea. Symbolic
+// names come first: they read like SF Symbols (one colour, thin strokes).
+const QHash<QString, QStringList>& symbolTable()
+{
+    static const QHash<QString, QStringList> table = [] {
+        QHash<QString, QStringList> t;
+        const auto add = [&t](const char* symbol, std::initializer_list<const char*> names) {
+            QStringList list;
+            for (const char* name : names)
+                list << QString::fromUtf8(name);
+            t.insert(QString::fromUtf8(symbol), list);
+        };
+        add("sparkles", {"user-home-symbolic", "go-home-symbolic", "starred"});
+        add("circle.hexagongrid.fill", {"find-location-symbolic", "mark-location-symbolic", "view-grid"});
+        add("bubbles.and.sparkles.fill", {"edit-clear-all-symbolic", "edit-clear-symbolic", "edit-clear"});
+        add("square.stack.3d.up.fill", {"view-app-grid-symbolic", "preferences-desktop-apps-symbolic",
+                                        "applications-other"});
+        add("gauge.with.dots.needle.67percent", {"utilities-system-monitor-symbolic",
+                                                 "gnome-power-manager-symbolic", "utilities-system-monitor"});
+        add("speedometer", {"power-profile-performance-symbolic", "emblem-system-symbolic", "system-run"});
+        add("internaldrive", {"drive-harddisk-symbolic", "drive-harddisk"});
+        add("wind", {"weather-windy-symbolic", "weather-few-clouds-symbolic"});
+        add("hammer.fill", {"applications-engineering-symbolic", "applications-development"});
+        add("clock.arrow.circlepath", {"document-open-recent-symbolic", "view-refresh-symbolic"});
+        add("film.fill", {"video-x-generic-symbolic", "video-x-generic"});
+        add("photo.fill", {"image-x-generic-symbolic", "image-x-generic"});
+        add("music.note", {"audio-x-generic-symbolic", "audio-x-generic"});
+        add("doc.zipper", {"package-x-generic-symbolic", "package-x-generic"});
+        add("doc.text.fill", {"x-office-document-symbolic", "text-x-generic-symbolic", "text-x-generic"});
+        add("gearshape.fill", {"preferences-system-symbolic", "emblem-system-symbolic", "preferences-system"});
+        add("folder.fill", {"folder-symbolic", "folder"});
+        add("doc.fill", {"text-x-generic-symbolic", "text-x-generic"});
+        return t;
+    }();
+    return table;
+}
+
+} // namespace
+
+ThemeSymbolImages::ThemeSymbolImages()
+{
+    // Without a desktop session (Xvfb, offscreen) Qt knows neither a theme nor where themes live:
+    // look in the XDG data folders and use Adwaita, which our set-up installs.
+    QStringList paths = QIcon::themeSearchPaths();
+    for (const QString& dir : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation)) {
+        const QString icons = dir + QStringLiteral("/icons");
+        if (!paths.contains(icons))
+            paths << icons;
+    }
+    QIcon::setThemeSearchPaths(paths);
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+}
+
+QStringList ThemeSymbolImages::themeNames(const QString& symbol)
+{
+    return symbolTable().value(symbol);
+}
+
+QImage ThemeSymbolImages::render(const QString& symbol, const QSize& size) const
+{
+    const QSize target = size.isValid() ? size : QSize(32, 32);
+    for (const QString& name : themeNames(symbol)) {
+        if (!QIcon::hasThemeIcon(name))
+            continue;
+        const QImage image = QIcon::fromTheme(name).pixmap(target).toImage();
+        if (!image.isNull())
+            return image;
+    }
+    return neutralSymbolImage(target);
+}
+
+std::unique_ptr<SymbolImages> makeSymbolImages()
+{
+    return std::make_unique<ThemeSymbolImages>();
+}
+
+} // namespace nubo

@@ -1,0 +1,104 @@
+#include "models/app/AppState.h"
+#include "app/ui/UiEngine.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSet>
+#include <QTest>
+
+using namespace nubo;
+
+namespace {
+
+constexpr int Settle = 400; // longer than the longest animation a pane switch runs
+
+// Renders the window at a size and writes it where people (and CI artefacts) can look at it.
+QImage snapshot(QQuickWindow& window, const QSize& size, const QString& name)
+{
+    window.resize(size);
+    QTest::qWait(Settle); // layouts settle, images load, selection animations finish
+    const QImage image = window.grabWindow();
+    const QString dir = qEnvironmentVariable("NUBO_SNAPSHOT_DIR", QDir::tempPath());
+    QDir().mkpath(dir);
+    EXPECT_TRUE(image.save(dir + QLatin1Char('/') + name + QStringLiteral(".png")));
+    return image;
+}
+
+int distinctColours(const QImage& image)
+{
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 4) {
+        for (int x = 0; x < image.width(); x += 4)
+            colours.insert(image.pixel(x, y));
+    }
+    return int(colours.size());
+}
+
+// Every warning the views print (a failed binding, an unknown type) is a fault in the views.
+QStringList g_warnings;
+
+void collectWarnings(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && !message.startsWith(QLatin1String("QStandardPaths:")))
+        g_warnings << message;
+}
+
+class SnapshotTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        g_warnings.clear();
+        m_previousHandler = qInstallMessageHandler(collectWarnings);
+        UiEngine::configure(m_engine);
+        m_window = UiEngine::loadMainWindow(m_engine, m_state);
+        ASSERT_NE(m_window, nullptr) << "the main window's QML did not load";
+    }
+
+    void TearDown() override
+    {
+        qInstallMessageHandler(m_previousHandler);
+        EXPECT_TRUE(g_warnings.isEmpty()) << g_warnings.join(QLatin1Char('\n')).toStdString();
+    }
+
+    QtMessageHandler m_previousHandler = nullptr;
+
+    AppState m_state;
+    QQmlApplicationEngine m_engine;
+    QQuickWindow* m_window = nullptr;
+};
+
+} // namespace
+
+TEST_F(SnapshotTest, MainWindowHasItsTitleAndSizes)
+{
+    EXPECT_EQ(m_window->title(), QStringLiteral("Nubo"));
+    EXPECT_EQ(m_window->minimumSize(), QSize(960, 620));
+    EXPECT_EQ(m_window->size(), QSize(1280, 820));
+}
+
+TEST_F(SnapshotTest, SidebarListsTheSixPanesAndTheDetailShowsTheSelectedOne)
+{
+    auto* list = m_window->findChild<QQuickItem*>(QStringLiteral("paneList"));
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->property("count").toInt(), 6);
+
+    for (const QSize size : {QSize(1280, 820), QSize(960, 620)}) {
+        const QString suffix = size.width() == 1280 ? QStringLiteral("default") : QStringLiteral("minimum");
+        m_state.setSection(QStringLiteral("home"));
+        const QImage home = snapshot(*m_window, size, QStringLiteral("main-home-") + suffix);
+        ASSERT_EQ(home.size(), size * m_window->devicePixelRatio());
+        EXPECT_GT(distinctColours(home), 8) << "the window looks empty";
+
+        m_state.setSection(QStringLiteral("map"));
+        auto* title = m_window->findChild<QQuickItem*>(QStringLiteral("paneTitle"));
+        ASSERT_NE(title, nullptr);
+        EXPECT_EQ(title->property("text").toString(), QStringLiteral("Mapa"));
+        const QImage map = snapshot(*m_window, size, QStringLiteral("main-map-") + suffix);
+        EXPECT_NE(map, home);
+    }
+}
