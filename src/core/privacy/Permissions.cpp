@@ -1,5 +1,7 @@
 #include "core/privacy/Permissions.h"
 
+#include "platform/Workspace.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -39,6 +41,11 @@ bool hasFullDiskAccess(const QString& home)
     Q_UNUSED(home);
     return true;
 #endif
+}
+
+void openFullDiskAccessSettings(Workspace& workspace)
+{
+    workspace.openUrl(QString::fromLatin1(kFullDiskAccessSettingsUrl));
 }
 
 } // namespace nubo::Permissions

@@ -2,6 +2,10 @@
 
 #include <QString>
 
+namespace nubo {
+class Workspace;
+}
+
 namespace nubo::Permissions {
 
 /// The settings page where the user grants Full Disk Access.
@@ -15,5 +19,9 @@ inline constexpr const char* kFullDiskAccessSettingsUrl =
 /// This platform's answer: the test above on a Mac. Elsewhere nothing guards the home folder
 /// that way, so the answer is always yes and the gating rules, though present, never apply.
 [[nodiscard]] bool hasFullDiskAccess(const QString& home);
+
+/// Opens the settings page for Full Disk Access through the workspace (nothing happens where the
+/// platform has no such page).
+void openFullDiskAccessSettings(Workspace& workspace);
 
 } // namespace nubo::Permissions
