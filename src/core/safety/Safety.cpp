@@ -170,36 +170,48 @@ void Safety::buildProtectedRoots() const
 
 QString Safety::normalise(const QString& path) const
 {
+    return normalised(path).path;
+}
+
+Safety::Normalised Safety::normalised(const QString& path) const
+{
     const QString standard = withoutTrailingSlash(standardised(path));
     // A relative path is refused as it is: resolving it would judge some other folder (the
     // working directory's) than the one the caller meant.
     if (standard == QLatin1String("/") || !standard.startsWith(QLatin1Char('/')))
-        return standard;
+        return {standard, {}};
     const qsizetype slash = standard.lastIndexOf(QLatin1Char('/'));
     const QString last = standard.mid(slash + 1);
-    QString parent = slash == 0 ? QStringLiteral("/") : standard.left(slash);
-    const QString real = resolved(parent);
-    parent = real.isEmpty() ? withoutTrailingSlash(parent) : real;
-    if (parent == QLatin1String("/"))
-        parent.clear();
-    return parent + QLatin1Char('/') + last;
+    const QString parent = slash == 0 ? QStringLiteral("/") : standard.left(slash);
+    const auto join = [&last](QString folder) {
+        if (folder == QLatin1String("/"))
+            folder.clear();
+        return folder + QLatin1Char('/') + last;
+    };
+
+    if (const QString real = resolved(parent); !real.isEmpty())
+        return {join(real), {}};
+
+    // The parent does not exist. Its text is what counts, but a link among the folders that do
+    // exist could still carry the path somewhere protected once the rest is created: judge that
+    // place as well.
+    QString existing = parent;
+    QString missing;
+    QString real;
+    while (real.isEmpty() && existing.size() > 1) {
+        const qsizetype cut = existing.lastIndexOf(QLatin1Char('/'));
+        missing.prepend(existing.mid(cut));
+        existing = cut == 0 ? QStringLiteral("/") : existing.left(cut);
+        real = resolved(existing);
+    }
+    QString landing;
+    if (!real.isEmpty() && real + missing != parent)
+        landing = join(real == QLatin1String("/") ? missing : real + missing);
+    return {join(withoutTrailingSlash(parent)), landing};
 }
 
-Verdict Safety::check(const QUrl& url) const
+Verdict Safety::judge(const QString& path) const
 {
-    if (!url.isLocalFile())
-        return Verdict::denied(reasonNotLocal());
-    return check(url.toLocalFile());
-}
-
-Verdict Safety::check(const QString& input) const
-{
-    // The system cuts a path at a NUL character: what it would resolve or remove is not what
-    // was judged.
-    if (input.contains(QChar(0)))
-        return Verdict::denied(reasonInvalid());
-    const QString path = normalise(input);
-
     if (path == m_temporary || path + QLatin1Char('/') == m_temporary)
         return Verdict::denied(reasonTemporary());
 
@@ -226,6 +238,26 @@ Verdict Safety::check(const QString& input) const
         return Verdict::denied(reasonNearRoot());
 
     return Verdict::allowed();
+}
+
+Verdict Safety::check(const QUrl& url) const
+{
+    if (!url.isLocalFile())
+        return Verdict::denied(reasonNotLocal());
+    return check(url.toLocalFile());
+}
+
+Verdict Safety::check(const QString& input) const
+{
+    // The system cuts a path at a NUL character: what it would resolve or remove is not what
+    // was judged.
+    if (input.contains(QChar(0)))
+        return Verdict::denied(reasonInvalid());
+    const Normalised path = normalised(input);
+    Verdict verdict = judge(path.path);
+    if (verdict.isAllowed() && !path.landing.isEmpty())
+        verdict = judge(path.landing);
+    return verdict;
 }
 
 } // namespace nubo

@@ -37,6 +37,14 @@ public:
     [[nodiscard]] QString normalise(const QString& path) const;
 
 private:
+    struct Normalised
+    {
+        QString path;    ///< the path as the rules read it
+        QString landing; ///< where it lands through links above a missing parent, when elsewhere
+    };
+
+    [[nodiscard]] Normalised normalised(const QString& path) const;
+    [[nodiscard]] Verdict judge(const QString& path) const;
     void buildProtectedRoots() const;
 
     SystemRoots m_roots;

@@ -1,0 +1,47 @@
+#include "core/privacy/Permissions.h"
+
+#include "platform/fake/FakeWorkspace.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace nubo;
+
+TEST(Permissions, ProtectedDataIsReadableThroughThePrivacyDatabaseOrSafari)
+{
+    QTemporaryDir home;
+    EXPECT_FALSE(Permissions::canReadProtectedData(home.path()));
+
+    // The guarded folder without its database is not enough.
+    ASSERT_TRUE(QDir(home.path()).mkpath(QStringLiteral("Library/Application Support/com.apple.TCC")));
+    EXPECT_FALSE(Permissions::canReadProtectedData(home.path()));
+
+    ASSERT_TRUE(QDir(home.path()).mkpath(QStringLiteral("Library/Safari")));
+    EXPECT_TRUE(Permissions::canReadProtectedData(home.path()));
+
+    QTemporaryDir other;
+    ASSERT_TRUE(QDir(other.path()).mkpath(QStringLiteral("Library/Application Support/com.apple.TCC")));
+    QFile database(other.path() + QStringLiteral("/Library/Application Support/com.apple.TCC/TCC.db"));
+    ASSERT_TRUE(database.open(QIODevice::WriteOnly));
+    database.close();
+    EXPECT_TRUE(Permissions::canReadProtectedData(other.path()));
+}
+
+TEST(Permissions, SettingsPageIsOpenedThroughTheWorkspace)
+{
+    FakeWorkspace workspace;
+    Permissions::openFullDiskAccessSettings(workspace);
+    EXPECT_EQ(workspace.openedUrls,
+              QStringList{QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")});
+}
+
+#ifndef __APPLE__
+TEST(Permissions, OutsideMacOSNothingGuardsTheHomeFolder)
+{
+    QTemporaryDir home;
+    EXPECT_TRUE(Permissions::hasFullDiskAccess(home.path()));
+}
+#endif
