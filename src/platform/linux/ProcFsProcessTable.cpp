@@ -195,6 +195,9 @@ std::optional<quint64> ProcFsProcessTable::parseCpuTicks(QByteArrayView stat)
             return std::nullopt;
         text.remove_prefix(1);
         if (field >= 14) {
+            // A blank here would mean an empty field and every later one shifted.
+            if (text.empty() || text.front() < '0' || text.front() > '9')
+                return std::nullopt;
             const std::optional<quint64> value = number(text);
             if (!value || (!text.empty() && text.front() != ' ' && text.front() != '\n'))
                 return std::nullopt;
