@@ -47,8 +47,8 @@ std::optional<quint64> kibibytes(std::string_view text, std::string_view key, bo
         found = true;
         line.remove_prefix(key.size() + 1);
         const std::optional<quint64> value = number(line);
-        if (!value || line.find_first_not_of(" \t") == std::string_view::npos ||
-            line.substr(line.find_first_not_of(" \t")) != "kB")
+        const size_t unit = line.find_first_not_of(" \t");
+        if (!value || unit == std::string_view::npos || line.substr(unit) != "kB")
             return std::nullopt;
         quint64 bytes = 0;
         if (__builtin_mul_overflow(*value, 1024u, &bytes))
@@ -65,19 +65,18 @@ template <size_t N> qsizetype readSmall(const char* path, std::array<char, N>& b
     if (fd < 0)
         return -1;
     size_t filled = 0;
+    bool failed = false;
     while (filled < buffer.size()) {
         const ssize_t got = ::read(fd, buffer.data() + filled, buffer.size() - filled);
         if (got < 0 && errno == EINTR)
             continue;
-        if (got <= 0) {
-            if (got < 0)
-                filled = size_t(-1);
+        failed = got < 0;
+        if (got <= 0)
             break;
-        }
         filled += size_t(got);
     }
     ::close(fd);
-    return filled == size_t(-1) ? -1 : qsizetype(filled);
+    return failed ? -1 : qsizetype(filled);
 }
 
 std::string_view view(QByteArrayView bytes)
