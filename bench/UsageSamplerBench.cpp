@@ -10,11 +10,13 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
-#include <algorithm>
-#include <cstdio>
+
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdio>
 #include <vector>
 
 extern char** environ;

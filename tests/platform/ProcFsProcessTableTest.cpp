@@ -2,13 +2,18 @@
 
 #include "core/activity/UsageSampler.h"
 
+#include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
-#include <gtest/gtest.h>
+
 #include <unistd.h>
+
+#include <algorithm>
+#include <limits>
 #include <vector>
 
 using namespace nubo;

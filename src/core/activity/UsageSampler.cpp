@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>

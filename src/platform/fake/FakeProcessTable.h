@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QMap>
+
 #include <atomic>
 
 namespace nubo {

@@ -1,14 +1,15 @@
 #include "platform/linux/ProcFsProcessTable.h"
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <time.h>
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <dirent.h>
-#include <fcntl.h>
 #include <limits>
 #include <string_view>
-#include <time.h>
-#include <unistd.h>
 
 namespace nubo {
 

@@ -2,8 +2,11 @@
 
 #include "platform/fake/FakeProcessTable.h"
 
-#include <QFile>
 #include <gtest/gtest.h>
+
+#include <QFile>
+
+#include <limits>
 
 using namespace nubo;
 
