@@ -31,23 +31,43 @@ struct Match
     QByteArray prefix; // the bundle's path bytes followed by "/"
 };
 
+struct MatchList
+{
+    std::vector<Match> exact;
+    // The same bundles in the other Unicode normalisation form, tried only when no exact prefix
+    // fits: the workspace and the kernel may spell an accented name differently (composed or
+    // decomposed) although both mean the same folder.
+    std::vector<Match> equivalent;
+};
+
 // Matching is done on the path's bytes, not on decoded text: two bundles whose names differ only
 // in bytes that are not UTF-8 decode to the same text, and text matching would credit one's
 // processes to the other. A bundle whose text lost such bytes matches nothing instead.
-std::vector<Match> matchList(const QList<UsageSampler::App>& apps)
+MatchList matchList(const QList<UsageSampler::App>& apps)
 {
-    std::vector<Match> matches;
-    matches.reserve(size_t(apps.size()));
+    MatchList matches;
+    matches.exact.reserve(size_t(apps.size()));
     for (const UsageSampler::App& app : apps) {
         // An empty or root bundle would end in a bare "/" and swallow every process of the machine.
         const QString bundle = QDir::cleanPath(app.bundle);
         if (!bundle.startsWith(QLatin1Char('/')) || bundle == QLatin1String("/"))
             continue;
-        matches.push_back({app.pid, QFile::encodeName(bundle) + '/'});
+        const QByteArray exact = QFile::encodeName(bundle) + '/';
+        matches.exact.push_back({app.pid, exact});
+        QByteArray previous = exact;
+        for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
+            const QByteArray other = QFile::encodeName(bundle.normalized(form)) + '/';
+            if (other != exact && other != previous)
+                matches.equivalent.push_back({app.pid, other});
+            previous = other;
+        }
     }
     // An application nested inside another's bundle must be tried before the outer one.
-    std::stable_sort(matches.begin(), matches.end(),
-                     [](const Match& a, const Match& b) { return a.prefix.size() > b.prefix.size(); });
+    const auto longestFirst = [](const Match& a, const Match& b) {
+        return a.prefix.size() > b.prefix.size();
+    };
+    std::stable_sort(matches.exact.begin(), matches.exact.end(), longestFirst);
+    std::stable_sort(matches.equivalent.begin(), matches.equivalent.end(), longestFirst);
     return matches;
 }
 
@@ -59,6 +79,12 @@ const Match* ownerOf(const std::vector<Match>& matches, const char* path, size_t
             return &match;
     }
     return nullptr;
+}
+
+const Match* ownerOf(const MatchList& matches, const char* path, size_t length)
+{
+    const Match* match = ownerOf(matches.exact, path, length);
+    return match ? match : ownerOf(matches.equivalent, path, length);
 }
 
 } // namespace
@@ -78,12 +104,12 @@ QHash<qint32, UsageSampler::Usage> UsageSampler::sample(const QList<App>& apps)
     const quint64 elapsed = now - m_previousTime;
     m_previousTime = now;
 
-    const std::vector<Match> matches = matchList(apps);
+    const MatchList matches = matchList(apps);
 
     std::vector<qint32> pids(static_cast<size_t>(kMaxProcesses));
     std::vector<char> path(static_cast<size_t>(kPathBytes));
     const qsizetype listed =
-        matches.empty() ? 0 : std::clamp<qsizetype>(m_table.listPids(pids), 0, kMaxProcesses);
+        matches.exact.empty() ? 0 : std::clamp<qsizetype>(m_table.listPids(pids), 0, kMaxProcesses);
 
     const quint64 elapsedNs = multiplied(elapsed, m_timebase.numer) / m_timebase.denom;
     const double elapsedNsDouble = double(elapsedNs);

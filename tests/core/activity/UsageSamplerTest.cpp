@@ -122,6 +122,29 @@ TEST_F(UsageSamplerTest, NamesThatAreNotUtf8AreNeverCreditedToTheWrongApplicatio
     EXPECT_EQ(usage.value(300).memory, 8);
 }
 
+TEST_F(UsageSamplerTest, AccentedNamesMatchComposedOrDecomposedButTheExactSpellingWins)
+{
+    const QString composed = QStringLiteral("/Applications/Caf\u00e9.app");
+    const QString decomposed = QStringLiteral("/Applications/Cafe\u0301.app");
+    table.add(100, QFile::encodeName(decomposed) + "/Contents/MacOS/Cafe", 0, 1);
+
+    // GIVEN the workspace spells the bundle composed while the kernel spells it decomposed
+    {
+        UsageSampler sampler(table);
+        EXPECT_EQ(sampler.sample({{100, composed}}).value(100).memory, 1);
+    }
+
+    // GIVEN two distinct folders, one spelt each way, both running (possible where names are bytes)
+    table.add(200, QFile::encodeName(composed) + "/Contents/MacOS/Cafe", 0, 2);
+    for (const QList<UsageSampler::App>& apps : {QList<UsageSampler::App>{{100, decomposed}, {200, composed}},
+                                                 {{200, composed}, {100, decomposed}}}) {
+        UsageSampler sampler(table);
+        const auto usage = sampler.sample(apps);
+        EXPECT_EQ(usage.value(100).memory, 1);
+        EXPECT_EQ(usage.value(200).memory, 2);
+    }
+}
+
 TEST_F(UsageSamplerTest, ProcessorShareNeedsAPreviousSightingOfTheSameProcess)
 {
     // GIVEN an application with a helper, sampled once
