@@ -1,0 +1,41 @@
+// The administrator prompt of macOS: NSAppleScript runs the "do shell script … with administrator
+// privileges" text that portable code built, and the system shows its own password dialog.
+// Calls and conversions only; every decision about the text lives in core/admin.
+#include "platform/AdminRunner.h"
+
+#import <Foundation/Foundation.h>
+
+namespace nubo {
+
+namespace {
+
+class AppleScriptAdminRunner final : public AdminRunner
+{
+public:
+    AdminOutcome run(const AdminRequest& request) override
+    {
+        @autoreleasepool {
+            // initWithSource: answers nil when the script object cannot be made.
+            NSAppleScript* script = [[NSAppleScript alloc] initWithSource:request.script.toNSString()];
+            if (script == nil)
+                return AdminOutcome::Unavailable;
+#if !__has_feature(objc_arc)
+            [script autorelease];
+#endif
+            // executeAndReturnError: fills the error dictionary when the script fails, which
+            // includes a cancelled prompt and a wrong password.
+            NSDictionary<NSString*, id>* error = nil;
+            [script executeAndReturnError:&error];
+            return error == nil ? AdminOutcome::Succeeded : AdminOutcome::Failed;
+        }
+    }
+};
+
+} // namespace
+
+std::unique_ptr<AdminRunner> makeAdminRunner()
+{
+    return std::make_unique<AppleScriptAdminRunner>();
+}
+
+} // namespace nubo
