@@ -172,6 +172,32 @@ TEST_F(DeleterRightsTest, WithoutAdminTheSystemsMessageIsTheReason)
     EXPECT_EQ(tree(), without(before, {"work/mine/own"}));
 }
 
+TEST_F(DeleterRightsTest, ItemBehindAFolderThatMayNotBeSearchedIsNotCalledGone)
+{
+    // GIVEN a file inside a folder the user may not even look into: the system cannot say
+    // whether it exists, which must never be read as "already gone"
+    makeFolder("work/sealed", 0700);
+    makeFile("work/sealed/secret", 9);
+    const std::set<std::string> before = tree();
+
+    DeletionResult result;
+    {
+        OrdinaryUser user({bytes("work/sealed")});
+        ASSERT_TRUE(user.active());
+        if (::geteuid() != 0)
+            ::chmod(bytes("work/sealed").constData(), 0);
+        result = run({{path("work/sealed/secret"), 9}}, false);
+        if (::geteuid() != 0)
+            ::chmod(bytes("work/sealed").constData(), 0755);
+    }
+
+    EXPECT_TRUE(result.deleted.isEmpty());
+    EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/sealed/secret"),
+                                                      QString::fromLocal8Bit(std::strerror(EACCES))}}));
+    EXPECT_EQ(result.freed, 0);
+    EXPECT_EQ(tree(), before);
+}
+
 TEST_F(DeleterRightsTest, OneAdministratorRunForTheWholeBatch)
 {
     // GIVEN three items the user may not delete, in two folders, among others it may delete
