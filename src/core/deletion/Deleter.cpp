@@ -9,9 +9,21 @@
 #include <QPromise>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace nubo {
+
+namespace {
+
+// A size below zero can only come from a caller's bug; it must not shrink the freed total.
+void addFreed(DeletionResult& result, const DeletionItem& item)
+{
+    addChecked(result.freed, std::max<qint64>(0, item.size));
+}
+
+} // namespace
 
 Deleter::Deleter(const Safety& safety, AdminRunner& admin) : m_safety(safety), m_admin(admin) {}
 
@@ -40,7 +52,8 @@ QFuture<DeletionResult> Deleter::deleteItems(QList<DeletionItem> items, bool all
 DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool allowAdmin) const
 {
     DeletionResult result;
-    QList<DeletionItem> adminQueue;
+    // Queued for the administrator: the caller's item and the path that is acted on.
+    QList<std::pair<DeletionItem, QString>> adminQueue;
 
     for (const DeletionItem& item : items) {
         const Verdict verdict = m_safety.check(item.path);
@@ -48,25 +61,29 @@ DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool al
             result.failed.append({item.path, verdict.reason()});
             continue;
         }
+        // The disk is acted on exactly where the gate looked: the parent folder resolved and the
+        // last name as it stands. The text as given could differ from it ("link/" or "link/."
+        // reach through a link the gate judged as a link; "link/../x" lands beside its target).
+        const QString target = m_safety.normalise(item.path);
         // A name the disk gave in bytes that are not UTF-8 came back with replacement characters:
         // this text no longer names that file, and may name another one. Acting on it could
         // remove the wrong item, or call a file that is still there "already gone".
-        if (item.path.contains(QChar::ReplacementCharacter)) {
+        if (target.contains(QChar::ReplacementCharacter)) {
             result.failed.append({item.path, notDeletedReason()});
             continue;
         }
         // Only the system's "nothing here" makes an item already gone. A link is looked at, not
         // followed, so a dangling one is present and gets removed.
-        if (Removal::presence(item.path) == Removal::Presence::Absent) {
+        if (Removal::presence(target) == Removal::Presence::Absent) {
             result.deleted.append(item.path);
             continue;
         }
-        const int error = Removal::removeRecursively(item.path);
+        const int error = Removal::removeRecursively(target);
         if (error == 0) {
             result.deleted.append(item.path);
-            addChecked(result.freed, item.size);
+            addFreed(result, item);
         } else if (Removal::isRightsFailure(error) && allowAdmin) {
-            adminQueue.append(item);
+            adminQueue.append({item, target});
         } else {
             result.failed.append({item.path, Removal::systemMessage(error)});
         }
@@ -75,16 +92,16 @@ DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool al
     if (adminQueue.isEmpty())
         return result;
 
-    QStringList queuedPaths;
-    for (const DeletionItem& item : adminQueue)
-        queuedPaths << item.path;
-    const bool ran = removeAsAdmin(queuedPaths);
-    for (const DeletionItem& item : adminQueue) {
+    QStringList targets;
+    for (const auto& queued : adminQueue)
+        targets << queued.second;
+    const bool ran = removeAsAdmin(targets);
+    for (const auto& [item, target] : adminQueue) {
         if (!ran) {
             result.failed.append({item.path, adminDeniedReason()});
-        } else if (Removal::presence(item.path) == Removal::Presence::Absent) {
+        } else if (Removal::presence(target) == Removal::Presence::Absent) {
             result.deleted.append(item.path);
-            addChecked(result.freed, item.size);
+            addFreed(result, item);
         } else {
             result.failed.append({item.path, notDeletedReason()});
         }

@@ -39,6 +39,8 @@ TEST_F(DeleterTest, RemovesFilesFoldersAndLinksButNeverWhatLinksPointTo)
     makeLink(bytes("keep"), "work/tree/to-keep");
     makeLink(bytes("work/gone-long-ago"), "work/dangling");
     makeLink(bytes("keep/precious"), "work/to-precious");
+    makeLink(bytes("keep"), "work/slash");
+    makeLink(bytes("keep"), "work/dot");
     makeFile("work/sibling");
     const std::set<std::string> before = tree();
 
@@ -47,16 +49,21 @@ TEST_F(DeleterTest, RemovesFilesFoldersAndLinksButNeverWhatLinksPointTo)
                                        {path("work/tree"), 8192},
                                        {path("work/dangling"), 1},
                                        {path("work/to-precious"), 2},
-                                       {path("work/missing"), 1000000}},
+                                       {path("work/missing"), 1000000},
+                                       // The link is what is judged and removed, never its folder.
+                                       {path("work/slash/"), 3},
+                                       {path("work/dot/."), 4}},
                                       false);
 
     // THEN everything given is gone in the caller's order, the missing path counts as deleted
     // without freeing anything, and only the given items left the disk
     EXPECT_EQ(result.deleted, (QStringList{path("work/file"), path("work/tree"), path("work/dangling"),
-                                           path("work/to-precious"), path("work/missing")}));
+                                           path("work/to-precious"), path("work/missing"), path("work/slash/"),
+                                           path("work/dot/.")}));
     EXPECT_TRUE(result.failed.isEmpty());
-    EXPECT_EQ(result.freed, 4096 + 8192 + 1 + 2);
-    EXPECT_EQ(tree(), without(before, {"work/file", "work/tree", "work/dangling", "work/to-precious"}));
+    EXPECT_EQ(result.freed, 4096 + 8192 + 1 + 2 + 3 + 4);
+    EXPECT_EQ(tree(), without(before, {"work/file", "work/tree", "work/dangling", "work/to-precious", "work/slash",
+                                       "work/dot"}));
     EXPECT_TRUE(exists("keep/precious"));
 }
 
@@ -106,13 +113,15 @@ TEST_F(DeleterTest, NameThatIsNotUtf8IsNeverActedOnThroughItsLossyText)
     EXPECT_TRUE(m_admin.requests().isEmpty());
 }
 
-TEST_F(DeleterTest, FreedAddsSizesNearTheLimitExactly)
+TEST_F(DeleterTest, FreedAddsLargeSizesExactlyAndIgnoresNegativeOnes)
 {
     makeFile("work/a");
     makeFile("work/b");
+    makeFile("work/c");
     const qint64 big = std::numeric_limits<qint64>::max() / 2;
-    const DeletionResult result = run({{path("work/a"), big}, {path("work/b"), big}}, false);
+    const DeletionResult result = run({{path("work/a"), big}, {path("work/c"), -big}, {path("work/b"), big}}, false);
     EXPECT_EQ(result.freed, 2 * big);
+    EXPECT_EQ(result.deleted.size(), 3);
 }
 
 // ---- rights: an ordinary user facing folders it may not write ----
