@@ -8,6 +8,11 @@
 
 #include <algorithm>
 
+#include <csignal>
+
+#include <sys/types.h>
+#include <unistd.h>
+
 namespace nubo::Shell {
 
 namespace {
@@ -44,6 +49,9 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
     process.setProcessEnvironment(environment);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
+    // The tool leads a process group of its own, so that at the deadline whatever it started
+    // (a script's children) stops with it instead of living on and holding the pipe.
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
 
     const QDeadlineTimer deadline(std::max(timeout, std::chrono::milliseconds(0)));
     process.start();
@@ -56,11 +64,14 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
         process.waitForFinished(waitSlice(deadline));
 
     if (process.state() != QProcess::NotRunning) {
-        process.terminate();
+        const pid_t group = pid_t(process.processId());
+        ::kill(-group, SIGTERM);
         if (!process.waitForFinished(kGraceMilliseconds)) {
-            process.kill();
+            ::kill(-group, SIGKILL);
             process.waitForFinished(kGraceMilliseconds);
         }
+        // The tool may be gone while something it started still ignores the request.
+        ::kill(-group, SIGKILL);
         process.closeReadChannel(QProcess::StandardOutput);
         return {};
     }

@@ -21,7 +21,9 @@ inline constexpr const char* kToolSearchPath =
 /// `timeout`. Standard input and error are the null device; standard output is collected while
 /// the tool runs, so a tool that writes a lot never stalls on a full pipe. A tool that cannot
 /// start, or that is still running at the deadline, gives status -1 and empty output: it is asked
-/// to terminate, killed a second later if it ignores that, and waited for one more second.
+/// to terminate, killed a second later if it ignores that, and waited for one more second. The
+/// tool runs in a process group of its own, and at the deadline the whole group is stopped, so
+/// nothing it started outlives it. A tool that ends in time may leave children running.
 /// Output is decoded as UTF-8 with invalid bytes replaced, never dropped, and not trimmed.
 ///
 /// Blocks the calling thread for up to `timeout` plus about three seconds: never call it on the

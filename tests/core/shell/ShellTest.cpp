@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <cerrno>
 #include <csignal>
@@ -25,9 +26,17 @@ ShellResult sh(const QString& script, std::chrono::milliseconds timeout = 20s)
     return Shell::run(kSh, {QStringLiteral("-c"), script}, timeout);
 }
 
+// Running, that is: a zombie waiting for its parent (init, for an orphan) has stopped already.
 bool processExists(pid_t pid)
 {
-    return ::kill(pid, 0) == 0 || errno != ESRCH;
+    if (::kill(pid, 0) != 0 && errno == ESRCH)
+        return false;
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray line = stat.readAll();
+    const qsizetype close = line.lastIndexOf(')');
+    return close < 0 || line.mid(close + 2, 1) != "Z";
 }
 
 class ShellTest : public ::testing::Test
@@ -111,6 +120,34 @@ TEST_F(ShellTest, PoliteToolStopsAtTerminate)
     QFile file(pidFile);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_FALSE(processExists(pid_t(file.readAll().trimmed().toInt())));
+}
+
+TEST_F(ShellTest, WhatTheToolStartedStopsWithItAtTheDeadline)
+{
+    // GIVEN a script whose child ignores SIGTERM too and would outlive it
+    const QString pidFile = path(QStringLiteral("pids"));
+    const QString script =
+        QStringLiteral("trap '' TERM; sleep 60 & echo $! > '%1'; echo $$ >> '%1'; wait").arg(pidFile);
+
+    EXPECT_EQ(sh(script, 500ms), (ShellResult{-1, QString()}));
+
+    QFile file(pidFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> pids = file.readAll().trimmed().split('\n');
+    ASSERT_EQ(pids.size(), 2);
+    for (const QByteArray& pid : pids) {
+        // The signal is delivered, not awaited; give the child a moment to act on it.
+        QElapsedTimer clock;
+        clock.start();
+        while (processExists(pid_t(pid.toInt())) && clock.elapsed() < 5000)
+            QThread::msleep(20);
+        EXPECT_FALSE(processExists(pid_t(pid.toInt()))) << "pid " << pid.constData() << " still running";
+    }
+}
+
+TEST_F(ShellTest, ChildrenLeftRunningByAToolThatEndedInTimeAreNotWaitedFor)
+{
+    EXPECT_EQ(sh(QStringLiteral("sleep 2 & echo done"), 20s), (ShellResult{0, QStringLiteral("done\n")}));
 }
 
 TEST_F(ShellTest, TenMegabytesOfOutputDoNotStall)
