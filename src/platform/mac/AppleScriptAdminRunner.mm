@@ -5,6 +5,8 @@
 
 #import <Foundation/Foundation.h>
 
+#include <mutex>
+
 namespace nubo {
 
 namespace {
@@ -14,6 +16,9 @@ class AppleScriptAdminRunner final : public AdminRunner
 public:
     AdminOutcome run(const AdminRequest& request) override
     {
+        // Scripts may run on background threads (since Mac OS X 10.6), but two password prompts
+        // at once would only confuse the user: one at a time.
+        const std::lock_guard lock(m_mutex);
         @autoreleasepool {
             // initWithSource: answers nil when the script object cannot be made.
             NSAppleScript* script = [[NSAppleScript alloc] initWithSource:request.script.toNSString()];
@@ -29,6 +34,9 @@ public:
             return error == nil ? AdminOutcome::Succeeded : AdminOutcome::Failed;
         }
     }
+
+private:
+    std::mutex m_mutex;
 };
 
 } // namespace
