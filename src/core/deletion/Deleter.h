@@ -15,7 +15,9 @@ class Safety;
 /// dangling link is an item like any other and is removed. When `allowAdmin` is set, the items
 /// refused for lack of rights are retried together with one administrator prompt for the whole
 /// batch, after the gate has been asked again. A failure never stops the batch: every item ends
-/// either deleted or failed with a reason for the user.
+/// either deleted or failed with a reason for the user, reported under the path the caller gave.
+/// The disk is acted on at the path exactly as the gate judged it (parent folder resolved, last
+/// name as it stands), so no spelling of a path can reach past what was allowed.
 ///
 /// The deleter keeps references to the gate and the runner; both must outlive every batch.
 class Deleter

@@ -88,22 +88,6 @@ TEST(AdminScriptTest, ScriptAndCommandLineAgreeForOddTexts)
     EXPECT_EQ(test::shellCommandOf(removal.script), removal.commandLine);
 }
 
-TEST(AdminScriptTest, RemovalCommandLineGivesEachPathAsOneArgumentAfterDoubleDash)
-{
-    QStringList paths;
-    for (const QString& text : kOddTexts)
-        paths << QStringLiteral("/x/") + text;
-    QString commandLine = AdminScript::forRemoval(paths).commandLine;
-    // Swap the removal for a printer of its arguments; the quoting after it is what is tested.
-    const QString removal = QStringLiteral("/bin/rm -rf ");
-    ASSERT_TRUE(commandLine.startsWith(removal));
-    commandLine.replace(0, removal.size(), QStringLiteral("printf '<%s>' "));
-    QString expected = QStringLiteral("<-->");
-    for (const QString& path : paths)
-        expected += QLatin1Char('<') + path + QLatin1Char('>');
-    EXPECT_EQ(echoedBy(commandLine), expected);
-}
-
 TEST(AdminRunTest, HandsTheScriptToTheRunnerAndAnswersOnlySuccess)
 {
     FakeAdminRunner runner;

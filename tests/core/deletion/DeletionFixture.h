@@ -9,7 +9,6 @@
 
 #include <QTemporaryDir>
 
-#include <functional>
 #include <memory>
 #include <set>
 #include <string>

@@ -112,16 +112,6 @@ TEST_F(ShellTest, ToolIgnoringTerminateIsKilledAfterTheDeadline)
     RecordProperty("elapsed_ms", int(elapsed));
 }
 
-TEST_F(ShellTest, PoliteToolStopsAtTerminate)
-{
-    const QString pidFile = path(QStringLiteral("pid"));
-    const ShellResult result = sh(QStringLiteral("echo $$ > '%1'; exec sleep 60").arg(pidFile), 300ms);
-    EXPECT_EQ(result, (ShellResult{-1, QString()}));
-    QFile file(pidFile);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(processExists(pid_t(file.readAll().trimmed().toInt())));
-}
-
 TEST_F(ShellTest, WhatTheToolStartedStopsWithItAtTheDeadline)
 {
     // GIVEN a script whose child ignores SIGTERM too and would outlive it
