@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include <sys/resource.h>
+
 using namespace nubo;
 using namespace nubo::test;
 
@@ -65,6 +67,34 @@ TEST_F(DeleterTest, RemovesFilesFoldersAndLinksButNeverWhatLinksPointTo)
     EXPECT_EQ(tree(), without(before, {"work/file", "work/tree", "work/dangling", "work/to-precious", "work/slash",
                                        "work/dot"}));
     EXPECT_TRUE(exists("keep/precious"));
+}
+
+TEST_F(DeleterTest, DeepTreeGoesWholeEvenWithFewFileDescriptors)
+{
+    // GIVEN a tree 300 folders deep with files along the way, and a process that may hold only
+    // 64 open files (a Mac app gets 256 by default)
+    QByteArray relative = "work/deep";
+    makeFolder(relative);
+    for (int depth = 0; depth < 300; ++depth) {
+        relative += "/d";
+        makeFolder(relative);
+        if (depth % 50 == 0)
+            makeFile(relative + "/f", 1);
+    }
+    makeFile("work/beside");
+    const std::set<std::string> before = tree();
+    struct rlimit original = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &original), 0);
+    struct rlimit few = original;
+    few.rlim_cur = 64;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+
+    const DeletionResult result = run({{path("work/deep"), 1}}, false);
+    ::setrlimit(RLIMIT_NOFILE, &original);
+
+    EXPECT_TRUE(result.failed.isEmpty()) << (result.failed.isEmpty() ? "" : result.failed[0].reason.toStdString());
+    EXPECT_EQ(result.deleted, QStringList{path("work/deep")});
+    EXPECT_EQ(tree(), without(before, {"work/deep"}));
 }
 
 TEST_F(DeleterTest, ProtectedPathsAreRefusedWithTheirReasonAndTouched)
