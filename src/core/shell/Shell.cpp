@@ -64,20 +64,25 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
         process.waitForFinished(waitSlice(deadline));
 
     if (process.state() != QProcess::NotRunning) {
-        const pid_t group = pid_t(process.processId());
-        ::kill(-group, SIGTERM);
+        const pid_t tool = pid_t(process.processId());
+        // Never 0 or below: kill(0) would signal our own process group, the app itself. When the
+        // tool could not get its own group, it alone is signalled.
+        const auto signalTool = [tool](int signal) {
+            if (tool > 0 && ::kill(-tool, signal) != 0)
+                ::kill(tool, signal);
+        };
+        signalTool(SIGTERM);
         if (!process.waitForFinished(kGraceMilliseconds)) {
-            ::kill(-group, SIGKILL);
+            signalTool(SIGKILL);
             process.waitForFinished(kGraceMilliseconds);
         }
         // The tool may be gone while something it started still ignores the request.
-        ::kill(-group, SIGKILL);
+        if (tool > 0)
+            ::kill(-tool, SIGKILL);
         process.closeReadChannel(QProcess::StandardOutput);
         return {};
     }
 
-    if (process.error() == QProcess::FailedToStart)
-        return {};
     const QByteArray bytes = process.readAllStandardOutput();
     int status = process.exitCode();
     // A tool ended by a signal reports the signal's number, as the system's process API does; a
