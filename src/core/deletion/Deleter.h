@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/deletion/DeletionResult.h"
+
+#include <QFuture>
+
+namespace nubo {
+
+class AdminRunner;
+class Safety;
+
+/// Deletes batches of paths for good: never to the Trash, folders with everything in them.
+/// Every item passes the safety gate first; a denied item is reported with the gate's reason and
+/// nothing on disk is touched. An item already missing counts as deleted and frees nothing; a
+/// dangling link is an item like any other and is removed. When `allowAdmin` is set, the items
+/// refused for lack of rights are retried together with one administrator prompt for the whole
+/// batch, after the gate has been asked again. A failure never stops the batch: every item ends
+/// either deleted or failed with a reason for the user, reported under the path the caller gave.
+/// The disk is acted on at the path exactly as the gate judged it (parent folder resolved, last
+/// name as it stands), so no spelling of a path can reach past what was allowed.
+///
+/// The deleter keeps references to the gate and the runner; both must outlive every batch.
+class Deleter
+{
+public:
+    Deleter(const Safety& safety, AdminRunner& admin);
+
+    /// Runs the batch on the global thread pool; the prompt, if any, is shown from there. The
+    /// caller publishes the result on the user-interface thread when the future has it.
+    [[nodiscard]] QFuture<DeletionResult> deleteItems(QList<DeletionItem> items, bool allowAdmin) const;
+
+    /// The same batch on the calling thread, blocking until done.
+    [[nodiscard]] DeletionResult deleteItemsNow(const QList<DeletionItem>& items, bool allowAdmin) const;
+
+    /// One administrator /bin/rm for all `paths` that the gate still allows. False when none is
+    /// left or the user refused; true when it ran, and also when the platform could not even
+    /// try, since the caller then finds on disk what is still there.
+    [[nodiscard]] bool removeAsAdmin(const QStringList& paths) const;
+
+    static QString notDeletedReason();
+    static QString adminDeniedReason();
+
+private:
+    const Safety& m_safety;
+    AdminRunner& m_admin;
+};
+
+} // namespace nubo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/AdminRunner.h"
+
+#include <QList>
+
+#include <functional>
+#include <mutex>
+
+namespace nubo {
+
+/// An administrator runner for tests: records every request and answers `outcome`, or whatever
+/// `handler` answers when one is set (a test may run the command line itself as a stand-in for
+/// the privileged shell).
+class FakeAdminRunner final : public AdminRunner
+{
+public:
+    AdminOutcome run(const AdminRequest& request) override;
+
+    /// The requests so far, in order.
+    [[nodiscard]] QList<AdminRequest> requests() const;
+
+    AdminOutcome outcome = AdminOutcome::Succeeded;
+    std::function<AdminOutcome(const AdminRequest&)> handler;
+
+private:
+    mutable std::mutex m_mutex;
+    QList<AdminRequest> m_requests;
+};
+
+} // namespace nubo

@@ -1,0 +1,25 @@
+#include "platform/linux/StorageVolumeCapacity.h"
+
+#include <QStorageInfo>
+
+namespace nubo {
+
+VolumeFigures StorageVolumeCapacity::figures(const QString& path) const
+{
+    const QStorageInfo storage(path);
+    if (!storage.isValid() || !storage.isReady())
+        return {};
+    VolumeFigures figures;
+    if (const qint64 total = storage.bytesTotal(); total >= 0)
+        figures.total = total;
+    if (const qint64 available = storage.bytesAvailable(); available >= 0)
+        figures.available = available;
+    return figures;
+}
+
+std::unique_ptr<VolumeCapacity> makeVolumeCapacity()
+{
+    return std::make_unique<StorageVolumeCapacity>();
+}
+
+} // namespace nubo
