@@ -1,4 +1,8 @@
+#include "core/files/Home.h"
+#include "core/privacy/Permissions.h"
+#include "core/privacy/Privacy.h"
 #include "models/app/AppState.h"
+#include "platform/VolumeCapacity.h"
 #include "app/ui/UiEngine.h"
 
 #include <QGuiApplication>
@@ -16,7 +20,11 @@ int main(int argc, char* argv[])
     QQuickStyle::setStyle(QStringLiteral("Fusion"));
 #endif
 
-    nubo::AppState state;
+    // The services live as long as the window; the state borrows them.
+    const QString home = nubo::Home::url();
+    nubo::Privacy privacy(home, [home] { return nubo::Permissions::hasFullDiskAccess(home); });
+    const std::unique_ptr<nubo::VolumeCapacity> volume = nubo::makeVolumeCapacity();
+    nubo::AppState state({privacy, *volume});
     QQmlApplicationEngine engine;
     nubo::UiEngine::configure(engine);
     if (!nubo::UiEngine::loadMainWindow(engine, state))

@@ -1,4 +1,6 @@
+#include "core/privacy/Privacy.h"
 #include "models/app/AppState.h"
+#include "platform/fake/FakeVolumeCapacity.h"
 #include "app/ui/UiEngine.h"
 
 #include <gtest/gtest.h>
@@ -67,7 +69,9 @@ protected:
 
     QtMessageHandler m_previousHandler = nullptr;
 
-    AppState m_state;
+    Privacy m_privacy{QStringLiteral("/Users/x"), [] { return true; }};
+    FakeVolumeCapacity m_volume;
+    AppState m_state{{m_privacy, m_volume}};
     QQmlApplicationEngine m_engine;
     QQuickWindow* m_window = nullptr;
 };

@@ -1,8 +1,21 @@
 #include "models/app/AppState.h"
 
+#include "core/format/CheckedMath.h"
+#include "core/privacy/Privacy.h"
+#include "models/text/ResultTexts.h"
+
+#include <QTimer>
+
 namespace nubo {
 
-AppState::AppState(QObject* parent) : QObject(parent) {}
+AppState::AppState(Services services, QObject* parent)
+    : QObject(parent),
+      m_services(services),
+      m_disk(DiskInfo::current(services.volume)),
+      m_hasFullDiskAccess(services.privacy.refresh()),
+      m_showPermissions(!services.privacy.hasFullDiskAccess())
+{
+}
 
 void AppState::setPane(Pane pane)
 {
@@ -31,6 +44,90 @@ QString AppState::sectionTitle() const
 QString AppState::sectionSymbol() const
 {
     return Panes::symbol(m_section);
+}
+
+void AppState::setShowPermissions(bool show)
+{
+    if (show == m_showPermissions)
+        return;
+    m_showPermissions = show;
+    emit showPermissionsChanged();
+}
+
+void AppState::setDisk(const DiskInfo& disk)
+{
+    if (disk == m_disk)
+        return;
+    m_disk = disk;
+    emit diskChanged();
+}
+
+void AppState::setHasFullDiskAccess(bool granted)
+{
+    if (granted == m_hasFullDiskAccess)
+        return;
+    m_hasFullDiskAccess = granted;
+    emit hasFullDiskAccessChanged();
+}
+
+void AppState::setToast(std::optional<Toast> toast)
+{
+    if (toast == m_toast)
+        return;
+    m_toast = std::move(toast);
+    emit toastChanged();
+}
+
+void AppState::refreshDisk()
+{
+    setDisk(DiskInfo::current(m_services.volume));
+    const bool granted = m_services.privacy.refresh();
+    if (granted && !m_hasFullDiskAccess && m_showPermissions)
+        setShowPermissions(false);
+    setHasFullDiskAccess(granted);
+}
+
+void AppState::report(qint64 freed, qint64 failures)
+{
+    const qint64 total = checkedAdd(m_totalFreed, freed);
+    if (total != m_totalFreed) {
+        m_totalFreed = total;
+        emit totalFreedThisSessionChanged();
+    }
+    refreshDisk();
+
+    const Toast toast{QUuid::createUuid(), freed, failures};
+    setToast(toast);
+    // Only this toast may be dismissed by this timer: a newer report has its own.
+    QTimer::singleShot(m_services.toastDuration, this, [this, id = toast.id] {
+        if (m_toast && m_toast->id == id)
+            setToast(std::nullopt);
+    });
+}
+
+QString AppState::toastId() const
+{
+    return m_toast ? m_toast->id.toString(QUuid::WithoutBraces) : QString();
+}
+
+QString AppState::toastHeadline() const
+{
+    return m_toast ? ResultTexts::toastHeadline(m_toast->freed) : QString();
+}
+
+QString AppState::toastDetail() const
+{
+    return m_toast ? ResultTexts::toastFailures(m_toast->failures) : QString();
+}
+
+QString AppState::toastSymbol() const
+{
+    return m_toast ? ResultTexts::toastSymbol(m_toast->failures) : QString();
+}
+
+void AppState::dismissToast()
+{
+    setToast(std::nullopt);
 }
 
 } // namespace nubo

@@ -1,14 +1,24 @@
 #pragma once
 
+#include "core/disk/DiskInfo.h"
 #include "models/app/Pane.h"
+#include "models/app/Toast.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
+#include <chrono>
+#include <optional>
+
 namespace nubo {
 
-/// The one root state of the application, shared by every screen: for now the selected pane.
-/// QML sees the pane by its id ("home", "map", …) and its title.
+class Privacy;
+class VolumeCapacity;
+
+/// The one root state of the application, shared by every screen and the menu-bar panel: the
+/// selected pane, the start-up volume's figures, the Full Disk Access state and whether its
+/// guidance is showing, the toast of the last deletion and what this run has freed. Lives on the
+/// user-interface thread; every property notifies only when its value really changes.
 class AppState : public QObject
 {
     Q_OBJECT
@@ -18,24 +28,90 @@ class AppState : public QObject
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionTitle READ sectionTitle NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
+    Q_PROPERTY(qint64 diskTotal READ diskTotal NOTIFY diskChanged)
+    Q_PROPERTY(qint64 diskAvailable READ diskAvailable NOTIFY diskChanged)
+    Q_PROPERTY(double diskFraction READ diskFraction NOTIFY diskChanged)
+    Q_PROPERTY(bool hasFullDiskAccess READ hasFullDiskAccess NOTIFY hasFullDiskAccessChanged)
+    Q_PROPERTY(bool showPermissions READ showPermissions WRITE setShowPermissions NOTIFY showPermissionsChanged)
+    Q_PROPERTY(bool hasToast READ hasToast NOTIFY toastChanged)
+    Q_PROPERTY(QString toastId READ toastId NOTIFY toastChanged)
+    Q_PROPERTY(QString toastHeadline READ toastHeadline NOTIFY toastChanged)
+    Q_PROPERTY(QString toastDetail READ toastDetail NOTIFY toastChanged)
+    Q_PROPERTY(QString toastSymbol READ toastSymbol NOTIFY toastChanged)
+    Q_PROPERTY(bool toastHasFailures READ toastHasFailures NOTIFY toastChanged)
+    Q_PROPERTY(qint64 totalFreedThisSession READ totalFreedThisSession NOTIFY totalFreedThisSessionChanged)
 
 public:
-    explicit AppState(QObject* parent = nullptr);
+    /// How the state reads the machine: the access probe's cache and the volume reader are
+    /// borrowed and must outlive the state. `toastDuration` is how long a toast stays.
+    struct Services
+    {
+        Privacy& privacy;
+        const VolumeCapacity& volume;
+        std::chrono::milliseconds toastDuration = std::chrono::seconds(4);
+    };
+
+    /// Reads the volume, probes Full Disk Access afresh and asks for the permission guidance
+    /// exactly when access is missing.
+    explicit AppState(Services services, QObject* parent = nullptr);
 
     [[nodiscard]] Pane pane() const { return m_section; }
     void setPane(Pane pane);
-
     [[nodiscard]] QString section() const;
     /// Unknown ids are ignored, so a view can never select a pane that does not exist.
     void setSection(const QString& id);
     [[nodiscard]] QString sectionTitle() const;
     [[nodiscard]] QString sectionSymbol() const;
 
+    [[nodiscard]] const DiskInfo& disk() const { return m_disk; }
+    [[nodiscard]] qint64 diskTotal() const { return m_disk.total; }
+    [[nodiscard]] qint64 diskAvailable() const { return m_disk.available; }
+    [[nodiscard]] double diskFraction() const { return m_disk.fraction(); }
+
+    [[nodiscard]] bool hasFullDiskAccess() const { return m_hasFullDiskAccess; }
+    [[nodiscard]] bool showPermissions() const { return m_showPermissions; }
+    void setShowPermissions(bool show);
+
+    [[nodiscard]] const std::optional<Toast>& toast() const { return m_toast; }
+    [[nodiscard]] bool hasToast() const { return m_toast.has_value(); }
+    /// The toast's texts for the view; empty while there is none.
+    [[nodiscard]] QString toastId() const;
+    [[nodiscard]] QString toastHeadline() const;
+    [[nodiscard]] QString toastDetail() const;
+    [[nodiscard]] QString toastSymbol() const;
+    [[nodiscard]] bool toastHasFailures() const { return m_toast && m_toast->failures > 0; }
+    [[nodiscard]] qint64 totalFreedThisSession() const { return m_totalFreed; }
+
+    /// Re-reads the volume and re-probes access. A newly seen grant closes the permission
+    /// guidance; a refresh never opens it, and a lost grant is only recorded.
+    Q_INVOKABLE void refreshDisk();
+    /// Records one deletion batch: adds what it freed to this run's total (an overflow is
+    /// fatal), refreshes the figures and shows a new toast, which goes away by itself after
+    /// `toastDuration` unless a newer report replaced it first.
+    Q_INVOKABLE void report(qint64 freed, qint64 failures);
+    /// The user closed the toast.
+    Q_INVOKABLE void dismissToast();
+
 signals:
     void sectionChanged();
+    void diskChanged();
+    void hasFullDiskAccessChanged();
+    void showPermissionsChanged();
+    void toastChanged();
+    void totalFreedThisSessionChanged();
 
 private:
+    void setDisk(const DiskInfo& disk);
+    void setHasFullDiskAccess(bool granted);
+    void setToast(std::optional<Toast> toast);
+
+    Services m_services;
     Pane m_section = Pane::Home;
+    DiskInfo m_disk;
+    bool m_hasFullDiskAccess = false;
+    bool m_showPermissions = false;
+    std::optional<Toast> m_toast;
+    qint64 m_totalFreed = 0;
 };
 
 } // namespace nubo
