@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QLocale>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -54,6 +55,7 @@ class SnapshotTest : public ::testing::Test
 protected:
     void SetUp() override
     {
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
         g_warnings.clear();
         m_previousHandler = qInstallMessageHandler(collectWarnings);
         UiEngine::configure(m_engine);
@@ -70,13 +72,36 @@ protected:
     QtMessageHandler m_previousHandler = nullptr;
 
     Privacy m_privacy{QStringLiteral("/Users/x"), [] { return true; }};
-    FakeVolumeCapacity m_volume;
+    FakeVolumeCapacity m_volume = [] {
+        FakeVolumeCapacity volume;
+        volume.answer = {994'662'584'320, 181'253'627'904, 170'000'000'000}; // a 1 TB Mac, 82 % full
+        return volume;
+    }();
     AppState m_state{{m_privacy, m_volume}};
     QQmlApplicationEngine m_engine;
     QQuickWindow* m_window = nullptr;
 };
 
 } // namespace
+
+TEST_F(SnapshotTest, TheToastOfADeletionFloatsOverTheDetail)
+{
+    m_state.report(5'000'000'000, 2);
+    auto* toast = m_window->findChild<QQuickItem*>(QStringLiteral("toast"));
+    ASSERT_NE(toast, nullptr);
+    for (const QSize size : {QSize(1280, 820), QSize(960, 620)}) {
+        const QString suffix = size.width() == 1280 ? QStringLiteral("default") : QStringLiteral("minimum");
+        snapshot(*m_window, size, QStringLiteral("main-toast-") + suffix);
+        EXPECT_TRUE(toast->isVisible());
+        EXPECT_LE(toast->y() + toast->height(), qreal(size.height()));
+    }
+    auto* freed = m_window->findChild<QQuickItem*>(QStringLiteral("freedToday"));
+    ASSERT_NE(freed, nullptr);
+    EXPECT_TRUE(freed->isVisible());
+    m_state.dismissToast();
+    QTest::qWait(Settle * 2);
+    EXPECT_FALSE(toast->isVisible());
+}
 
 TEST_F(SnapshotTest, MainWindowHasItsTitleAndSizes)
 {

@@ -30,7 +30,8 @@ TEST(ThemeSymbolImages, EverySymbolTheFrameShowsHasAnInstalledThemeIcon)
     QStringList symbols = {QStringLiteral("sparkles"), QStringLiteral("circle.hexagongrid.fill"),
                            QStringLiteral("bubbles.and.sparkles.fill"), QStringLiteral("square.stack.3d.up.fill"),
                            QStringLiteral("gauge.with.dots.needle.67percent"), QStringLiteral("speedometer"),
-                           QStringLiteral("internaldrive"), QStringLiteral("wind")};
+                           QStringLiteral("internaldrive"), QStringLiteral("wind"),
+                           QStringLiteral("checkmark.circle.fill"), QStringLiteral("exclamationmark.triangle.fill")};
     for (FileKind kind : FileKinds::all)
         symbols << FileKinds::symbol(kind);
 

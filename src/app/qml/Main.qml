@@ -31,11 +31,27 @@ ApplicationWindow {
             Layout.fillHeight: true
             color: Theme.separator
         }
-        PanePlaceholder {
+        Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            title: window.appState.sectionTitle
-            symbol: window.appState.sectionSymbol
+
+            PanePlaceholder {
+                anchors.fill: parent
+                title: window.appState.sectionTitle
+                symbol: window.appState.sectionSymbol
+            }
+
+            ToastView {
+                id: toastView
+                objectName: "toast"
+                appState: window.appState
+                anchors.horizontalCenter: parent.horizontalCenter
+                y: window.appState.hasToast ? parent.height - height - Theme.spacingHuge : parent.height
+                opacity: window.appState.hasToast ? 1 : 0
+                visible: opacity > 0
+                Behavior on y { NumberAnimation { duration: Theme.emphasis.duration; easing.type: Theme.emphasis.easing } }
+                Behavior on opacity { NumberAnimation { duration: Theme.emphasis.duration } }
+            }
         }
     }
 }

@@ -45,5 +45,10 @@ Rectangle {
                 onActivated: sidebar.appState.section = paneId
             }
         }
+
+        DiskCard {
+            Layout.fillWidth: true
+            appState: sidebar.appState
+        }
     }
 }

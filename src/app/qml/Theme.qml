@@ -39,6 +39,11 @@ QtObject {
     readonly property color textPrimary: dark ? "#F5F5F7" : "#1D1D1F"
     readonly property color textSecondary: dark ? "#A1A1A6" : "#6E6E73"
 
+    // The colour of a tone named by the models ("accent", "success", "warning", "critical").
+    function toneColor(tone) {
+        return tone === "critical" ? red : tone === "warning" ? orange : tone === "success" ? green : accent
+    }
+
     // Named animations: reflow for figures that change, snappyUI for pane switches, emphasis for
     // the toast, zoom for entering and leaving a folder of the map.
     readonly property QtObject reflow: QtObject {

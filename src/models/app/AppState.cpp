@@ -105,6 +105,28 @@ void AppState::report(qint64 freed, qint64 failures)
     });
 }
 
+QString AppState::diskLine() const
+{
+    return ResultTexts::diskLine(m_disk.available, m_disk.total);
+}
+
+QString AppState::diskTone() const
+{
+    switch (ResultTexts::fullnessTone(m_disk.fraction())) {
+    case ResultTexts::Tone::Critical:
+        return QStringLiteral("critical");
+    case ResultTexts::Tone::Warning:
+        return QStringLiteral("warning");
+    default:
+        return QStringLiteral("accent");
+    }
+}
+
+QString AppState::freedTodayLine() const
+{
+    return ResultTexts::freedToday(m_totalFreed);
+}
+
 QString AppState::toastId() const
 {
     return m_toast ? m_toast->id.toString(QUuid::WithoutBraces) : QString();

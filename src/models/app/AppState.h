@@ -31,6 +31,8 @@ class AppState : public QObject
     Q_PROPERTY(qint64 diskTotal READ diskTotal NOTIFY diskChanged)
     Q_PROPERTY(qint64 diskAvailable READ diskAvailable NOTIFY diskChanged)
     Q_PROPERTY(double diskFraction READ diskFraction NOTIFY diskChanged)
+    Q_PROPERTY(QString diskLine READ diskLine NOTIFY diskChanged)
+    Q_PROPERTY(QString diskTone READ diskTone NOTIFY diskChanged)
     Q_PROPERTY(bool hasFullDiskAccess READ hasFullDiskAccess NOTIFY hasFullDiskAccessChanged)
     Q_PROPERTY(bool showPermissions READ showPermissions WRITE setShowPermissions NOTIFY showPermissionsChanged)
     Q_PROPERTY(bool hasToast READ hasToast NOTIFY toastChanged)
@@ -40,6 +42,7 @@ class AppState : public QObject
     Q_PROPERTY(QString toastSymbol READ toastSymbol NOTIFY toastChanged)
     Q_PROPERTY(bool toastHasFailures READ toastHasFailures NOTIFY toastChanged)
     Q_PROPERTY(qint64 totalFreedThisSession READ totalFreedThisSession NOTIFY totalFreedThisSessionChanged)
+    Q_PROPERTY(QString freedTodayLine READ freedTodayLine NOTIFY totalFreedThisSessionChanged)
 
 public:
     /// How the state reads the machine: the access probe's cache and the volume reader are
@@ -67,6 +70,10 @@ public:
     [[nodiscard]] qint64 diskTotal() const { return m_disk.total; }
     [[nodiscard]] qint64 diskAvailable() const { return m_disk.available; }
     [[nodiscard]] double diskFraction() const { return m_disk.fraction(); }
+    /// "<available> disponibles de <total>".
+    [[nodiscard]] QString diskLine() const;
+    /// "accent", "warning" or "critical", by how full the volume is.
+    [[nodiscard]] QString diskTone() const;
 
     [[nodiscard]] bool hasFullDiskAccess() const { return m_hasFullDiskAccess; }
     [[nodiscard]] bool showPermissions() const { return m_showPermissions; }
@@ -81,6 +88,8 @@ public:
     [[nodiscard]] QString toastSymbol() const;
     [[nodiscard]] bool toastHasFailures() const { return m_toast && m_toast->failures > 0; }
     [[nodiscard]] qint64 totalFreedThisSession() const { return m_totalFreed; }
+    /// "Liberado hoy: <size>", empty until something has been freed.
+    [[nodiscard]] QString freedTodayLine() const;
 
     /// Re-reads the volume and re-probes access. A newly seen grant closes the permission
     /// guidance; a refresh never opens it, and a lost grant is only recorded.

@@ -40,6 +40,8 @@ const QHash<QString, QStringList>& symbolTable()
         add("gearshape.fill", {"preferences-system-symbolic", "emblem-system-symbolic", "preferences-system"});
         add("folder.fill", {"folder-symbolic", "folder"});
         add("doc.fill", {"text-x-generic-symbolic", "text-x-generic"});
+        add("checkmark.circle.fill", {"emblem-ok-symbolic", "emblem-default-symbolic", "emblem-default"});
+        add("exclamationmark.triangle.fill", {"dialog-warning-symbolic", "dialog-warning"});
         return t;
     }();
     return table;

@@ -76,6 +76,9 @@ TEST_F(AppStateTest, StartsOnHomeWithFreshFiguresAndGuidanceOnlyWithoutAccess)
     EXPECT_EQ(state->pane(), Pane::Home);
     EXPECT_EQ(state->diskTotal(), 1'000'000'000'000);
     EXPECT_EQ(state->diskAvailable(), 250'000'000'000); // the important-usage figure wins
+    EXPECT_EQ(state->diskLine(), QStringLiteral("250 GB disponibles de 1 TB"));
+    EXPECT_EQ(state->diskTone(), QStringLiteral("warning"));
+    EXPECT_EQ(state->freedTodayLine(), QString());
     EXPECT_FALSE(state->hasFullDiskAccess());
     EXPECT_TRUE(state->showPermissions());
     EXPECT_FALSE(state->hasToast());
@@ -144,6 +147,7 @@ TEST_F(AppStateTest, AReportAddsUpRefreshesAndShowsItsToast)
     const int probesBefore = m_probes;
     state->report(5'000'000'000, 2);
     EXPECT_EQ(state->totalFreedThisSession(), 5'000'000'000);
+    EXPECT_EQ(state->freedTodayLine(), QStringLiteral("Liberado hoy: 5 GB"));
     EXPECT_EQ(m_probes, probesBefore + 1);
     ASSERT_TRUE(state->hasToast());
     EXPECT_EQ(state->toastHeadline(), QStringLiteral("5 GB liberados"));
