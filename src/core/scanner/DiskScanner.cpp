@@ -1,0 +1,439 @@
+#include "core/scanner/DiskScanner.h"
+
+#include "core/files/NativePath.h"
+#include "core/format/CheckedMath.h"
+#include "core/privacy/Privacy.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <optional>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <fts.h>
+#include <sys/stat.h>
+
+namespace nubo {
+
+namespace {
+
+qint64 allocatedBytes(const struct stat& info)
+{
+    return static_cast<qint64>(info.st_blocks) * 512;
+}
+
+QString lastComponent(const QString& path)
+{
+    return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+}
+
+QString joined(const QString& folder, const QString& name)
+{
+    return folder == QLatin1String("/") ? QLatin1Char('/') + name : folder + QLatin1Char('/') + name;
+}
+
+QString extensionOf(const QString& name)
+{
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot <= 0 ? QString() : name.mid(dot + 1);
+}
+
+bool hasPackageExtension(const QString& name)
+{
+    const QString extension = extensionOf(name);
+    return !extension.isEmpty() && DiskScanner::packageExtensions().contains(extension);
+}
+
+// A trailing slash would make every child path carry a double slash and the root's name empty.
+QString normalisedRoot(const QString& root)
+{
+    QString path = root;
+    while (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+        path.chop(1);
+    return path;
+}
+
+std::unique_ptr<FileNode> emptyFolder(const QString& name, const QString& path, bool isPackage)
+{
+    return std::make_unique<FileNode>(name, path, FileNode::Type::Directory, isPackage);
+}
+
+// Builds a folder node from its parts: children largest first (folders, then files, then the
+// aggregate among equals), totals summed, children dropped for a collapsed folder or a bundle.
+std::unique_ptr<FileNode> makeDirectory(const QString& name, const QString& path, FileNode::Children subdirs,
+                                        FileNode::Children files, qint64 smallBytes, qint64 smallCount,
+                                        int depth, bool isPackage)
+{
+    FileNode::Children children = std::move(subdirs);
+    children.reserve(children.size() + files.size() + 1);
+    for (auto& file : files)
+        children.push_back(std::move(file));
+    if (smallCount > 0) {
+        auto aggregate = std::make_unique<FileNode>(DiskScanner::aggregateName(smallCount), path,
+                                                    FileNode::Type::Aggregate);
+        aggregate->setSize(smallBytes);
+        aggregate->setFileCount(smallCount);
+        children.push_back(std::move(aggregate));
+    }
+    std::stable_sort(children.begin(), children.end(),
+                     [](const auto& a, const auto& b) { return a->size() > b->size(); });
+
+    qint64 size = 0;
+    qint64 count = 0;
+    for (const auto& child : children) {
+        addChecked(size, child->size());
+        addChecked(count, child->fileCount());
+    }
+    auto node = emptyFolder(name, path, isPackage);
+    node->setSize(size);
+    node->setFileCount(count);
+    // The root always keeps its children, however small, since it is what the user asked to see.
+    if (!((depth > 0 && size < DiskScanner::collapseBelow) || isPackage))
+        node->setChildren(std::move(children));
+    return node;
+}
+
+std::unique_ptr<FileNode> fileNode(const QString& name, const QString& path, qint64 size)
+{
+    auto node = std::make_unique<FileNode>(name, path, FileNode::Type::File);
+    node->setSize(size);
+    node->setFileCount(1);
+    return node;
+}
+
+class ScopedTimer
+{
+public:
+    explicit ScopedTimer(std::atomic<qint64>* sink) : m_sink(sink)
+    {
+        if (m_sink)
+            m_timer.start();
+    }
+    ~ScopedTimer()
+    {
+        if (m_sink)
+            m_sink->fetch_add(m_timer.nsecsElapsed(), std::memory_order_relaxed);
+    }
+    ScopedTimer(const ScopedTimer&) = delete;
+    ScopedTimer& operator=(const ScopedTimer&) = delete;
+
+private:
+    std::atomic<qint64>* m_sink;
+    QElapsedTimer m_timer;
+};
+
+} // namespace
+
+// A folder to scan: its text path, the bytes that reach it, and what the level above knew of it.
+struct DiskScanner::Folder
+{
+    QString name;
+    QString path;
+    QByteArray native;
+    bool isPackage = false;
+    dev_t device = 0;
+};
+
+DiskScanner::DiskScanner() : DiskScanner(Services{}) {}
+
+DiskScanner::DiskScanner(Services services) : m_services(std::move(services)), m_loop(m_services.helpers)
+{
+    if (!m_services.isGated)
+        m_services.isGated = [](const QString&) { return false; };
+    if (!m_services.displayName)
+        m_services.displayName = lastComponent;
+    if (!m_services.isPackage)
+        m_services.isPackage = [](const QString& path) { return hasPackageExtension(lastComponent(path)); };
+}
+
+DiskScanner::DiskScanner(const Privacy& privacy)
+    : DiskScanner(Services{[&privacy](const QString& path) { return privacy.isGated(path); }, {}, {}})
+{
+}
+
+const QStringList& DiskScanner::skipPaths()
+{
+    static const QStringList paths = {
+        QStringLiteral("/System/Volumes"), QStringLiteral("/Volumes"), QStringLiteral("/dev"),
+        QStringLiteral("/net"),            QStringLiteral("/home"),    QStringLiteral("/private/var/vm/sleepimage"),
+    };
+    return paths;
+}
+
+const QSet<QString>& DiskScanner::packageExtensions()
+{
+    static const QSet<QString> extensions = [] {
+        QSet<QString> set;
+        for (const char* extension :
+             {"app", "bundle", "framework", "photoslibrary", "xcarchive", "plugin", "kext", "appex", "logicx",
+              "fcpbundle", "musiclibrary", "rtfd", "pages", "key", "numbers", "xcodeproj", "xcworkspace",
+              "playground", "sparsebundle", "dSYM", "simruntime", "photolibrary", "imovielibrary", "tvlibrary",
+              "band"})
+            set.insert(QString::fromLatin1(extension));
+        return set;
+    }();
+    return extensions;
+}
+
+QString DiskScanner::aggregateName(qint64 count)
+{
+    if (count == 1)
+        return QStringLiteral("1 archivo pequeño");
+    return QString::number(count) + QStringLiteral(" archivos pequeños");
+}
+
+bool DiskScanner::skips(const QString& path) const
+{
+    return m_services.skipPaths.contains(path) || m_services.isGated(path);
+}
+
+std::unique_ptr<FileNode> DiskScanner::scan(const QString& root, ScanProgress& progress)
+{
+    Folder folder;
+    folder.path = normalisedRoot(root);
+    folder.native = NativePath::encode(folder.path);
+    folder.name = folder.path == QLatin1String("/") ? QStringLiteral("Macintosh HD")
+                                                     : m_services.displayName(folder.path);
+    struct stat info {};
+    // The root itself may be a link (a Mac's /tmp): the folder it names is what the user asked for.
+    if (::stat(folder.native.constData(), &info) != 0 || !S_ISDIR(info.st_mode))
+        return emptyFolder(folder.name, folder.path, false);
+    folder.device = info.st_dev;
+    return scanDirectory(folder, 0, progress);
+}
+
+std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int depth, ScanProgress& progress)
+{
+    if (m_services.isGated(folder.path))
+        return emptyFolder(folder.name, folder.path, folder.isPackage);
+    if (depth > 1 || folder.isPackage)
+        return ftsScan(folder, depth, progress);
+
+    std::vector<Folder> subfolders;
+    FileNode::Children files;
+    qint64 smallBytes = 0;
+    qint64 smallCount = 0;
+    qint64 seenBytes = 0;
+    {
+        ScopedTimer timer(m_timings ? &m_timings->listingNanoseconds : nullptr);
+        // O_NOFOLLOW: the folder was checked to be a folder; if a link has replaced it since, it
+        // is not followed.
+        const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (depth > 0 ? O_NOFOLLOW : 0);
+        const int fd = ::open(folder.native.constData(), flags);
+        DIR* dir = fd >= 0 ? ::fdopendir(fd) : nullptr;
+        if (fd >= 0 && !dir)
+            ::close(fd);
+        while (dir) {
+            const dirent* entry = ::readdir(dir);
+            if (!entry)
+                break;
+            const char* raw = entry->d_name;
+            if (raw[0] == '.' && (raw[1] == '\0' || (raw[1] == '.' && raw[2] == '\0')))
+                continue;
+            struct stat info {};
+            if (::fstatat(::dirfd(dir), raw, &info, AT_SYMLINK_NOFOLLOW) != 0)
+                continue; // vanished since the listing
+            if (S_ISLNK(info.st_mode))
+                continue;
+            const QString name = NativePath::decode(raw);
+            if (S_ISDIR(info.st_mode)) {
+                const QString path = joined(folder.path, name);
+                // A different device is another volume mounted here.
+                if (info.st_dev != folder.device || skips(path))
+                    continue;
+                QByteArray native = folder.native;
+                if (!native.endsWith('/'))
+                    native.append('/');
+                native.append(raw);
+                subfolders.push_back({name, path, std::move(native), m_services.isPackage(path), info.st_dev});
+                continue;
+            }
+            const qint64 size = allocatedBytes(info);
+            addChecked(seenBytes, size);
+            if (size < fileFloor) {
+                addChecked(smallBytes, size);
+                ++smallCount;
+            } else {
+                files.push_back(fileNode(name, joined(folder.path, name), size));
+            }
+        }
+        if (dir)
+            ::closedir(dir);
+    }
+
+    progress.add(smallCount + static_cast<qint64>(files.size()), seenBytes, folder.path);
+    std::vector<std::unique_ptr<FileNode>> results(subfolders.size());
+    if (!progress.isCancelled()) {
+        m_loop.forEach(static_cast<qsizetype>(subfolders.size()), [&](qsizetype i) {
+            if (!progress.isCancelled())
+                results[static_cast<size_t>(i)] = scanDirectory(subfolders[static_cast<size_t>(i)], depth + 1, progress);
+        });
+    }
+    FileNode::Children subdirs;
+    subdirs.reserve(results.size());
+    for (auto& result : results) {
+        if (result)
+            subdirs.push_back(std::move(result));
+    }
+    return makeDirectory(folder.name, folder.path, std::move(subdirs), std::move(files), smallBytes, smallCount,
+                         depth, folder.isPackage);
+}
+
+// One open folder of the deep walk.
+struct DiskScanner::Frame
+{
+    QString name;
+    QString path;
+    short level = 0;
+    bool isPackage = false;
+    // Inside a bundle nothing below is ever shown, so a sub-folder only adds its totals upward.
+    bool mergesUp = false;
+    FileNode::Children subdirs;
+    FileNode::Children files;
+    qint64 smallBytes = 0;
+    qint64 smallCount = 0;
+    qint64 directFiles = 0;
+    qint64 directBytes = 0;
+    // The folder opened for examining its files by name; -1 while closed. Only the top frame keeps
+    // one open, so a walk holds one descriptor however deep it goes.
+    int fd = -1;
+};
+
+std::unique_ptr<FileNode> DiskScanner::ftsScan(const Folder& folder, int depth, ScanProgress& progress)
+{
+    ScopedTimer timer(m_timings ? &m_timings->deepNanoseconds : nullptr);
+    if (m_timings)
+        m_timings->deepWalks.fetch_add(1, std::memory_order_relaxed);
+
+    char* roots[] = {const_cast<char*>(folder.native.constData()), nullptr};
+    // Physical: links are reported, never followed. No chdir: the walks run on several threads of
+    // one process. One device: mount points inside are not crossed.
+    // No stat: fts reports files by their directory entry only, and each file is then examined
+    // relative to its open folder, which spares the kernel resolving the whole path per file.
+    FTS* walk = ::fts_open(roots, FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV | FTS_NOSTAT, nullptr);
+    if (!walk)
+        return emptyFolder(folder.name, folder.path, folder.isPackage);
+
+    std::vector<Frame> stack;
+    std::unique_ptr<FileNode> result;
+
+    // Closes the top frame and hands its node (or, inside a bundle, its totals) to the frame below.
+    const auto countFile = [&](Frame& frame, const FTSENT* entry, qint64 size) {
+        ++frame.directFiles;
+        addChecked(frame.directBytes, size);
+        if (size >= fileFloor && !frame.isPackage) {
+            const QString name = NativePath::decode(entry->fts_name);
+            frame.files.push_back(fileNode(name, joined(frame.path, name), size));
+        } else {
+            addChecked(frame.smallBytes, size);
+            ++frame.smallCount;
+        }
+    };
+
+    const auto pop = [&] {
+        Frame frame = std::move(stack.back());
+        stack.pop_back();
+        if (frame.fd >= 0)
+            ::close(frame.fd);
+        progress.add(frame.directFiles, frame.directBytes, frame.path);
+        if (frame.mergesUp) {
+            Frame& parent = stack.back();
+            addChecked(parent.smallBytes, frame.smallBytes);
+            addChecked(parent.smallCount, frame.smallCount);
+            return;
+        }
+        auto node = makeDirectory(frame.name, frame.path, std::move(frame.subdirs), std::move(frame.files),
+                                  frame.smallBytes, frame.smallCount, depth + frame.level, frame.isPackage);
+        if (stack.empty())
+            result = std::move(node);
+        else
+            stack.back().subdirs.push_back(std::move(node));
+    };
+
+    bool cancelled = false;
+    while (const FTSENT* entry = ::fts_read(walk)) {
+        switch (entry->fts_info) {
+        case FTS_D: {
+            if (progress.isCancelled()) {
+                cancelled = true;
+                break;
+            }
+            const bool isRoot = entry->fts_level == FTS_ROOTLEVEL;
+            const QString name = isRoot ? folder.name : NativePath::decode(entry->fts_name);
+            const QString path = isRoot ? folder.path : joined(stack.empty() ? folder.path : stack.back().path, name);
+            if ((!isRoot && stack.empty()) || skips(path)) {
+                ::fts_set(walk, const_cast<FTSENT*>(entry), FTS_SKIP);
+                break;
+            }
+            // Opened now for its files, and examined through the descriptor for its device: a
+            // folder on another device is a volume mounted here.
+            const int fd = ::open(entry->fts_accpath, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            struct stat info {};
+            const bool known = fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(entry->fts_accpath, &info) == 0;
+            if (!known || info.st_dev != folder.device) {
+                if (fd >= 0)
+                    ::close(fd);
+                ::fts_set(walk, const_cast<FTSENT*>(entry), FTS_SKIP);
+                break;
+            }
+            Frame frame;
+            frame.level = entry->fts_level;
+            if (isRoot) {
+                frame.isPackage = folder.isPackage;
+            } else {
+                frame.mergesUp = stack.back().isPackage;
+                frame.isPackage = frame.mergesUp || hasPackageExtension(name);
+            }
+            frame.name = name;
+            frame.path = path;
+            frame.fd = fd;
+            if (!stack.empty() && stack.back().fd >= 0) {
+                ::close(stack.back().fd);
+                stack.back().fd = -1;
+            }
+            stack.push_back(std::move(frame));
+            break;
+        }
+        case FTS_F:
+        case FTS_DEFAULT:
+        case FTS_NSOK: {
+            if (stack.empty())
+                break;
+            Frame& frame = stack.back();
+            if (frame.fd < 0) {
+                const size_t parentLength = entry->fts_pathlen - entry->fts_namelen - 1;
+                const QByteArray parent = parentLength == 0 ? QByteArray("/")
+                                                            : QByteArray(entry->fts_path, qsizetype(parentLength));
+                frame.fd = ::open(parent.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+                if (frame.fd < 0)
+                    break;
+            }
+            struct stat info {};
+            // Links are reported here too (the entry said only "not a folder"); they count nothing.
+            if (::fstatat(frame.fd, entry->fts_name, &info, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(info.st_mode) ||
+                S_ISDIR(info.st_mode))
+                break;
+            countFile(frame, entry, allocatedBytes(info));
+            break;
+        }
+        case FTS_DP:
+        case FTS_DNR:
+            if (!stack.empty() && stack.back().level == entry->fts_level)
+                pop();
+            break;
+        default: // links, entries that cannot be examined, errors: nothing to count
+            break;
+        }
+        if (cancelled)
+            break;
+    }
+    ::fts_close(walk);
+
+    // A cancelled walk still returns what it gathered, with every open folder closed in order.
+    while (!stack.empty())
+        pop();
+    return result ? std::move(result) : emptyFolder(folder.name, folder.path, folder.isPackage);
+}
+
+} // namespace nubo
