@@ -11,7 +11,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <fts.h>
 #include <sys/stat.h>
 
 namespace nubo {
@@ -208,7 +207,7 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
     if (m_services.isGated(folder.path))
         return emptyFolder(folder.name, folder.path, folder.isPackage);
     if (depth > 1 || folder.isPackage)
-        return ftsScan(folder, depth, progress);
+        return deepScan(folder, depth, progress);
 
     std::vector<Folder> subfolders;
     FileNode::Children files;
@@ -280,67 +279,107 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
                          depth, folder.isPackage);
 }
 
-// One open folder of the deep walk.
+// One folder of the deep walk whose sub-folders are still being walked.
 struct DiskScanner::Frame
 {
     QString name;
     QString path;
-    short level = 0;
+    QByteArray native;
+    int level = 0;
     bool isPackage = false;
     // Inside a bundle nothing below is ever shown, so a sub-folder only adds its totals upward.
     bool mergesUp = false;
+    std::vector<QByteArray> pending; // sub-folder names in listing order
+    size_t next = 0;
     FileNode::Children subdirs;
     FileNode::Children files;
     qint64 smallBytes = 0;
     qint64 smallCount = 0;
-    qint64 directFiles = 0;
-    qint64 directBytes = 0;
-    // The folder opened for examining its files by name; -1 while closed. Only the top frame keeps
-    // one open, so a walk holds one descriptor however deep it goes.
-    int fd = -1;
 };
 
-std::unique_ptr<FileNode> DiskScanner::ftsScan(const Folder& folder, int depth, ScanProgress& progress)
+// The deep walk: depth first, one folder open at a time per thread. Each folder is opened once
+// without following links, checked to be on the walk's device (another device is a volume mounted
+// here), read to the end, and every entry that is not a folder is examined relative to the open
+// folder; its allocated blocks are its size. Folders are then entered in listing order. A folder
+// that cannot be opened or read counts as empty; entries that vanish count nothing.
+std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth, ScanProgress& progress)
 {
     ScopedTimer timer(m_timings ? &m_timings->deepNanoseconds : nullptr);
     if (m_timings)
         m_timings->deepWalks.fetch_add(1, std::memory_order_relaxed);
 
-    char* roots[] = {const_cast<char*>(folder.native.constData()), nullptr};
-    // Physical: links are reported, never followed. No chdir: the walks run on several threads of
-    // one process. One device: mount points inside are not crossed.
-    // No stat: fts reports files by their directory entry only, and each file is then examined
-    // relative to its open folder, which spares the kernel resolving the whole path per file.
-    FTS* walk = ::fts_open(roots, FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV | FTS_NOSTAT, nullptr);
-    if (!walk)
-        return emptyFolder(folder.name, folder.path, folder.isPackage);
-
     std::vector<Frame> stack;
     std::unique_ptr<FileNode> result;
 
-    // Closes the top frame and hands its node (or, inside a bundle, its totals) to the frame below.
-    const auto countFile = [&](Frame& frame, const FTSENT* entry, qint64 size) {
-        ++frame.directFiles;
-        addChecked(frame.directBytes, size);
-        if (size >= fileFloor && !frame.isPackage) {
-            const QString name = NativePath::decode(entry->fts_name);
-            frame.files.push_back(fileNode(name, joined(frame.path, name), size));
-        } else {
-            addChecked(frame.smallBytes, size);
-            ++frame.smallCount;
+    // Lists the folder into a new top frame. Returns false for a folder that is not entered at all.
+    const auto enter = [&](Frame frame) {
+        const int fd = ::open(frame.native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        struct stat info {};
+        if (fd >= 0 ? ::fstat(fd, &info) != 0 : ::lstat(frame.native.constData(), &info) != 0) {
+            if (fd >= 0)
+                ::close(fd);
+            return false; // vanished
         }
+        if (!S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
+            if (fd >= 0)
+                ::close(fd);
+            return false;
+        }
+        DIR* dir = fd >= 0 ? ::fdopendir(fd) : nullptr;
+        if (fd >= 0 && !dir)
+            ::close(fd);
+        qint64 directFiles = 0;
+        qint64 directBytes = 0;
+        while (dir) {
+            const dirent* entry = ::readdir(dir);
+            if (!entry)
+                break;
+            const char* raw = entry->d_name;
+            if (raw[0] == '.' && (raw[1] == '\0' || (raw[1] == '.' && raw[2] == '\0')))
+                continue;
+            if (entry->d_type == DT_LNK)
+                continue;
+            if (entry->d_type == DT_DIR) {
+                frame.pending.emplace_back(raw);
+                continue;
+            }
+            struct stat item {};
+            if (::fstatat(::dirfd(dir), raw, &item, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(item.st_mode))
+                continue;
+            if (S_ISDIR(item.st_mode)) { // a file system that does not report types
+                frame.pending.emplace_back(raw);
+                continue;
+            }
+            const qint64 size = allocatedBytes(item);
+            ++directFiles;
+            addChecked(directBytes, size);
+            if (size >= fileFloor && !frame.isPackage) {
+                const QString name = NativePath::decode(raw);
+                frame.files.push_back(fileNode(name, joined(frame.path, name), size));
+            } else {
+                addChecked(frame.smallBytes, size);
+                ++frame.smallCount;
+            }
+        }
+        if (dir)
+            ::closedir(dir);
+        progress.add(directFiles, directBytes, frame.path);
+        stack.push_back(std::move(frame));
+        return true;
     };
 
-    const auto pop = [&] {
+    // Closes the top frame and hands its node (or, inside a bundle, its totals) to the frame below.
+    const auto leave = [&] {
         Frame frame = std::move(stack.back());
         stack.pop_back();
-        if (frame.fd >= 0)
-            ::close(frame.fd);
-        progress.add(frame.directFiles, frame.directBytes, frame.path);
         if (frame.mergesUp) {
             Frame& parent = stack.back();
             addChecked(parent.smallBytes, frame.smallBytes);
             addChecked(parent.smallCount, frame.smallCount);
+            for (auto& node : frame.subdirs) { // only empty when merging, kept for clarity
+                addChecked(parent.smallBytes, node->size());
+                addChecked(parent.smallCount, node->fileCount());
+            }
             return;
         }
         auto node = makeDirectory(frame.name, frame.path, std::move(frame.subdirs), std::move(frame.files),
@@ -351,88 +390,40 @@ std::unique_ptr<FileNode> DiskScanner::ftsScan(const Folder& folder, int depth, 
             stack.back().subdirs.push_back(std::move(node));
     };
 
-    bool cancelled = false;
-    while (const FTSENT* entry = ::fts_read(walk)) {
-        switch (entry->fts_info) {
-        case FTS_D: {
-            if (progress.isCancelled()) {
-                cancelled = true;
-                break;
-            }
-            const bool isRoot = entry->fts_level == FTS_ROOTLEVEL;
-            const QString name = isRoot ? folder.name : NativePath::decode(entry->fts_name);
-            const QString path = isRoot ? folder.path : joined(stack.empty() ? folder.path : stack.back().path, name);
-            if ((!isRoot && stack.empty()) || skips(path)) {
-                ::fts_set(walk, const_cast<FTSENT*>(entry), FTS_SKIP);
-                break;
-            }
-            // Opened now for its files, and examined through the descriptor for its device: a
-            // folder on another device is a volume mounted here.
-            const int fd = ::open(entry->fts_accpath, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-            struct stat info {};
-            const bool known = fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(entry->fts_accpath, &info) == 0;
-            if (!known || info.st_dev != folder.device) {
-                if (fd >= 0)
-                    ::close(fd);
-                ::fts_set(walk, const_cast<FTSENT*>(entry), FTS_SKIP);
-                break;
-            }
-            Frame frame;
-            frame.level = entry->fts_level;
-            if (isRoot) {
-                frame.isPackage = folder.isPackage;
-            } else {
-                frame.mergesUp = stack.back().isPackage;
-                frame.isPackage = frame.mergesUp || hasPackageExtension(name);
-            }
-            frame.name = name;
-            frame.path = path;
-            frame.fd = fd;
-            if (!stack.empty() && stack.back().fd >= 0) {
-                ::close(stack.back().fd);
-                stack.back().fd = -1;
-            }
-            stack.push_back(std::move(frame));
-            break;
-        }
-        case FTS_F:
-        case FTS_DEFAULT:
-        case FTS_NSOK: {
-            if (stack.empty())
-                break;
-            Frame& frame = stack.back();
-            if (frame.fd < 0) {
-                const size_t parentLength = entry->fts_pathlen - entry->fts_namelen - 1;
-                const QByteArray parent = parentLength == 0 ? QByteArray("/")
-                                                            : QByteArray(entry->fts_path, qsizetype(parentLength));
-                frame.fd = ::open(parent.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-                if (frame.fd < 0)
-                    break;
-            }
-            struct stat info {};
-            // Links are reported here too (the entry said only "not a folder"); they count nothing.
-            if (::fstatat(frame.fd, entry->fts_name, &info, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(info.st_mode) ||
-                S_ISDIR(info.st_mode))
-                break;
-            countFile(frame, entry, allocatedBytes(info));
-            break;
-        }
-        case FTS_DP:
-        case FTS_DNR:
-            if (!stack.empty() && stack.back().level == entry->fts_level)
-                pop();
-            break;
-        default: // links, entries that cannot be examined, errors: nothing to count
-            break;
-        }
-        if (cancelled)
-            break;
-    }
-    ::fts_close(walk);
+    Frame root;
+    root.name = folder.name;
+    root.path = folder.path;
+    root.native = folder.native;
+    root.isPackage = folder.isPackage;
+    if (!progress.isCancelled() && !skips(folder.path))
+        enter(std::move(root));
 
+    while (!stack.empty()) {
+        Frame& top = stack.back();
+        if (top.next == top.pending.size()) {
+            leave();
+            continue;
+        }
+        if (progress.isCancelled())
+            break;
+        const QByteArray& raw = top.pending[top.next++];
+        Frame child;
+        child.name = NativePath::decode(raw);
+        child.path = joined(top.path, child.name);
+        if (skips(child.path))
+            continue;
+        child.native = top.native;
+        if (!child.native.endsWith('/'))
+            child.native.append('/');
+        child.native.append(raw);
+        child.level = top.level + 1;
+        child.mergesUp = top.isPackage;
+        child.isPackage = child.mergesUp || hasPackageExtension(child.name);
+        enter(std::move(child)); // `top` may dangle from here on
+    }
     // A cancelled walk still returns what it gathered, with every open folder closed in order.
     while (!stack.empty())
-        pop();
+        leave();
     return result ? std::move(result) : emptyFolder(folder.name, folder.path, folder.isPackage);
 }
 

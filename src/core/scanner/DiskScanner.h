@@ -20,7 +20,7 @@ class Privacy;
 /// disk, small files are summed into one aggregate per folder, small folders below the root are
 /// collapsed, bundles are single blocks, symbolic links are never followed or counted and other
 /// volumes are never entered. The root's entries and theirs are listed directly and their
-/// sub-folders scanned in parallel; everything deeper is walked with fts on the thread that
+/// sub-folders scanned in parallel; everything deeper is walked depth first on the thread that
 /// reached it. Holds no state of a scan beyond the call; one scanner may serve one scan at a time.
 class DiskScanner
 {
@@ -50,7 +50,7 @@ public:
     struct Timings
     {
         std::atomic<qint64> listingNanoseconds{0}; ///< listing the folders at depth 0 and 1
-        std::atomic<qint64> deepNanoseconds{0};    ///< the fts walks below them
+        std::atomic<qint64> deepNanoseconds{0};    ///< the deep walks below them
         std::atomic<int> deepWalks{0};
     };
 
@@ -80,7 +80,7 @@ private:
     struct Frame;
 
     std::unique_ptr<FileNode> scanDirectory(const Folder& folder, int depth, ScanProgress& progress);
-    std::unique_ptr<FileNode> ftsScan(const Folder& folder, int depth, ScanProgress& progress);
+    std::unique_ptr<FileNode> deepScan(const Folder& folder, int depth, ScanProgress& progress);
     [[nodiscard]] bool skips(const QString& path) const;
 
     Services m_services;
