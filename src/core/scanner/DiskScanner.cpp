@@ -101,6 +101,53 @@ std::unique_ptr<FileNode> fileNode(const QString& name, const QString& path, qin
     return node;
 }
 
+bool isDotOrDotDot(const char* name)
+{
+    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
+
+// Reads every entry of the open folder `fd` (which it closes), hidden ones included. Links are
+// skipped; folders go to `onFolder(folderFd, name)`, anything else to `onFile(name, bytes)` with its
+// allocated blocks. Entries are examined relative to the open folder, so the kernel never resolves
+// a whole path per file; the entry's type spares examining folders and links at all. Entries that
+// vanish meanwhile are left out. A folder that cannot be read yields nothing.
+template <typename OnFolder, typename OnFile>
+void readFolder(int fd, OnFolder&& onFolder, OnFile&& onFile)
+{
+    DIR* dir = fd >= 0 ? ::fdopendir(fd) : nullptr;
+    if (!dir) {
+        if (fd >= 0)
+            ::close(fd);
+        return;
+    }
+    const int dirFd = ::dirfd(dir);
+    while (const dirent* entry = ::readdir(dir)) {
+        const char* name = entry->d_name;
+        if (isDotOrDotDot(name) || entry->d_type == DT_LNK)
+            continue;
+        if (entry->d_type == DT_DIR) {
+            onFolder(dirFd, name);
+            continue;
+        }
+        struct stat info {};
+        if (::fstatat(dirFd, name, &info, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(info.st_mode))
+            continue;
+        if (S_ISDIR(info.st_mode)) // a file system that does not report entry types
+            onFolder(dirFd, name);
+        else
+            onFile(name, allocatedBytes(info));
+    }
+    ::closedir(dir);
+}
+
+QByteArray joinedNative(const QByteArray& folder, const char* name)
+{
+    QByteArray path = folder;
+    if (!path.endsWith('/'))
+        path.append('/');
+    return path.append(name);
+}
+
 class ScopedTimer
 {
 public:
@@ -216,57 +263,42 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
     qint64 seenBytes = 0;
     {
         ScopedTimer timer(m_timings ? &m_timings->listingNanoseconds : nullptr);
-        // O_NOFOLLOW: the folder was checked to be a folder; if a link has replaced it since, it
-        // is not followed.
+        // O_NOFOLLOW below the root: should a link have replaced the folder since it was listed,
+        // it is not followed.
         const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (depth > 0 ? O_NOFOLLOW : 0);
-        const int fd = ::open(folder.native.constData(), flags);
-        DIR* dir = fd >= 0 ? ::fdopendir(fd) : nullptr;
-        if (fd >= 0 && !dir)
-            ::close(fd);
-        while (dir) {
-            const dirent* entry = ::readdir(dir);
-            if (!entry)
-                break;
-            const char* raw = entry->d_name;
-            if (raw[0] == '.' && (raw[1] == '\0' || (raw[1] == '.' && raw[2] == '\0')))
-                continue;
+        const auto onFolder = [&](int dirFd, const char* raw) {
             struct stat info {};
-            if (::fstatat(::dirfd(dir), raw, &info, AT_SYMLINK_NOFOLLOW) != 0)
-                continue; // vanished since the listing
-            if (S_ISLNK(info.st_mode))
-                continue;
+            if (::fstatat(dirFd, raw, &info, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(info.st_mode))
+                return;
             const QString name = NativePath::decode(raw);
-            if (S_ISDIR(info.st_mode)) {
-                const QString path = joined(folder.path, name);
-                // A different device is another volume mounted here.
-                if (info.st_dev != folder.device || skips(path))
-                    continue;
-                QByteArray native = folder.native;
-                if (!native.endsWith('/'))
-                    native.append('/');
-                native.append(raw);
-                subfolders.push_back({name, path, std::move(native), m_services.isPackage(path), info.st_dev});
-                continue;
-            }
-            const qint64 size = allocatedBytes(info);
+            const QString path = joined(folder.path, name);
+            // A different device is another volume mounted here.
+            if (info.st_dev != folder.device || skips(path))
+                return;
+            subfolders.push_back({name, path, joinedNative(folder.native, raw), m_services.isPackage(path),
+                                  info.st_dev});
+        };
+        const auto onFile = [&](const char* raw, qint64 size) {
             addChecked(seenBytes, size);
             if (size < fileFloor) {
                 addChecked(smallBytes, size);
                 ++smallCount;
             } else {
+                const QString name = NativePath::decode(raw);
                 files.push_back(fileNode(name, joined(folder.path, name), size));
             }
-        }
-        if (dir)
-            ::closedir(dir);
+        };
+        readFolder(::open(folder.native.constData(), flags), onFolder, onFile);
     }
 
     progress.add(smallCount + static_cast<qint64>(files.size()), seenBytes, folder.path);
     std::vector<std::unique_ptr<FileNode>> results(subfolders.size());
     if (!progress.isCancelled()) {
+        // Each sub-folder writes only its own result, so the results need no lock.
         m_loop.forEach(static_cast<qsizetype>(subfolders.size()), [&](qsizetype i) {
+            const auto index = static_cast<size_t>(i);
             if (!progress.isCancelled())
-                results[static_cast<size_t>(i)] = scanDirectory(subfolders[static_cast<size_t>(i)], depth + 1, progress);
+                results[index] = scanDirectory(subfolders[index], depth + 1, progress);
         });
     }
     FileNode::Children subdirs;
@@ -311,46 +343,21 @@ std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth,
     std::vector<Frame> stack;
     std::unique_ptr<FileNode> result;
 
-    // Lists the folder into a new top frame. Returns false for a folder that is not entered at all.
+    // Lists the folder into a new top frame, unless it has vanished, been replaced by something
+    // that is not a folder, or is another volume mounted here.
     const auto enter = [&](Frame frame) {
         const int fd = ::open(frame.native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         struct stat info {};
-        if (fd >= 0 ? ::fstat(fd, &info) != 0 : ::lstat(frame.native.constData(), &info) != 0) {
+        const bool examined = fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(frame.native.constData(), &info) == 0;
+        if (!examined || !S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
             if (fd >= 0)
                 ::close(fd);
-            return false; // vanished
+            return;
         }
-        if (!S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
-            if (fd >= 0)
-                ::close(fd);
-            return false;
-        }
-        DIR* dir = fd >= 0 ? ::fdopendir(fd) : nullptr;
-        if (fd >= 0 && !dir)
-            ::close(fd);
         qint64 directFiles = 0;
         qint64 directBytes = 0;
-        while (dir) {
-            const dirent* entry = ::readdir(dir);
-            if (!entry)
-                break;
-            const char* raw = entry->d_name;
-            if (raw[0] == '.' && (raw[1] == '\0' || (raw[1] == '.' && raw[2] == '\0')))
-                continue;
-            if (entry->d_type == DT_LNK)
-                continue;
-            if (entry->d_type == DT_DIR) {
-                frame.pending.emplace_back(raw);
-                continue;
-            }
-            struct stat item {};
-            if (::fstatat(::dirfd(dir), raw, &item, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(item.st_mode))
-                continue;
-            if (S_ISDIR(item.st_mode)) { // a file system that does not report types
-                frame.pending.emplace_back(raw);
-                continue;
-            }
-            const qint64 size = allocatedBytes(item);
+        const auto onFolder = [&frame](int, const char* raw) { frame.pending.emplace_back(raw); };
+        const auto onFile = [&](const char* raw, qint64 size) {
             ++directFiles;
             addChecked(directBytes, size);
             if (size >= fileFloor && !frame.isPackage) {
@@ -360,12 +367,10 @@ std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth,
                 addChecked(frame.smallBytes, size);
                 ++frame.smallCount;
             }
-        }
-        if (dir)
-            ::closedir(dir);
+        };
+        readFolder(fd, onFolder, onFile); // an unreadable folder stays in the tree, empty
         progress.add(directFiles, directBytes, frame.path);
         stack.push_back(std::move(frame));
-        return true;
     };
 
     // Closes the top frame and hands its node (or, inside a bundle, its totals) to the frame below.
@@ -376,11 +381,7 @@ std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth,
             Frame& parent = stack.back();
             addChecked(parent.smallBytes, frame.smallBytes);
             addChecked(parent.smallCount, frame.smallCount);
-            for (auto& node : frame.subdirs) { // only empty when merging, kept for clarity
-                addChecked(parent.smallBytes, node->size());
-                addChecked(parent.smallCount, node->fileCount());
-            }
-            return;
+            return; // its own sub-folders merged into it the same way, so it holds no nodes
         }
         auto node = makeDirectory(frame.name, frame.path, std::move(frame.subdirs), std::move(frame.files),
                                   frame.smallBytes, frame.smallCount, depth + frame.level, frame.isPackage);
@@ -412,10 +413,7 @@ std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth,
         child.path = joined(top.path, child.name);
         if (skips(child.path))
             continue;
-        child.native = top.native;
-        if (!child.native.endsWith('/'))
-            child.native.append('/');
-        child.native.append(raw);
+        child.native = joinedNative(top.native, raw.constData());
         child.level = top.level + 1;
         child.mergesUp = top.isPackage;
         child.isPackage = child.mergesUp || hasPackageExtension(child.name);
