@@ -183,7 +183,7 @@ struct DiskScanner::Folder
 
 DiskScanner::DiskScanner() : DiskScanner(Services{}) {}
 
-DiskScanner::DiskScanner(Services services) : m_services(std::move(services)), m_loop(m_services.helpers)
+DiskScanner::DiskScanner(Services services) : m_services(std::move(services))
 {
     if (!m_services.isGated)
         m_services.isGated = [](const QString&) { return false; };
@@ -246,10 +246,13 @@ std::unique_ptr<FileNode> DiskScanner::scan(const QString& root, ScanProgress& p
     if (::stat(folder.native.constData(), &info) != 0 || !S_ISDIR(info.st_mode))
         return emptyFolder(folder.name, folder.path, false);
     folder.device = info.st_dev;
-    return scanDirectory(folder, 0, progress);
+    // The helpers live for this scan only: between scans the scanner holds no threads.
+    ParallelLoop loop(m_services.helpers);
+    return scanDirectory(folder, 0, progress, loop);
 }
 
-std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int depth, ScanProgress& progress)
+std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int depth, ScanProgress& progress,
+                                                     ParallelLoop& loop)
 {
     if (m_services.isGated(folder.path))
         return emptyFolder(folder.name, folder.path, folder.isPackage);
@@ -295,10 +298,10 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
     std::vector<std::unique_ptr<FileNode>> results(subfolders.size());
     if (!progress.isCancelled()) {
         // Each sub-folder writes only its own result, so the results need no lock.
-        m_loop.forEach(static_cast<qsizetype>(subfolders.size()), [&](qsizetype i) {
+        loop.forEach(static_cast<qsizetype>(subfolders.size()), [&](qsizetype i) {
             const auto index = static_cast<size_t>(i);
             if (!progress.isCancelled())
-                results[index] = scanDirectory(subfolders[index], depth + 1, progress);
+                results[index] = scanDirectory(subfolders[index], depth + 1, progress, loop);
         });
     }
     FileNode::Children subdirs;

@@ -21,7 +21,7 @@ class Privacy;
 /// collapsed, bundles are single blocks, symbolic links are never followed or counted and other
 /// volumes are never entered. The root's entries and theirs are listed directly and their
 /// sub-folders scanned in parallel; everything deeper is walked depth first on the thread that
-/// reached it. Holds no state of a scan beyond the call; one scanner may serve one scan at a time.
+/// reached it. Holds no state of a scan beyond the call, so one scanner may serve several scans at once.
 class DiskScanner
 {
 public:
@@ -79,12 +79,12 @@ private:
     struct Folder;
     struct Frame;
 
-    std::unique_ptr<FileNode> scanDirectory(const Folder& folder, int depth, ScanProgress& progress);
+    std::unique_ptr<FileNode> scanDirectory(const Folder& folder, int depth, ScanProgress& progress,
+                                            ParallelLoop& loop);
     std::unique_ptr<FileNode> deepScan(const Folder& folder, int depth, ScanProgress& progress);
     [[nodiscard]] bool skips(const QString& path) const;
 
     Services m_services;
-    ParallelLoop m_loop;
     Timings* m_timings = nullptr;
 };
 
