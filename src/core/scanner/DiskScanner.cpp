@@ -106,38 +106,60 @@ bool isDotOrDotDot(const char* name)
     return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
 }
 
-// Reads every entry of the open folder `fd` (which it closes), hidden ones included. Links are
-// skipped; folders go to `onFolder(folderFd, name)`, anything else to `onFile(name, bytes)` with its
-// allocated blocks. Entries are examined relative to the open folder, so the kernel never resolves
-// a whole path per file; the entry's type spares examining folders and links at all. Entries that
-// vanish meanwhile are left out. A folder that cannot be read yields nothing.
+// One directory entry: a folder goes to `onFolder(folderFd, name)`, a link is skipped, anything
+// else is examined relative to the open folder and goes to `onFile(name, bytes)`.
+template <typename OnFolder, typename OnFile>
+void takeEntry(int dirFd, const char* name, unsigned char type, OnFolder& onFolder, OnFile& onFile)
+{
+    if (isDotOrDotDot(name) || type == DT_LNK)
+        return;
+    if (type == DT_DIR) {
+        onFolder(dirFd, name);
+        return;
+    }
+    struct stat info {};
+    if (::fstatat(dirFd, name, &info, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(info.st_mode))
+        return; // vanished since the listing, or a link on a file system without entry types
+    if (S_ISDIR(info.st_mode))
+        onFolder(dirFd, name);
+    else
+        onFile(name, allocatedBytes(info));
+}
+
+// Reads every entry of the open folder `fd` (which it closes), hidden ones included. Entries are
+// examined relative to the open folder, so the kernel never resolves a whole path per file, and
+// the entry's type spares examining folders and links at all. A folder that cannot be read yields
+// nothing.
 template <typename OnFolder, typename OnFile>
 void readFolder(int fd, OnFolder&& onFolder, OnFile&& onFile)
 {
-    DIR* dir = fd >= 0 ? ::fdopendir(fd) : nullptr;
+    if (fd < 0)
+        return;
+#ifdef __linux__
+    // The raw listing call: the directory stream would add a stat and two descriptor calls per
+    // folder, a tenth of all the system calls of a scan.
+    alignas(dirent64) char buffer[32 * 1024];
+    for (;;) {
+        const ssize_t length = ::getdents64(fd, buffer, sizeof buffer);
+        if (length <= 0)
+            break;
+        for (ssize_t offset = 0; offset < length;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer + offset);
+            offset += entry->d_reclen;
+            takeEntry(fd, entry->d_name, entry->d_type, onFolder, onFile);
+        }
+    }
+    ::close(fd);
+#else
+    DIR* dir = ::fdopendir(fd);
     if (!dir) {
-        if (fd >= 0)
-            ::close(fd);
+        ::close(fd);
         return;
     }
-    const int dirFd = ::dirfd(dir);
-    while (const dirent* entry = ::readdir(dir)) {
-        const char* name = entry->d_name;
-        if (isDotOrDotDot(name) || entry->d_type == DT_LNK)
-            continue;
-        if (entry->d_type == DT_DIR) {
-            onFolder(dirFd, name);
-            continue;
-        }
-        struct stat info {};
-        if (::fstatat(dirFd, name, &info, AT_SYMLINK_NOFOLLOW) != 0 || S_ISLNK(info.st_mode))
-            continue;
-        if (S_ISDIR(info.st_mode)) // a file system that does not report entry types
-            onFolder(dirFd, name);
-        else
-            onFile(name, allocatedBytes(info));
-    }
+    while (const dirent* entry = ::readdir(dir))
+        takeEntry(fd, entry->d_name, entry->d_type, onFolder, onFile);
     ::closedir(dir);
+#endif
 }
 
 QByteArray joinedNative(const QByteArray& folder, const char* name)
