@@ -1,12 +1,15 @@
-// nubo-scan-bench PATH: scans PATH once with the real scanner and prints what it found, where the
-// time went and the peak memory; the last line is the one scripts read.
+// nubo-scan-bench PATH [HELPERS]: scans PATH once with the real scanner and prints what it found,
+// where the time went and the peak memory; the last line is the one scripts read. HELPERS overrides
+// the number of threads besides the caller's (one fewer than the cores by default).
 #include "core/files/NativePath.h"
 #include "core/scanner/DiskScanner.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 
 #include <sys/resource.h>
@@ -26,14 +29,17 @@ qint64 countNodes(const nubo::FileNode& node)
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: nubo-scan-bench PATH\n");
+    if (argc != 2 && argc != 3) {
+        std::fprintf(stderr, "usage: nubo-scan-bench PATH [HELPERS]\n");
         return 2;
     }
     const QString root = nubo::NativePath::decode(argv[1]);
 
     nubo::DiskScanner::Timings timings;
-    nubo::DiskScanner scanner;
+    nubo::DiskScanner::Services services;
+    if (argc == 3)
+        services.helpers = std::max(0, std::atoi(argv[2]));
+    nubo::DiskScanner scanner(services);
     scanner.setTimings(&timings);
     nubo::ScanProgress progress;
 
@@ -44,7 +50,7 @@ int main(int argc, char** argv)
 
     struct rusage usage {};
     getrusage(RUSAGE_SELF, &usage);
-    std::printf("helpers=%d peak_rss_mb=%.1f\n", nubo::ParallelLoop::defaultHelpers(),
+    std::printf("helpers=%d peak_rss_mb=%.1f\n", services.helpers,
                 static_cast<double>(usage.ru_maxrss) / 1024.0);
     std::printf("thread_seconds listing=%.3f deep=%.3f deep_walks=%d\n",
                 static_cast<double>(timings.listingNanoseconds.load()) / 1e9,

@@ -3,6 +3,8 @@
 # Usage: bench/compare-with-du.sh BUILD_DIR [TREE] [ROUNDS]
 #   BUILD_DIR  a build tree holding bench/nubo-scan-bench (e.g. build/test)
 #   TREE       generated once if missing (default /tmp/nubo-home-tree)
+# Prints per round the wall times (du's process, the scan's own) and their ratio, and the CPU
+# times (user + system) of both processes and their ratio; then the medians.
 set -euo pipefail
 build=${1:?usage: compare-with-du.sh BUILD_DIR [TREE] [ROUNDS]}
 tree=${2:-/tmp/nubo-home-tree}
@@ -19,15 +21,24 @@ fi
 du -s "$tree" >/dev/null
 "$bench" "$tree" >/dev/null
 
-now() { date +%s.%N; }
+TIMEFORMAT='%R %U %S'
+wall_ratios=()
+cpu_ratios=()
 for round in $(seq "$rounds"); do
-    start=$(now); du -s "$tree" >/dev/null; end=$(now)
-    du_seconds=$(echo "$end - $start" | bc)
-    line=$("$bench" "$tree" | tail -1)
-    start=$(now); "$bench" "$tree" >/dev/null; end=$(now)
-    scan_wall=$(echo "$end - $start" | bc)
-    scan_seconds=${line##*seconds=}
-    ratio=$(echo "scale=3; $scan_seconds / $du_seconds" | bc)
-    echo "round $round: du=${du_seconds}s scan=${scan_seconds}s (process ${scan_wall}s) ratio=$ratio  [$line]"
+    read -r du_wall du_user du_sys < <({ time du -s "$tree" >/dev/null; } 2>&1)
+    times=$({ time "$bench" "$tree" >/tmp/nubo-scan-bench.out; } 2>&1)
+    read -r _ scan_user scan_sys <<<"$times"
+    line=$(tail -1 /tmp/nubo-scan-bench.out)
+    scan_wall=${line##*seconds=}
+    wall_ratio=$(echo "scale=3; $scan_wall / $du_wall" | bc)
+    cpu_ratio=$(echo "scale=3; ($scan_user + $scan_sys) / ($du_user + $du_sys)" | bc)
+    wall_ratios+=("$wall_ratio")
+    cpu_ratios+=("$cpu_ratio")
+    echo "round $round: wall du=${du_wall}s scan=${scan_wall}s ratio=$wall_ratio;" \
+         "cpu du=$(echo "$du_user + $du_sys" | bc)s scan=$(echo "$scan_user + $scan_sys" | bc)s ratio=$cpu_ratio"
 done
-"$bench" "$tree" | head -2
+median() { printf '%s\n' "$@" | sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}'; }
+echo "median wall ratio $(median "${wall_ratios[@]}"), median cpu ratio $(median "${cpu_ratios[@]}")"
+head -2 /tmp/nubo-scan-bench.out
+tail -1 /tmp/nubo-scan-bench.out
+echo "load: $(cut -d' ' -f1-3 /proc/loadavg)"

@@ -297,8 +297,8 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
                 return;
             const QString name = NativePath::decode(raw);
             const QString path = joined(folder.path, name);
-            // A different device is another volume mounted here.
-            if (info.st_dev != folder.device || skips(path))
+            const bool volume = m_services.isVolume ? m_services.isVolume(path) : info.st_dev != folder.device;
+            if (volume || skips(path))
                 return;
             subfolders.push_back({name, path, joinedNative(folder.native, raw), m_services.isPackage(path),
                                   info.st_dev});

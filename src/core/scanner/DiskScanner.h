@@ -36,12 +36,18 @@ public:
     using DisplayName = std::function<QString(const QString& path)>;
     /// Whether the system treats a folder at the top two levels as a bundle.
     using PackageTest = std::function<bool(const QString& path)>;
+    /// Whether a folder at the top two levels is a volume's mount point.
+    using VolumeTest = std::function<bool(const QString& path)>;
 
     struct Services
     {
         Gate isGated;              ///< default: nothing is gated
         DisplayName displayName;   ///< default: the last path component
         PackageTest isPackage;     ///< default: the folder's extension is in packageExtensions()
+        /// Default: the folder lies on another device than the folder that lists it. A Mac needs
+        /// the system's answer instead: its firmlinks (/Users, /Applications, /usr/local…) lead
+        /// from the system volume to the data volume without being mount points, and must be entered.
+        VolumeTest isVolume;
         QStringList skipPaths = DiskScanner::skipPaths(); ///< exact paths never entered or counted
         int helpers = ParallelLoop::defaultHelpers(); ///< threads besides the caller's
     };

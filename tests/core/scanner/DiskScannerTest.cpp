@@ -221,18 +221,22 @@ TEST(DiskScanner, PackagesAreSingleBlocksThatCountTheirContents)
     EXPECT_TRUE(shout->canDrill());
 }
 
-TEST(DiskScanner, TopLevelPackagesFollowTheSystemsAnswer)
+TEST(DiskScanner, TopLevelPackagesAndVolumesFollowTheSystemsAnswers)
 {
     TempTree tree;
     tree.file("Odd.bundle/a", 5 * MiB);
     tree.file("Plain/b", 5 * MiB);
+    tree.file("Mounted/c", 5 * MiB);
     DiskScanner::Services services;
     services.isPackage = [](const QString& path) { return path.endsWith(QLatin1String("/Plain")); };
+    services.isVolume = [](const QString& path) { return path.endsWith(QLatin1String("/Mounted")); };
     DiskScanner scanner(services);
     ScanProgress progress;
     const auto root = scanner.scan(tree.root(), progress);
     EXPECT_TRUE(find(*root, QStringLiteral("/Plain"))->isPackage());
     EXPECT_FALSE(find(*root, QStringLiteral("/Odd.bundle"))->isPackage());
+    EXPECT_FALSE(find(*root, QStringLiteral("/Mounted")));
+    EXPECT_EQ(root->size(), tree.expectedBytes() - blocksOf(tree.rootBytes() + "/Mounted/c"));
 }
 
 TEST(DiskScanner, SymbolicLinksAddNothing)
