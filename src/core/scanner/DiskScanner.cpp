@@ -215,10 +215,18 @@ DiskScanner::DiskScanner(Services services) : m_services(std::move(services))
         m_services.isPackage = [](const QString& path) { return hasPackageExtension(lastComponent(path)); };
 }
 
-DiskScanner::DiskScanner(const Privacy& privacy)
-    : DiskScanner(Services{[&privacy](const QString& path) { return privacy.isGated(path); }, {}, {}})
+namespace {
+
+DiskScanner::Services gatedBy(const Privacy& privacy)
 {
+    DiskScanner::Services services;
+    services.isGated = [&privacy](const QString& path) { return privacy.isGated(path); };
+    return services;
 }
+
+} // namespace
+
+DiskScanner::DiskScanner(const Privacy& privacy) : DiskScanner(gatedBy(privacy)) {}
 
 const QStringList& DiskScanner::skipPaths()
 {
