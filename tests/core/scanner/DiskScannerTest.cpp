@@ -2,6 +2,7 @@
 
 #include "TempTree.h"
 #include "core/files/NativePath.h"
+#include "core/privacy/Privacy.h"
 
 #include <gtest/gtest.h>
 
@@ -305,6 +306,21 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     EXPECT_EQ(gated->itemCount(), 1);
     EXPECT_TRUE(gated->children().empty());
     EXPECT_TRUE(gated->isDirectory());
+}
+
+TEST(DiskScanner, WithoutFullDiskAccessTheGuardedFoldersAreLeftAlone)
+{
+    TempTree tree;
+    tree.file("Library/Mail/V10/big", 5 * MiB);
+    tree.file("Library/Caches/big", 5 * MiB);
+    nubo::Privacy privacy(tree.root(), [] { return false; });
+    DiskScanner scanner(privacy);
+    ScanProgress progress;
+    const auto root = scanner.scan(tree.root(), progress);
+    EXPECT_EQ(root->size(), blocksOf(tree.rootBytes() + "/Library/Caches/big"));
+
+    nubo::Privacy granted(tree.root(), [] { return true; });
+    EXPECT_EQ(DiskScanner(granted).scan(tree.root(), progress)->size(), tree.expectedBytes());
 }
 
 TEST(DiskScanner, TheWholeDiskIsCalledMacintoshHDAndOtherVolumesAreNotEntered)
