@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
-#include <optional>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -213,6 +212,8 @@ DiskScanner::DiskScanner(Services services) : m_services(std::move(services))
         m_services.displayName = lastComponent;
     if (!m_services.isPackage)
         m_services.isPackage = [](const QString& path) { return hasPackageExtension(lastComponent(path)); };
+    for (const QString& path : std::as_const(m_services.skipPaths))
+        m_skipParents.insert(path.left(std::max<qsizetype>(path.lastIndexOf(QLatin1Char('/')), 1)));
 }
 
 namespace {
@@ -264,6 +265,11 @@ bool DiskScanner::skips(const QString& path) const
     return m_services.skipPaths.contains(path) || m_services.isGated(path);
 }
 
+bool DiskScanner::isSkippedFile(const QString& folder, const char* name) const
+{
+    return m_services.skipPaths.contains(joined(folder, NativePath::decode(name)));
+}
+
 std::unique_ptr<FileNode> DiskScanner::scan(const QString& root, ScanProgress& progress)
 {
     Folder folder;
@@ -311,7 +317,10 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
             subfolders.push_back({name, path, joinedNative(folder.native, raw), m_services.isPackage(path),
                                   info.st_dev});
         };
+        const bool holdsSkipped = m_skipParents.contains(folder.path);
         const auto onFile = [&](const char* raw, qint64 size) {
+            if (holdsSkipped && isSkippedFile(folder.path, raw))
+                return;
             addChecked(seenBytes, size);
             if (size < fileFloor) {
                 addChecked(smallBytes, size);
@@ -390,7 +399,10 @@ std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth,
         qint64 directFiles = 0;
         qint64 directBytes = 0;
         const auto onFolder = [&frame](int, const char* raw) { frame.pending.emplace_back(raw); };
+        const bool holdsSkipped = m_skipParents.contains(frame.path);
         const auto onFile = [&](const char* raw, qint64 size) {
+            if (holdsSkipped && isSkippedFile(frame.path, raw))
+                return;
             ++directFiles;
             addChecked(directBytes, size);
             if (size >= fileFloor && !frame.isPackage) {

@@ -48,7 +48,7 @@ public:
         /// the system's answer instead: its firmlinks (/Users, /Applications, /usr/local…) lead
         /// from the system volume to the data volume without being mount points, and must be entered.
         VolumeTest isVolume;
-        QStringList skipPaths = DiskScanner::skipPaths(); ///< exact paths never entered or counted
+        QStringList skipPaths = DiskScanner::skipPaths(); ///< exact paths (folders or files) never entered or counted
         int helpers = ParallelLoop::defaultHelpers(); ///< threads besides the caller's
     };
 
@@ -89,8 +89,12 @@ private:
                                             ParallelLoop& loop);
     std::unique_ptr<FileNode> deepScan(const Folder& folder, int depth, ScanProgress& progress);
     [[nodiscard]] bool skips(const QString& path) const;
+    // A skip path may name a file (a Mac's sleep image): only files of the folders that hold one
+    // are compared, so the walk does not build a path per file.
+    [[nodiscard]] bool isSkippedFile(const QString& folder, const char* name) const;
 
     Services m_services;
+    QSet<QString> m_skipParents;
     Timings* m_timings = nullptr;
 };
 

@@ -271,12 +271,16 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     tree.file("Library/Keep/deep/Secret/big", 5 * MiB);
     tree.file("Library/Keep/deep/Skip/big", 5 * MiB);
     tree.file("Skipped/big", 5 * MiB);
+    tree.file("sleepimage", 5 * MiB);                    // files can be skipped too, at the top…
+    tree.file("Library/Keep/deep/vm/sleepimage", 5 * MiB); // …and in the deep walk
+    tree.file("Library/Keep/deep/vm/swapfile", 1'000);
     const QString root = tree.root();
 
     std::mutex lock;
     QStringList asked;
     DiskScanner::Services services;
-    services.skipPaths = {root + QStringLiteral("/Skipped"), root + QStringLiteral("/Library/Keep/deep/Skip")};
+    services.skipPaths = {root + QStringLiteral("/Skipped"), root + QStringLiteral("/Library/Keep/deep/Skip"),
+                          root + QStringLiteral("/sleepimage"), root + QStringLiteral("/Library/Keep/deep/vm/sleepimage")};
     services.isGated = [&](const QString& path) {
         const std::lock_guard guard(lock);
         asked << path;
@@ -286,12 +290,14 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     ScanProgress progress;
     const auto node = scanner.scan(root, progress);
     expectConsistent(*node);
-    EXPECT_EQ(node->size(), blocksOf(tree.rootBytes() + "/Library/Keep/big"));
+    EXPECT_EQ(node->size(), blocksOf(tree.rootBytes() + "/Library/Keep/big") +
+                                blocksOf(tree.rootBytes() + "/Library/Keep/deep/vm/swapfile"));
     EXPECT_FALSE(find(*node, QStringLiteral("/Mail")));
     EXPECT_FALSE(find(*node, QStringLiteral("/Skipped")));
     EXPECT_FALSE(find(*node, QStringLiteral("/Secret")));
     EXPECT_FALSE(find(*node, QStringLiteral("/Skip")));
-    EXPECT_EQ(progress.snapshot().files, 1);
+    EXPECT_FALSE(find(*node, QStringLiteral("/sleepimage")));
+    EXPECT_EQ(progress.snapshot().files, 2);
     // The gate is asked for every folder reached, at the top and in the deep walk.
     for (const char* folder : {"/Library", "/Library/Keep", "/Library/Mail", "/Library/Keep/deep",
                                "/Library/Keep/deep/Secret"})
