@@ -233,7 +233,8 @@ const QStringList& DiskScanner::skipPaths()
 {
     static const QStringList paths = {
         QStringLiteral("/System/Volumes"), QStringLiteral("/Volumes"), QStringLiteral("/dev"),
-        QStringLiteral("/net"),            QStringLiteral("/home"),    QStringLiteral("/private/var/vm/sleepimage"),
+        QStringLiteral("/net"),            QStringLiteral("/home"),
+        QStringLiteral("/private/var/vm/sleepimage"),
     };
     return paths;
 }
@@ -311,7 +312,8 @@ std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int d
                 return;
             const QString name = NativePath::decode(raw);
             const QString path = joined(folder.path, name);
-            const bool volume = m_services.isVolume ? m_services.isVolume(path) : info.st_dev != folder.device;
+            const bool volume =
+                m_services.isVolume ? m_services.isVolume(path) : info.st_dev != folder.device;
             if (volume || skips(path))
                 return;
             subfolders.push_back({name, path, joinedNative(folder.native, raw), m_services.isPackage(path),
@@ -390,7 +392,8 @@ std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth,
     const auto enter = [&](Frame frame) {
         const int fd = ::open(frame.native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         struct stat info {};
-        const bool examined = fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(frame.native.constData(), &info) == 0;
+        const bool examined =
+            fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(frame.native.constData(), &info) == 0;
         if (!examined || !S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
             if (fd >= 0)
                 ::close(fd);

@@ -48,7 +48,8 @@ public:
         /// the system's answer instead: its firmlinks (/Users, /Applications, /usr/local…) lead
         /// from the system volume to the data volume without being mount points, and must be entered.
         VolumeTest isVolume;
-        QStringList skipPaths = DiskScanner::skipPaths(); ///< exact paths (folders or files) never entered or counted
+        /// Exact paths, of folders or files, never entered or counted.
+        QStringList skipPaths = DiskScanner::skipPaths();
         int helpers = ParallelLoop::defaultHelpers(); ///< threads besides the caller's
     };
 

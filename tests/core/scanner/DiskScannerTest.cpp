@@ -280,7 +280,8 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     QStringList asked;
     DiskScanner::Services services;
     services.skipPaths = {root + QStringLiteral("/Skipped"), root + QStringLiteral("/Library/Keep/deep/Skip"),
-                          root + QStringLiteral("/sleepimage"), root + QStringLiteral("/Library/Keep/deep/vm/sleepimage")};
+                          root + QStringLiteral("/sleepimage"),
+                          root + QStringLiteral("/Library/Keep/deep/vm/sleepimage")};
     services.isGated = [&](const QString& path) {
         const std::lock_guard guard(lock);
         asked << path;
@@ -357,7 +358,9 @@ TEST(DiskScanner, TheRootsDisplayNameComesFromTheInjectedFileManager)
     TempTree tree;
     tree.file("a", 10);
     DiskScanner::Services services;
-    services.displayName = [](const QString& path) { return QStringLiteral("Inicio de ") + path.section(QLatin1Char('/'), -1); };
+    services.displayName = [](const QString& path) {
+        return QStringLiteral("Inicio de ") + path.section(QLatin1Char('/'), -1);
+    };
     DiskScanner scanner(services);
     ScanProgress progress;
     const auto root = scanner.scan(tree.root(), progress);
