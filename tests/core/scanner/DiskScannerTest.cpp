@@ -410,8 +410,8 @@ TEST(DiskScanner, AFolderThatVanishesDuringTheScanCountsNothing)
 {
     TempTree tree;
     tree.file("Keep/big", 5 * MiB);
-    tree.file("Keep/Vanishing/inner/big", 5 * MiB);
-    tree.file("Top/Vanishing/big", 5 * MiB); // reached as a deep walk's own root
+    tree.file("Keep/Vanishing/inner/big", 5 * MiB); // listed at the top, gone by its walk
+    tree.file("Top/deep/Vanishing/inner/big", 5 * MiB); // met inside a deep walk
     const QString root = tree.root();
     DiskScanner::Services services;
     services.helpers = 0;
