@@ -222,7 +222,7 @@ TEST(DiskScanner, PackagesAreSingleBlocksThatCountTheirContents)
     EXPECT_TRUE(shout->canDrill());
 }
 
-TEST(DiskScanner, TopLevelPackagesAndVolumesFollowTheSystemsAnswers)
+TEST(DiskScanner, RootNameTopLevelPackagesAndVolumesFollowTheSystemsAnswers)
 {
     TempTree tree;
     tree.file("Odd.bundle/a", 5 * MiB);
@@ -231,9 +231,11 @@ TEST(DiskScanner, TopLevelPackagesAndVolumesFollowTheSystemsAnswers)
     DiskScanner::Services services;
     services.isPackage = [](const QString& path) { return path.endsWith(QLatin1String("/Plain")); };
     services.isVolume = [](const QString& path) { return path.endsWith(QLatin1String("/Mounted")); };
+    services.displayName = [](const QString& path) { return QStringLiteral("Inicio de ") + QDir(path).dirName(); };
     DiskScanner scanner(services);
     ScanProgress progress;
     const auto root = scanner.scan(tree.root(), progress);
+    EXPECT_EQ(root->name(), QStringLiteral("Inicio de ") + QDir(tree.root()).dirName());
     EXPECT_TRUE(find(*root, QStringLiteral("/Plain"))->isPackage());
     EXPECT_FALSE(find(*root, QStringLiteral("/Odd.bundle"))->isPackage());
     EXPECT_FALSE(find(*root, QStringLiteral("/Mounted")));
@@ -351,20 +353,6 @@ TEST(DiskScanner, TheWholeDiskIsCalledMacintoshHDAndOtherVolumesAreNotEntered)
         GTEST_SKIP() << "/proc is not another file system here";
     for (const auto& child : disk->children())
         EXPECT_FALSE(child->isDirectory()) << child->path().toStdString();
-}
-
-TEST(DiskScanner, TheRootsDisplayNameComesFromTheInjectedFileManager)
-{
-    TempTree tree;
-    tree.file("a", 10);
-    DiskScanner::Services services;
-    services.displayName = [](const QString& path) {
-        return QStringLiteral("Inicio de ") + path.section(QLatin1Char('/'), -1);
-    };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto root = scanner.scan(tree.root(), progress);
-    EXPECT_EQ(root->name(), QStringLiteral("Inicio de ") + QDir(tree.root()).dirName());
 }
 
 TEST(DiskScanner, CancellingStopsAtAFolderBoundaryWithAPartialTree)
