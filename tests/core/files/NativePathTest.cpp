@@ -1,0 +1,49 @@
+#include "core/files/NativePath.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace NativePath = nubo::NativePath;
+
+TEST(NativePath, EveryByteSequenceComesBackExactly)
+{
+    const QList<QByteArray> samples = {
+        "", "plain/ascii name", "caf\xc3\xa9", "\xf0\x9f\x93\x81 folder", // valid UTF-8, 2 and 4 bytes
+        "caf\xe9",                                    // Latin-1
+        "\xff\xfe\x80",                               // never valid
+        "\xc0\xaf",                                   // overlong "/"
+        "\xed\xa0\x80",                               // an encoded surrogate
+        "\xf4\x90\x80\x80",                           // above U+10FFFF
+        "cut \xe2\x82",                               // truncated sequence at the end
+        "\xf0\x9f\x93\x81\xff",                       // a real pair followed by a bad byte
+    };
+    for (const QByteArray& bytes : samples) {
+        const QString text = NativePath::decode(bytes);
+        EXPECT_EQ(NativePath::encode(text), bytes) << bytes.toHex().constData();
+        EXPECT_FALSE(text.contains(QChar(0xFFFD))) << bytes.toHex().constData();
+    }
+    EXPECT_EQ(NativePath::decode("caf\xc3\xa9"), QStringLiteral("café"));
+    EXPECT_FALSE(NativePath::hasEscapedBytes(NativePath::decode("\xf0\x9f\x93\x81")));
+    EXPECT_TRUE(NativePath::hasEscapedBytes(NativePath::decode("caf\xe9")));
+    // Two names that differ only in an invalid byte stay different.
+    EXPECT_NE(NativePath::decode("a\xff"), NativePath::decode("a\xfe"));
+}
+
+TEST(NativePath, ADecodedNameStillReachesItsFile)
+{
+    QTemporaryDir dir;
+    const QByteArray path = QFile::encodeName(dir.path()) + "/r\xe9sum\xe9 \xff.txt";
+    const int fd = ::open(path.constData(), O_CREAT | O_WRONLY, 0644);
+    ASSERT_GE(fd, 0);
+    ::close(fd);
+    struct stat info {};
+    EXPECT_EQ(::lstat(NativePath::encode(NativePath::decode(path)).constData(), &info), 0);
+    // What Qt's own conversion would have produced does not reach it.
+    EXPECT_NE(::lstat(QFile::encodeName(QFile::decodeName(path)).constData(), &info), 0);
+}
