@@ -7,6 +7,7 @@
 #include <plist/plist.h>
 
 #include <cerrno>
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -125,6 +126,70 @@ QVariant convert(plist_t node, int depth)
     }
 }
 
+quint64 readBigEndian(const char* at, int size)
+{
+    quint64 value = 0;
+    for (int i = 0; i < size; ++i)
+        value = (value << 8) | static_cast<unsigned char>(at[i]);
+    return value;
+}
+
+// libplist (2.2 at least) aborts on a binary list whose strings hold a NUL character, which a
+// damaged or hostile file can easily contain. Every object of a binary list is reached through
+// its offset table, so checking each string object there before libplist sees the bytes is
+// enough. Anything inconsistent rejects the whole file: it would not parse anyway.
+bool binaryStringsAreSafe(const QByteArray& bytes)
+{
+    constexpr qsizetype kHeader = 8;
+    constexpr qsizetype kTrailer = 32;
+    const qsizetype size = bytes.size();
+    if (size < kHeader + kTrailer)
+        return false;
+    const char* data = bytes.constData();
+    const char* trailer = data + size - kTrailer;
+    const int offsetSize = static_cast<unsigned char>(trailer[6]);
+    const quint64 objects = readBigEndian(trailer + 8, 8);
+    const quint64 tableOffset = readBigEndian(trailer + 24, 8);
+    if (offsetSize < 1 || offsetSize > 8 || tableOffset >= static_cast<quint64>(size - kTrailer))
+        return false;
+    const quint64 tableRoom = static_cast<quint64>(size - kTrailer) - tableOffset;
+    if (objects > tableRoom / static_cast<quint64>(offsetSize))
+        return false;
+    const auto limit = static_cast<quint64>(size - kTrailer);
+    for (quint64 index = 0; index < objects; ++index) {
+        const quint64 offset = readBigEndian(data + tableOffset + index * offsetSize, offsetSize);
+        if (offset >= limit)
+            return false;
+        const auto marker = static_cast<unsigned char>(data[offset]);
+        const int type = marker >> 4;
+        if (type != 0x5 && type != 0x6 && type != 0x7)
+            continue;
+        quint64 count = marker & 0x0f;
+        quint64 start = offset + 1;
+        if (count == 0x0f) { // the length follows as an integer object
+            if (start >= limit)
+                return false;
+            const auto lengthMarker = static_cast<unsigned char>(data[start]);
+            if ((lengthMarker >> 4) != 0x1 || (lengthMarker & 0x0f) > 3)
+                return false;
+            const int lengthSize = 1 << (lengthMarker & 0x0f);
+            if (start + 1 + static_cast<quint64>(lengthSize) > limit)
+                return false;
+            count = readBigEndian(data + start + 1, lengthSize);
+            start += 1 + static_cast<quint64>(lengthSize);
+        }
+        const quint64 unit = type == 0x6 ? 2 : 1;
+        if (count > (limit - std::min(start, limit)) / unit)
+            return false;
+        for (quint64 i = 0; i < count; ++i) {
+            const char* at = data + start + i * unit;
+            if (unit == 1 ? at[0] == 0 : (at[0] == 0 && at[1] == 0))
+                return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 QVariant parse(const QByteArray& bytes)
@@ -134,10 +199,16 @@ QVariant parse(const QByteArray& bytes)
         return {};
     const auto length = static_cast<uint32_t>(bytes.size());
     plist_t root = nullptr;
-    if (plist_is_binary(bytes.constData(), length))
+    if (plist_is_binary(bytes.constData(), length)) {
+        if (!binaryStringsAreSafe(bytes))
+            return {};
         plist_from_bin(bytes.constData(), length, &root);
-    else
+    } else {
+        // No XML document holds a NUL byte, and libplist would abort on a string that did.
+        if (bytes.contains('\0'))
+            return {};
         plist_from_xml(bytes.constData(), length, &root);
+    }
     const PlistPtr owned(root);
     return convert(root, 0);
 }
