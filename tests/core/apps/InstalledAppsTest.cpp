@@ -1,7 +1,5 @@
 #include "AppFixture.h"
 
-#include "core/apps/BundleWalk.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -187,15 +185,4 @@ TEST_F(InstalledApps, RunningInstanceIsMatchedByLocationNotByIdentifier)
     workspace.running << RunningApplication{12, QStringLiteral("Writer"),
                                             roots.applications + QStringLiteral("/./Other/../Writer.app"), false, false, true};
     EXPECT_EQ(catalog().runningInstance(firstApp)->pid, 12);
-}
-
-TEST(BundleWalk, PackagesAreKnownByExtensionIgnoringCase)
-{
-    EXPECT_TRUE(BundleWalk::isPackage("Foo.app"));
-    EXPECT_TRUE(BundleWalk::isPackage("Foo.APP"));
-    EXPECT_TRUE(BundleWalk::isPackage("Share.appex"));
-    EXPECT_TRUE(BundleWalk::isPackage("Sparkle.framework"));
-    EXPECT_FALSE(BundleWalk::isPackage("Utilities"));
-    EXPECT_FALSE(BundleWalk::isPackage(".app"));
-    EXPECT_FALSE(BundleWalk::isPackage("Foo."));
 }

@@ -1,5 +1,9 @@
 #include "AppFixture.h"
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -155,4 +159,35 @@ TEST_F(Orphans, AMissingLibraryAndMissingRootsGiveNothing)
 {
     QDir(m_dir.path()).removeRecursively();
     EXPECT_TRUE(found().isEmpty());
+}
+
+// The cleanup model scans categories in parallel while the apps screen asks for one app's
+// leftovers: calls on one catalogue must not disturb each other.
+TEST_F(Orphans, ConcurrentCallsGiveWhatSerialCallsGive)
+{
+    install();
+    for (int i = 0; i < 40; ++i) {
+        data(QStringLiteral("~/Library/Containers/com.gone%1.app").arg(i), 1000 * (i + 1));
+        data(QStringLiteral("~/Library/Application Support/com.acme.writer.part%1").arg(i));
+    }
+    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
+    const InstalledApp writer = *catalog().describe(at(QStringLiteral("/Applications/Writer.app")));
+    const QList<CleanItem> orphans = catalog().orphanedLeftovers();
+    const QList<CleanItem> leftovers = catalog().leftovers(writer);
+    ASSERT_EQ(orphans.size(), 40);
+    ASSERT_EQ(leftovers.size(), 41);
+
+    std::vector<std::thread> threads;
+    std::atomic<int> mismatches = 0;
+    for (int t = 0; t < 6; ++t) {
+        threads.emplace_back([&, t] {
+            for (int round = 0; round < 3; ++round) {
+                if (t % 2 ? catalog().orphanedLeftovers() != orphans : catalog().leftovers(writer) != leftovers)
+                    ++mismatches;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(mismatches.load(), 0);
 }
