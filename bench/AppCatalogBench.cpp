@@ -15,7 +15,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
-
 #include <algorithm>
 #include <cstdio>
 #include <vector>
@@ -44,7 +43,10 @@ void bundle(const QString& path, const QString& identifier, PlistFormat format)
                            format));
 }
 
-QString identifierOf(int app) { return QStringLiteral("com.vendor%1.app%2").arg(app % 40).arg(app); }
+QString identifierOf(int app)
+{
+    return QStringLiteral("com.vendor%1.app%2").arg(app % 40).arg(app);
+}
 
 void build(const SystemRoots& roots)
 {
@@ -57,18 +59,22 @@ void build(const SystemRoots& roots)
             write(app + QStringLiteral("/Contents/Resources/image%1.png").arg(r), QByteArray(512, 'r'));
         for (const char* language : {"en", "es", "fr", "de"}) {
             for (int r = 0; r < 4; ++r)
-                write(app + QStringLiteral("/Contents/Resources/%1.lproj/Strings%2.strings").arg(QLatin1String(language)).arg(r),
+                write(app + QStringLiteral("/Contents/Resources/%1.lproj/Strings%2.strings")
+                                .arg(QLatin1String(language))
+                                .arg(r),
                       QByteArray(128, 's'));
         }
         const QString framework = app + QStringLiteral("/Contents/Frameworks/Kit.framework/Versions/A");
         write(framework + QStringLiteral("/Kit"), QByteArray(4096, 'k'));
         for (int r = 0; r < 10; ++r)
             write(framework + QStringLiteral("/Resources/res%1").arg(r), QByteArray(256, 'k'));
-        bundle(app + QStringLiteral("/Contents/PlugIns/Share.appex"), identifierOf(i) + QStringLiteral(".share"), PlistFormat::binary);
-        bundle(app + QStringLiteral("/Contents/XPCServices/Render.xpc"), QStringLiteral("net.render%1.service").arg(i),
-               PlistFormat::binary);
+        bundle(app + QStringLiteral("/Contents/PlugIns/Share.appex"),
+               identifierOf(i) + QStringLiteral(".share"), PlistFormat::binary);
+        bundle(app + QStringLiteral("/Contents/XPCServices/Render.xpc"),
+               QStringLiteral("net.render%1.service").arg(i), PlistFormat::binary);
     }
-    const char* folders[] = {"Containers", "Application Support", "Saved Application State", "HTTPStorages", "WebKit"};
+    const char* folders[] = {"Containers", "Application Support", "Saved Application State", "HTTPStorages",
+                             "WebKit"};
     for (int i = 0; i < kLibraryEntries; ++i) {
         const QString folder = roots.userLibrary() + QLatin1Char('/') + QLatin1String(folders[i % 5]);
         // Half belong to installed apps (or their extensions), half to apps that are gone.
@@ -93,7 +99,8 @@ int main(int argc, char** argv)
     QCoreApplication application(argc, argv);
     QTemporaryDir temporary;
     const QString base = argc > 1 ? QString::fromLocal8Bit(argv[1]) : temporary.path();
-    SystemRoots roots{base + QStringLiteral("/Users/ana"), base + QStringLiteral("/Library"), base + QStringLiteral("/tmp")};
+    SystemRoots roots{base + QStringLiteral("/Users/ana"), base + QStringLiteral("/Library"),
+                      base + QStringLiteral("/tmp")};
     roots.applications = base + QStringLiteral("/Applications");
     roots.systemApplications = base + QStringLiteral("/System/Applications");
 
@@ -145,8 +152,10 @@ int main(int argc, char** argv)
     std::printf("load: %lld apps, median %.1f ms\n", static_cast<long long>(apps), median(loads));
     std::printf("leftovers(for:): median %.2f ms per app (%lld items for 20 apps)\n", median(leftovers),
                 static_cast<long long>(leftoverCount));
-    std::printf("orphanedLeftovers: %lld orphans, median %.1f ms, best %.1f ms (5 runs)\n", static_cast<long long>(found),
-                median(orphans), *std::min_element(orphans.begin(), orphans.end()));
-    std::printf("orphanedLeftovers without Library entries (the bundle walk alone): median %.1f ms\n", median(walks));
+    std::printf("orphanedLeftovers: %lld orphans, median %.1f ms, best %.1f ms (5 runs)\n",
+                static_cast<long long>(found), median(orphans),
+                *std::min_element(orphans.begin(), orphans.end()));
+    std::printf("orphanedLeftovers without Library entries (the bundle walk alone): median %.1f ms\n",
+                median(walks));
     return 0;
 }

@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QString>
-
 #include <memory>
 #include <optional>
 
@@ -40,7 +39,8 @@ public:
 
     /// Where the system's registry of applications places the application with this bundle
     /// identifier, anywhere on the machine; none when it knows no such application.
-    [[nodiscard]] virtual std::optional<QString> applicationLocation(const QString& bundleIdentifier) const = 0;
+    [[nodiscard]] virtual std::optional<QString>
+    applicationLocation(const QString& bundleIdentifier) const = 0;
 };
 
 /// The backend of the platform the program was built for.

@@ -1,26 +1,28 @@
-#include "platform/linux/DesktopMetadata.h"
 #include "platform/linux/DesktopWorkspace.h"
 
 #include "core/apps/AppCatalog.h"
 #include "core/privacy/Privacy.h"
 #include "core/safety/Safety.h"
-
-#include <gtest/gtest.h>
+#include "platform/linux/DesktopMetadata.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 using namespace nubo;
 
 TEST(DesktopWorkspace, AnExecutableBelongsToTheBundleRightAboveContentsMacOS)
 {
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/opt/X.app/Contents/MacOS/X")), QStringLiteral("/opt/X.app"));
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/A.app/Contents/Helpers/B.app/Contents/MacOS/b")),
+    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/opt/X.app/Contents/MacOS/X")),
+              QStringLiteral("/opt/X.app"));
+    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(
+                  QStringLiteral("/A.app/Contents/Helpers/B.app/Contents/MacOS/b")),
               QStringLiteral("/A.app/Contents/Helpers/B.app"));
     EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/usr/bin/sleep")), QString());
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/X.app/Contents/MacOS/sub/tool")), QString());
+    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/X.app/Contents/MacOS/sub/tool")),
+              QString());
     EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/.app/Contents/MacOS/x")), QString());
 }
 
@@ -41,7 +43,8 @@ TEST(DesktopWorkspace, ARealProcessIsTheRunningInstanceOfItsBundle)
 
     DesktopWorkspace workspace;
     DesktopMetadata metadata;
-    SystemRoots roots{dir.filePath(QStringLiteral("home")), dir.filePath(QStringLiteral("Library")), dir.filePath(QStringLiteral("tmp"))};
+    SystemRoots roots{dir.filePath(QStringLiteral("home")), dir.filePath(QStringLiteral("Library")),
+                      dir.filePath(QStringLiteral("tmp"))};
     roots.applications = dir.filePath(QStringLiteral("Applications"));
     const Safety safety(roots);
     const Privacy privacy(roots.home, [] { return true; });

@@ -7,14 +7,16 @@
 #include <QVariant>
 #include <QVariantList>
 #include <QVariantMap>
-
-#include <plist/plist.h>
-
 #include <cstdlib>
+#include <plist/plist.h>
 
 namespace nubo::test {
 
-enum class PlistFormat { xml, binary };
+enum class PlistFormat
+{
+    xml,
+    binary
+};
 
 inline plist_t toPlist(const QVariant& value)
 {

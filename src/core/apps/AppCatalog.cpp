@@ -9,9 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
 #include <algorithm>
-
 #include <sys/stat.h>
 
 namespace nubo {
@@ -36,7 +34,9 @@ QString baseName(const QString& path)
 
 std::optional<QDateTime> accessDate(const QString& path)
 {
-    struct stat info {};
+    struct stat info
+    {
+    };
     if (::lstat(QFile::encodeName(path).constData(), &info) != 0)
         return std::nullopt;
 #ifdef __APPLE__
@@ -44,18 +44,16 @@ std::optional<QDateTime> accessDate(const QString& path)
 #else
     const timespec& stamp = info.st_atim;
 #endif
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(stamp.tv_sec) * 1000 + stamp.tv_nsec / 1'000'000);
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(stamp.tv_sec) * 1000 +
+                                          stamp.tv_nsec / 1'000'000);
 }
 
 } // namespace
 
-AppCatalog::AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& privacy, const Workspace& workspace,
-                       const Metadata& metadata)
-    : m_roots(std::move(roots))
-    , m_safety(safety)
-    , m_privacy(privacy)
-    , m_workspace(workspace)
-    , m_metadata(metadata)
+AppCatalog::AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& privacy,
+                       const Workspace& workspace, const Metadata& metadata)
+    : m_roots(std::move(roots)), m_safety(safety), m_privacy(privacy), m_workspace(workspace),
+      m_metadata(metadata)
 {
 }
 

@@ -1,7 +1,6 @@
 // The leftover half of AppCatalog: what one installed application left in the Library folders,
 // and the identifier-named data of applications that are no longer installed.
 #include "core/apps/AppCatalog.h"
-
 #include "core/apps/BundleInfo.h"
 #include "core/apps/BundleWalk.h"
 #include "core/apps/LeftoverKeys.h"
@@ -11,7 +10,6 @@
 
 #include <QDir>
 #include <QFile>
-
 #include <algorithm>
 
 namespace nubo {
@@ -27,19 +25,37 @@ struct LibraryRow
 // Name matching is confined to the folders that applications commonly name after themselves
 // rather than after their identifier; everywhere else only the identifier counts.
 constexpr LibraryRow kUserLibraryRows[] = {
-    {"Application Support", true}, {"Caches", true},        {"Preferences", false},
-    {"Preferences/ByHost", false}, {"Containers", false},   {"Group Containers", false},
-    {"Saved Application State", false}, {"HTTPStorages", false}, {"WebKit", false},
-    {"Logs", true},                {"LaunchAgents", false}, {"Application Scripts", false},
+    {"Application Support", true},
+    {"Caches", true},
+    {"Preferences", false},
+    {"Preferences/ByHost", false},
+    {"Containers", false},
+    {"Group Containers", false},
+    {"Saved Application State", false},
+    {"HTTPStorages", false},
+    {"WebKit", false},
+    {"Logs", true},
+    {"LaunchAgents", false},
+    {"Application Scripts", false},
     {"Cookies", false},
 };
 
 constexpr LibraryRow kSystemLibraryRows[] = {
-    {"Application Support", true}, {"Caches", true},         {"Preferences", false}, {"LaunchAgents", false},
-    {"LaunchDaemons", false},      {"PrivilegedHelperTools", false}, {"Logs", true},
+    {"Application Support", true},
+    {"Caches", true},
+    {"Preferences", false},
+    {"LaunchAgents", false},
+    {"LaunchDaemons", false},
+    {"PrivilegedHelperTools", false},
+    {"Logs", true},
 };
 
-enum class OrphanRule { asIs, savedState, notCookies };
+enum class OrphanRule
+{
+    asIs,
+    savedState,
+    notCookies
+};
 
 struct OrphanRow
 {
@@ -48,10 +64,8 @@ struct OrphanRow
 };
 
 constexpr OrphanRow kOrphanRows[] = {
-    {"Containers", OrphanRule::asIs},
-    {"Saved Application State", OrphanRule::savedState},
-    {"HTTPStorages", OrphanRule::notCookies},
-    {"WebKit", OrphanRule::asIs},
+    {"Containers", OrphanRule::asIs},          {"Saved Application State", OrphanRule::savedState},
+    {"HTTPStorages", OrphanRule::notCookies},  {"WebKit", OrphanRule::asIs},
     {"Application Support", OrphanRule::asIs},
 };
 
@@ -97,7 +111,8 @@ bool plausibleIdentifier(const QString& candidate)
 
 void sortLargestFirst(QList<CleanItem>& items)
 {
-    std::stable_sort(items.begin(), items.end(), [](const CleanItem& a, const CleanItem& b) { return a.size > b.size; });
+    std::stable_sort(items.begin(), items.end(),
+                     [](const CleanItem& a, const CleanItem& b) { return a.size > b.size; });
 }
 
 } // namespace
@@ -174,7 +189,8 @@ QList<CleanItem> AppCatalog::leftovers(const InstalledApp& app) const
                     const QStringList children = FolderListing::names(vendorFolder).value_or(QStringList());
                     for (const QString& child : children) {
                         const QString childLower = child.toLower();
-                        if (childLower == keys.name || childLower == keys.compact || childLower == keys.stripped) {
+                        if (childLower == keys.name || childLower == keys.compact ||
+                            childLower == keys.stripped) {
                             accept(vendorFolder + QLatin1Char('/') + child, subFolder);
                             break;
                         }
@@ -199,7 +215,8 @@ QSet<QString> AppCatalog::installedIdentifiers() const
         // Package contents are walked on purpose: extensions and services inside an installed
         // app have their own identifiers, and their data must not pass for an orphan's.
         BundleWalk::walk(QFile::encodeName(root), kInstalledDepth, true, [&](const BundleWalk::Entry& entry) {
-            if (!entry.name.endsWith(".app") && !entry.name.endsWith(".appex") && !entry.name.endsWith(".xpc"))
+            if (!entry.name.endsWith(".app") && !entry.name.endsWith(".appex") &&
+                !entry.name.endsWith(".xpc"))
                 return;
             if (const std::optional<QString> id = BundleInfo::identifier(BundleInfo::dictionary(entry.path)))
                 identifiers.insert(id->toLower());
@@ -220,7 +237,8 @@ QList<CleanItem> AppCatalog::orphanedLeftovers() const
         if (installed.contains(c))
             return true;
         // The data of an installed app's helper or extension: the candidate extends an installed id.
-        for (qsizetype dot = c.indexOf(QLatin1Char('.')); dot > 0; dot = c.indexOf(QLatin1Char('.'), dot + 1)) {
+        for (qsizetype dot = c.indexOf(QLatin1Char('.')); dot > 0;
+             dot = c.indexOf(QLatin1Char('.'), dot + 1)) {
             if (installed.contains(c.left(dot)))
                 return true;
         }

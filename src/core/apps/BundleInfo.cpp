@@ -3,14 +3,15 @@
 #include "core/plist/PropertyList.h"
 
 #include <QFile>
-
 #include <sys/stat.h>
 
 namespace nubo::BundleInfo {
 
 QVariantMap dictionary(const QByteArray& nativePath)
 {
-    struct stat info {};
+    struct stat info
+    {
+    };
     // A bundle is a folder; following a link here matches how the system opens a bundle by path.
     if (::stat(nativePath.constData(), &info) != 0 || !S_ISDIR(info.st_mode))
         return {};

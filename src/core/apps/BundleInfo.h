@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QString>
 #include <QVariantMap>
-
 #include <optional>
 
 namespace nubo::BundleInfo {

@@ -1,11 +1,9 @@
 #include "core/apps/BundleWalk.h"
 
 #include <QList>
-
+#include <cstring>
 #include <dirent.h>
 #include <sys/stat.h>
-
-#include <cstring>
 
 namespace nubo::BundleWalk {
 
@@ -13,10 +11,18 @@ namespace {
 
 // Folder extensions the Mac declares as packages and that turn up in applications folders.
 constexpr const char* kPackageExtensions[] = {
-    "app", "appex", "xpc", "bundle", "framework", "plugin", "kext", "pkg", "mpkg", "prefpane", "qlgenerator",
-    "mdimporter", "saver", "wdgt", "component", "dsym", "xcarchive", "xcodeproj", "xcworkspace", "playground",
-    "rtfd", "photoslibrary", "musiclibrary", "fcpbundle", "logicx", "band", "workflow", "action", "vst", "vst3",
-    "aaxplugin", "driver", "systemextension", "docset",
+    "app",           "appex",        "xpc",
+    "bundle",        "framework",    "plugin",
+    "kext",          "pkg",          "mpkg",
+    "prefpane",      "qlgenerator",  "mdimporter",
+    "saver",         "wdgt",         "component",
+    "dsym",          "xcarchive",    "xcodeproj",
+    "xcworkspace",   "playground",   "rtfd",
+    "photoslibrary", "musiclibrary", "fcpbundle",
+    "logicx",        "band",         "workflow",
+    "action",        "vst",          "vst3",
+    "aaxplugin",     "driver",       "systemextension",
+    "docset",
 };
 
 void walkFolder(const QByteArray& folder, int depth, int maxDepth, bool intoPackages,
@@ -42,7 +48,9 @@ void walkFolder(const QByteArray& folder, int depth, int maxDepth, bool intoPack
         type = item->d_type;
 #endif
         if (type == DT_UNKNOWN) {
-            struct stat info {};
+            struct stat info
+            {
+            };
             if (::lstat(entry.path.constData(), &info) == 0) {
                 entry.isDirectory = S_ISDIR(info.st_mode);
                 entry.isSymlink = S_ISLNK(info.st_mode);
@@ -80,7 +88,8 @@ bool isPackage(const QByteArray& name)
     return false;
 }
 
-void walk(const QByteArray& root, int maxDepth, bool intoPackages, const std::function<void(const Entry&)>& visit)
+void walk(const QByteArray& root, int maxDepth, bool intoPackages,
+          const std::function<void(const Entry&)>& visit)
 {
     if (maxDepth < 1 || root.isEmpty())
         return;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-
 #include <functional>
 
 namespace nubo::BundleWalk {
@@ -26,6 +25,7 @@ struct Entry
 /// hold; symbolic links are reported but never followed; packages are entered only when
 /// `intoPackages` is true. A root or a folder that cannot be read adds nothing; the walk never
 /// fails. Folders are visited in the order the file system lists them.
-void walk(const QByteArray& root, int maxDepth, bool intoPackages, const std::function<void(const Entry&)>& visit);
+void walk(const QByteArray& root, int maxDepth, bool intoPackages,
+          const std::function<void(const Entry&)>& visit);
 
 } // namespace nubo::BundleWalk

@@ -3,7 +3,6 @@
 #include <QDateTime>
 #include <QHashFunctions>
 #include <QString>
-
 #include <optional>
 
 namespace nubo {

@@ -3,7 +3,6 @@
 #include "core/apps/InstalledApp.h"
 
 #include <QString>
-
 #include <optional>
 
 namespace nubo {

@@ -33,15 +33,16 @@ constexpr Row kRows[] = {
     {"deriveddata", CleanGroup::developer, "Xcode DerivedData", "Compilaciones intermedias e índices",
      "hammer.fill", NamedColor::blue, true, nullptr},
     {"devicesupport", CleanGroup::developer, "Soporte de dispositivos",
-     "Símbolos de iOS/watchOS de cada versión que conectaste", "iphone.gen3", NamedColor::indigo, true, nullptr},
+     "Símbolos de iOS/watchOS de cada versión que conectaste", "iphone.gen3", NamedColor::indigo, true,
+     nullptr},
     {"simulators", CleanGroup::developer, "Simuladores", "Cachés y simuladores que ya no están disponibles",
      "ipad.and.iphone", NamedColor::purple, true, nullptr},
     {"runtimes", CleanGroup::developer, "Runtimes de simulador",
-     "Versiones completas de iOS para el simulador (varios GB cada una)", "cpu.fill", NamedColor::purple, false,
-     "Xcode volverá a descargarlas si las necesitas."},
+     "Versiones completas de iOS para el simulador (varios GB cada una)", "cpu.fill", NamedColor::purple,
+     false, "Xcode volverá a descargarlas si las necesitas."},
     {"packages", CleanGroup::developer, "Cachés de paquetes",
-     "Homebrew, npm, pnpm, Yarn, pip, CocoaPods, SwiftPM, Gradle…", "shippingbox.fill", NamedColor::brown, true,
-     nullptr},
+     "Homebrew, npm, pnpm, Yarn, pip, CocoaPods, SwiftPM, Gradle…", "shippingbox.fill", NamedColor::brown,
+     true, nullptr},
     {"archives", CleanGroup::developer, "Archivos de Xcode", "Builds archivados para subir a la App Store",
      "archivebox.fill", NamedColor::cyan, false,
      "Contienen los dSYM para leer informes de fallos de versiones publicadas."},
@@ -60,7 +61,8 @@ constexpr Row kRows[] = {
      "iphone.and.arrow.forward", NamedColor::pink, false,
      "Si borras una copia no podrás restaurar ese dispositivo desde ella."},
     {"orphans", CleanGroup::personal, "Restos de apps borradas", "Datos de apps que ya no están instaladas",
-     "puzzlepiece.extension.fill", NamedColor::orange, false, "Detectado por nombre: revisa antes de borrar."},
+     "puzzlepiece.extension.fill", NamedColor::orange, false,
+     "Detectado por nombre: revisa antes de borrar."},
 };
 
 CleanCategory::Scan nothing()
@@ -83,8 +85,8 @@ const QList<CleanCategory>& CleanCatalog::rows()
             if (row.caution)
                 caution = QString::fromUtf8(row.caution);
             list.append(CleanCategory{QString::fromUtf8(row.id), row.group, QString::fromUtf8(row.title),
-                                      QString::fromUtf8(row.subtitle), QString::fromUtf8(row.symbol), row.color,
-                                      row.selectedByDefault, std::move(caution), nothing()});
+                                      QString::fromUtf8(row.subtitle), QString::fromUtf8(row.symbol),
+                                      row.color, row.selectedByDefault, std::move(caution), nothing()});
         }
         return list;
     }();

@@ -2,14 +2,18 @@
 
 #include <QList>
 #include <QString>
-
 #include <optional>
 
 namespace nubo {
 
 /// The three headings the cleanup categories are grouped under, in the order they are shown.
 /// A group's identity is its Spanish title.
-enum class CleanGroup { system, developer, personal };
+enum class CleanGroup
+{
+    system,
+    developer,
+    personal
+};
 
 namespace CleanGroups {
 

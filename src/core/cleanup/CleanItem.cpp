@@ -24,21 +24,17 @@ size_t hashOptional(const std::optional<QString>& value, size_t seed)
 
 CleanItem::CleanItem(QString itemId, QString itemName, QString itemDetail, qint64 itemSize, Action itemAction,
                      std::optional<QString> itemSubtitle, std::optional<QString> itemAppURL)
-    : id(std::move(itemId))
-    , name(std::move(itemName))
-    , detail(std::move(itemDetail))
-    , size(itemSize)
-    , action(std::move(itemAction))
-    , subtitle(std::move(itemSubtitle))
-    , appURL(std::move(itemAppURL))
+    : id(std::move(itemId)), name(std::move(itemName)), detail(std::move(itemDetail)), size(itemSize),
+      action(std::move(itemAction)), subtitle(std::move(itemSubtitle)), appURL(std::move(itemAppURL))
 {
 }
 
 CleanItem CleanItem::atPath(const QString& path, const QString& home, std::optional<QString> itemName,
                             std::optional<qint64> itemSize)
 {
-    return CleanItem(path, itemName ? std::move(*itemName) : lastComponent(path), Location::tildePath(path, home),
-                     itemSize ? *itemSize : Location::allocatedSize(path), Remove{path});
+    return CleanItem(path, itemName ? std::move(*itemName) : lastComponent(path),
+                     Location::tildePath(path, home), itemSize ? *itemSize : Location::allocatedSize(path),
+                     Remove{path});
 }
 
 std::optional<QString> CleanItem::url() const

@@ -3,7 +3,6 @@
 #include <QHashFunctions>
 #include <QString>
 #include <QStringList>
-
 #include <optional>
 #include <variant>
 

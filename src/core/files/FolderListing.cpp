@@ -1,10 +1,8 @@
 #include "core/files/FolderListing.h"
 
 #include <QFile>
-
-#include <dirent.h>
-
 #include <cstring>
+#include <dirent.h>
 
 namespace nubo::FolderListing {
 

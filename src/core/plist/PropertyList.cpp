@@ -3,16 +3,13 @@
 #include <QDateTime>
 #include <QFile>
 #include <QVariantList>
-
-#include <plist/plist.h>
-
-#include <cerrno>
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <limits>
 #include <memory>
-
-#include <fcntl.h>
+#include <plist/plist.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -232,7 +229,9 @@ QByteArray readFile(const QByteArray& nativePath, qint64 maxBytes)
     if (fd < 0)
         return {};
     QByteArray bytes;
-    struct stat info {};
+    struct stat info
+    {
+    };
     // Only regular files: a FIFO or device named Info.plist must not block or stream forever.
     if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0 && info.st_size <= maxBytes) {
         bytes.resize(static_cast<qsizetype>(info.st_size));

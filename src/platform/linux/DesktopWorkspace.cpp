@@ -5,11 +5,9 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QUrl>
-
+#include <climits>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <climits>
 
 namespace nubo {
 
@@ -64,14 +62,17 @@ QList<RunningApplication> DesktopWorkspace::runningApplications() const
 {
     QList<RunningApplication> result;
     const uid_t me = ::getuid();
-    const QStringList pids = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+    const QStringList pids =
+        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
     for (const QString& entry : pids) {
         bool numeric = false;
         const qint64 pid = entry.toLongLong(&numeric);
         if (!numeric)
             continue;
         const QString folder = QStringLiteral("/proc/") + entry;
-        struct stat info {};
+        struct stat info
+        {
+        };
         if (::stat(QFile::encodeName(folder).constData(), &info) != 0 || info.st_uid != me)
             continue;
         const QString executable = readLink(QFile::encodeName(folder + QStringLiteral("/exe")));

@@ -2,9 +2,8 @@
 // conversions live here; every decision about what the answers mean is made in portable code.
 #include "platform/Workspace.h"
 
-#include <QUrl>
-
 #import <AppKit/AppKit.h>
+#include <QUrl>
 
 namespace nubo {
 

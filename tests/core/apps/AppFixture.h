@@ -11,16 +11,13 @@
 #include "platform/fake/FakeWorkspace.h"
 #include "support/PlistWriter.h"
 
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QFile>
 #include <QSet>
 #include <QTemporaryDir>
-
+#include <gtest/gtest.h>
 #include <memory>
 #include <ostream>
-
 #include <unistd.h>
 
 QT_BEGIN_NAMESPACE
@@ -137,7 +134,8 @@ protected:
     void expectSoundItems(const QList<CleanItem>& items)
     {
         const QStringList list = paths(items);
-        EXPECT_EQ(QSet<QString>(list.cbegin(), list.cend()).size(), list.size()) << list.join(QLatin1Char('\n')).toStdString();
+        EXPECT_EQ(QSet<QString>(list.cbegin(), list.cend()).size(), list.size())
+            << list.join(QLatin1Char('\n')).toStdString();
         for (const CleanItem& item : items) {
             EXPECT_TRUE(safety().isAllowed(item.id)) << item.id.toStdString();
             EXPECT_EQ(item.url(), item.id);

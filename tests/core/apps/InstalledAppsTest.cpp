@@ -33,7 +33,8 @@ protected:
 
 TEST_F(InstalledApps, SearchRootsAreTheSystemFolderThenTheUsersOwn)
 {
-    EXPECT_EQ(catalog().searchRoots(), (QStringList{roots.applications, roots.home + QStringLiteral("/Applications")}));
+    EXPECT_EQ(catalog().searchRoots(),
+              (QStringList{roots.applications, roots.home + QStringLiteral("/Applications")}));
 }
 
 TEST_F(InstalledApps, ListsBundlesTwoLevelsDownButNotThreeNorLinksNorOtherCases)
@@ -44,7 +45,8 @@ TEST_F(InstalledApps, ListsBundlesTwoLevelsDownButNotThreeNorLinksNorOtherCases)
     app(QStringLiteral("/Applications/Upper.APP"), QStringLiteral("com.acme.upper"));
     app(QStringLiteral("/Applications/.Hidden.app"), QStringLiteral("com.acme.hidden"));
     // Inside a bundle nothing is listed: helpers are part of their app.
-    app(QStringLiteral("/Applications/Top.app/Contents/Helpers/Helper.app"), QStringLiteral("com.acme.top.helper"));
+    app(QStringLiteral("/Applications/Top.app/Contents/Helpers/Helper.app"),
+        QStringLiteral("com.acme.top.helper"));
     ASSERT_EQ(::symlink(QFile::encodeName(at(QStringLiteral("/Applications/Top.app"))).constData(),
                         QFile::encodeName(at(QStringLiteral("/Applications/Alias.app"))).constData()),
               0);
@@ -64,8 +66,8 @@ TEST_F(InstalledApps, SortedByNameIgnoringCaseAndTheSystemCopyFirstOnATie)
     app(QStringLiteral("/Applications/Apple.app"), QStringLiteral("com.x.apple"));
 
     const QList<InstalledApp> apps = catalog().load();
-    ASSERT_EQ(names(apps), (QStringList{QStringLiteral("Apple"), QStringLiteral("Apple"), QStringLiteral("banana"),
-                                        QStringLiteral("Cherry")}));
+    ASSERT_EQ(names(apps), (QStringList{QStringLiteral("Apple"), QStringLiteral("Apple"),
+                                        QStringLiteral("banana"), QStringLiteral("Cherry")}));
     EXPECT_EQ(apps.at(0).url, at(QStringLiteral("/Applications/Apple.app")));
     EXPECT_EQ(apps.at(1).url, at(QStringLiteral("~/Applications/Apple.app")));
 }
@@ -92,32 +94,40 @@ TEST_F(InstalledApps, DescribesXmlAndBinaryBundlesAlike)
 
 TEST_F(InstalledApps, DeclaredNamesOnlyServeABundleNamedByItsExtensionAlone)
 {
-    const QString bare = bundle(QStringLiteral("/Elsewhere/.app"), {{QStringLiteral("CFBundleDisplayName"), QStringLiteral("Shown")},
-                                                                    {QStringLiteral("CFBundleName"), QStringLiteral("Plain")}});
+    const QString bare = bundle(QStringLiteral("/Elsewhere/.app"),
+                                {{QStringLiteral("CFBundleDisplayName"), QStringLiteral("Shown")},
+                                 {QStringLiteral("CFBundleName"), QStringLiteral("Plain")}});
     EXPECT_EQ(catalog().describe(bare)->name, QStringLiteral("Shown"));
-    const QString named = bundle(QStringLiteral("/Elsewhere2/.app"), {{QStringLiteral("CFBundleName"), QStringLiteral("Plain")},
-                                                                      {QStringLiteral("CFBundleDisplayName"), qint64(3)}});
+    const QString named =
+        bundle(QStringLiteral("/Elsewhere2/.app"), {{QStringLiteral("CFBundleName"), QStringLiteral("Plain")},
+                                                    {QStringLiteral("CFBundleDisplayName"), qint64(3)}});
     EXPECT_EQ(catalog().describe(named)->name, QStringLiteral("Plain"));
     EXPECT_EQ(catalog().describe(named + QLatin1Char('/'))->name, QStringLiteral("Plain"));
-    EXPECT_EQ(catalog().describe(at(QStringLiteral("/Applications/Dotted.Name.app")))->name, QStringLiteral("Dotted.Name"));
+    EXPECT_EQ(catalog().describe(at(QStringLiteral("/Applications/Dotted.Name.app")))->name,
+              QStringLiteral("Dotted.Name"));
 }
 
 TEST_F(InstalledApps, BundlesWithoutUsableInformationAreStillListed)
 {
     folder(QStringLiteral("/Applications/Bare.app/Contents"));
-    rawFile(QStringLiteral("/Applications/Broken.app/Contents/Info.plist"), QByteArray("bplist00\x01\x02garbage", 17));
+    rawFile(QStringLiteral("/Applications/Broken.app/Contents/Info.plist"),
+            QByteArray("bplist00\x01\x02garbage", 17));
     rawFile(QStringLiteral("/Applications/Empty.app/Contents/Info.plist"), QByteArray());
     rawFile(QStringLiteral("/Applications/Listy.app/Contents/Info.plist"),
-            plistBytes(QVariantList{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.x")}, PlistFormat::binary));
-    const QByteArray whole = plistBytes(QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.acme.cut")},
-                                                    {QStringLiteral("CFBundleShortVersionString"), QStringLiteral("1")}},
-                                        PlistFormat::binary);
+            plistBytes(QVariantList{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.x")},
+                       PlistFormat::binary));
+    const QByteArray whole =
+        plistBytes(QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.acme.cut")},
+                               {QStringLiteral("CFBundleShortVersionString"), QStringLiteral("1")}},
+                   PlistFormat::binary);
     rawFile(QStringLiteral("/Applications/Cut.app/Contents/Info.plist"), whole.left(whole.size() - 5));
-    bundle(QStringLiteral("/Applications/NumericId.app"), {{QStringLiteral("CFBundleIdentifier"), qint64(12345)}});
+    bundle(QStringLiteral("/Applications/NumericId.app"),
+           {{QStringLiteral("CFBundleIdentifier"), qint64(12345)}});
 
     const QList<InstalledApp> apps = catalog().load();
-    EXPECT_EQ(names(apps), (QStringList{QStringLiteral("Bare"), QStringLiteral("Broken"), QStringLiteral("Cut"),
-                                        QStringLiteral("Empty"), QStringLiteral("Listy"), QStringLiteral("NumericId")}));
+    EXPECT_EQ(names(apps),
+              (QStringList{QStringLiteral("Bare"), QStringLiteral("Broken"), QStringLiteral("Cut"),
+                           QStringLiteral("Empty"), QStringLiteral("Listy"), QStringLiteral("NumericId")}));
     for (const InstalledApp& app : apps) {
         EXPECT_FALSE(app.bundleID) << app.name.toStdString();
         EXPECT_FALSE(app.version) << app.name.toStdString();
@@ -127,7 +137,8 @@ TEST_F(InstalledApps, BundlesWithoutUsableInformationAreStillListed)
 TEST_F(InstalledApps, StoreReceiptIsOnlyTestedForExistence)
 {
     const QString store = app(QStringLiteral("/Applications/Store.app"), QStringLiteral("com.x.store"));
-    rawFile(QStringLiteral("/Applications/Store.app/Contents/_MASReceipt/receipt"), QByteArray("not a real receipt"));
+    rawFile(QStringLiteral("/Applications/Store.app/Contents/_MASReceipt/receipt"),
+            QByteArray("not a real receipt"));
     const QString almost = app(QStringLiteral("/Applications/Almost.app"), QStringLiteral("com.x.almost"));
     folder(QStringLiteral("/Applications/Almost.app/Contents/_MASReceipt"));
     EXPECT_TRUE(catalog().describe(store)->isStore);
@@ -157,7 +168,9 @@ TEST_F(InstalledApps, BundleWhoseNameIsNotUtf8IsLeftAlone)
     ASSERT_EQ(::mkdir(odd.constData(), 0755), 0);
 
     EXPECT_EQ(names(catalog().load()), QStringList{QStringLiteral("Plain")});
-    struct stat info {};
+    struct stat info
+    {
+    };
     EXPECT_EQ(::stat(odd.constData(), &info), 0);
 }
 
@@ -170,19 +183,25 @@ TEST_F(InstalledApps, MissingRootsGiveNothing)
 TEST_F(InstalledApps, RunningInstanceIsMatchedByLocationNotByIdentifier)
 {
     const QString first = app(QStringLiteral("/Applications/Writer.app"), QStringLiteral("com.acme.writer"));
-    const QString second = app(QStringLiteral("~/Applications/Writer.app"), QStringLiteral("com.acme.writer"));
+    const QString second =
+        app(QStringLiteral("~/Applications/Writer.app"), QStringLiteral("com.acme.writer"));
     const InstalledApp firstApp = *catalog().describe(first);
     const InstalledApp secondApp = *catalog().describe(second);
 
     EXPECT_FALSE(catalog().runningInstance(firstApp));
-    workspace.running = {RunningApplication{10, QStringLiteral("helper"), QString(), false, false, false},
-                         RunningApplication{11, QStringLiteral("Writer"), second + QStringLiteral("/"), false, true, true}};
+    workspace.running = {
+        RunningApplication{10, QStringLiteral("helper"), QString(), false, false, false},
+        RunningApplication{11, QStringLiteral("Writer"), second + QStringLiteral("/"), false, true, true}};
     EXPECT_FALSE(catalog().runningInstance(firstApp)); // only the other copy runs
     const std::optional<RunningApplication> running = catalog().runningInstance(secondApp);
     ASSERT_TRUE(running);
     EXPECT_EQ(running->pid, 11);
 
-    workspace.running << RunningApplication{12, QStringLiteral("Writer"),
-                                            roots.applications + QStringLiteral("/./Other/../Writer.app"), false, false, true};
+    workspace.running << RunningApplication{12,
+                                            QStringLiteral("Writer"),
+                                            roots.applications + QStringLiteral("/./Other/../Writer.app"),
+                                            false,
+                                            false,
+                                            true};
     EXPECT_EQ(catalog().runningInstance(firstApp)->pid, 12);
 }

@@ -1,5 +1,4 @@
 #include "AppFixture.h"
-
 #include "core/apps/LeftoverKeys.h"
 
 #include <fcntl.h>
@@ -16,7 +15,8 @@ class Leftovers : public AppTree
 protected:
     InstalledApp writer()
     {
-        const QString url = app(QStringLiteral("/Applications/Acme Writer.app"), QStringLiteral("com.acme.writer"));
+        const QString url =
+            app(QStringLiteral("/Applications/Acme Writer.app"), QStringLiteral("com.acme.writer"));
         return *catalog().describe(url);
     }
 
@@ -77,7 +77,7 @@ TEST_F(Leftovers, FindsTheApplicationsDataByIdentifierNameAndVendorFolder)
     file(QStringLiteral("~/Library/Caches/AcmeWriter/blob"), 30'000);
     file(QStringLiteral("~/Library/Application Support/Acme/Writer/state"));
     file(QStringLiteral("~/Library/Application Support/Acme/Painter/state")); // the vendor's other app
-    file(QStringLiteral("~/Library/Logs/COM.ACME.WRITER/log.txt")); // case does not matter
+    file(QStringLiteral("~/Library/Logs/COM.ACME.WRITER/log.txt"));           // case does not matter
     file(QStringLiteral("/Library/LaunchDaemons/com.acme.writer.helper.plist"));
     file(QStringLiteral("/Library/PrivilegedHelperTools/com.acme.writer.helper"));
     file(QStringLiteral("/Library/Application Support/Acme Writer/shared"));
@@ -87,25 +87,26 @@ TEST_F(Leftovers, FindsTheApplicationsDataByIdentifierNameAndVendorFolder)
     folder(QStringLiteral("~/Library/Preferences/Acme Writer"));          // idem
     file(QStringLiteral("~/Library/Preferences/com.acme.writerx.plist")); // another identifier
     file(QStringLiteral("~/Library/Preferences/xcom.acme.writer"));       // no dot before the identifier
-    file(QStringLiteral("~/Library/Caches/writer/x"));                    // the stripped name alone is too loose
+    file(QStringLiteral("~/Library/Caches/writer/x")); // the stripped name alone is too loose
     file(QStringLiteral("~/Library/Caches/com.acme/x"));
-    folder(QStringLiteral("~/Library/Logs/Acme"));                        // a vendor folder without our folder
+    folder(QStringLiteral("~/Library/Logs/Acme")); // a vendor folder without our folder
 
     const QList<CleanItem> items = catalog().leftovers(writer());
     EXPECT_EQ(relative(items),
-              (QStringList{QStringLiteral("/Library/Application Support/Acme Writer/shared").chopped(7),
-                           QStringLiteral("/Library/LaunchDaemons/com.acme.writer.helper.plist"),
-                           QStringLiteral("/Library/PrivilegedHelperTools/com.acme.writer.helper"),
-                           QStringLiteral("/Users/ana/Library/Application Support/Acme Writer"),
-                           QStringLiteral("/Users/ana/Library/Application Support/Acme/Writer"),
-                           QStringLiteral("/Users/ana/Library/Caches/AcmeWriter"),
-                           QStringLiteral("/Users/ana/Library/Containers/com.acme.writer"),
-                           QStringLiteral("/Users/ana/Library/Group Containers/ABCD1234.com.acme.writer.shared"),
-                           QStringLiteral("/Users/ana/Library/Group Containers/group.com.acme.writer"),
-                           QStringLiteral("/Users/ana/Library/Logs/COM.ACME.WRITER"),
-                           QStringLiteral("/Users/ana/Library/Preferences/ByHost/com.acme.writer.ABCDEF.plist"),
-                           QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist"),
-                           QStringLiteral("/Users/ana/Library/Saved Application State/com.acme.writer.savedState")}));
+              (QStringList{
+                  QStringLiteral("/Library/Application Support/Acme Writer/shared").chopped(7),
+                  QStringLiteral("/Library/LaunchDaemons/com.acme.writer.helper.plist"),
+                  QStringLiteral("/Library/PrivilegedHelperTools/com.acme.writer.helper"),
+                  QStringLiteral("/Users/ana/Library/Application Support/Acme Writer"),
+                  QStringLiteral("/Users/ana/Library/Application Support/Acme/Writer"),
+                  QStringLiteral("/Users/ana/Library/Caches/AcmeWriter"),
+                  QStringLiteral("/Users/ana/Library/Containers/com.acme.writer"),
+                  QStringLiteral("/Users/ana/Library/Group Containers/ABCD1234.com.acme.writer.shared"),
+                  QStringLiteral("/Users/ana/Library/Group Containers/group.com.acme.writer"),
+                  QStringLiteral("/Users/ana/Library/Logs/COM.ACME.WRITER"),
+                  QStringLiteral("/Users/ana/Library/Preferences/ByHost/com.acme.writer.ABCDEF.plist"),
+                  QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist"),
+                  QStringLiteral("/Users/ana/Library/Saved Application State/com.acme.writer.savedState")}));
     expectSoundItems(items);
     EXPECT_EQ(items.first().id, at(QStringLiteral("~/Library/Application Support/Acme Writer")));
 }
@@ -144,13 +145,15 @@ TEST_F(Leftovers, AnotherInstalledAppKeepsWhatItsIdentifierNames)
     // The identifier between dots, not at the start: accepted without asking the registry.
     file(QStringLiteral("~/Library/Preferences/group.com.acme.writer.helper"));
     const InstalledApp app = writer();
-    workspace.applications.insert(QStringLiteral("com.acme.writer.helper"), at(QStringLiteral("/Applications/Helper.app")));
+    workspace.applications.insert(QStringLiteral("com.acme.writer.helper"),
+                                  at(QStringLiteral("/Applications/Helper.app")));
     // The registry placing the same app at its own location, spelled differently, is no other owner.
     workspace.applications.insert(QStringLiteral("com.acme.writer.cloud"), app.url + QStringLiteral("/"));
 
     const QList<CleanItem> items = catalog().leftovers(app);
-    EXPECT_EQ(relative(items), (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.cloud.plist"),
-                                            QStringLiteral("/Users/ana/Library/Preferences/group.com.acme.writer.helper")}));
+    EXPECT_EQ(relative(items),
+              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.cloud.plist"),
+                           QStringLiteral("/Users/ana/Library/Preferences/group.com.acme.writer.helper")}));
 }
 
 TEST_F(Leftovers, OwnPreferencesAreLeftWhenTheRegistryPlacesTheAppElsewhere)
@@ -158,10 +161,12 @@ TEST_F(Leftovers, OwnPreferencesAreLeftWhenTheRegistryPlacesTheAppElsewhere)
     file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
     folder(QStringLiteral("~/Library/Containers/com.acme.writer"));
     const InstalledApp app = writer();
-    workspace.applications.insert(QStringLiteral("com.acme.writer"), at(QStringLiteral("/Volumes/Other/Acme Writer.app")));
+    workspace.applications.insert(QStringLiteral("com.acme.writer"),
+                                  at(QStringLiteral("/Volumes/Other/Acme Writer.app")));
     // The ".plist" starts with the identifier and a dot, so the registry decides; the container
     // equals the identifier and is always this app's.
-    EXPECT_EQ(relative(catalog().leftovers(app)), (QStringList{QStringLiteral("/Users/ana/Library/Containers/com.acme.writer")}));
+    EXPECT_EQ(relative(catalog().leftovers(app)),
+              (QStringList{QStringLiteral("/Users/ana/Library/Containers/com.acme.writer")}));
 }
 
 TEST_F(Leftovers, WithoutIdentifierOnlyNamesMatchAndOnlyWhereNamesAreUsed)
@@ -175,8 +180,10 @@ TEST_F(Leftovers, WithoutIdentifierOnlyNamesMatchAndOnlyWhereNamesAreUsed)
     file(QStringLiteral("/Library/Caches/Sketchy"));
 
     EXPECT_EQ(relative(catalog().leftovers(named(QStringLiteral("Sketchy"), std::nullopt))),
-              (QStringList{QStringLiteral("/Library/Caches/Sketchy"), QStringLiteral("/Users/ana/Library/Application Support/Sketchy"),
-                           QStringLiteral("/Users/ana/Library/Caches/sketchy"), QStringLiteral("/Users/ana/Library/Logs/Sketchy")}));
+              (QStringList{QStringLiteral("/Library/Caches/Sketchy"),
+                           QStringLiteral("/Users/ana/Library/Application Support/Sketchy"),
+                           QStringLiteral("/Users/ana/Library/Caches/sketchy"),
+                           QStringLiteral("/Users/ana/Library/Logs/Sketchy")}));
 }
 
 TEST_F(Leftovers, ShortNamesAndShortIdentifiersMatchNothing)
@@ -195,7 +202,8 @@ TEST_F(Leftovers, GatedFoldersAreSkippedWithoutFullDiskAccess)
     folder(QStringLiteral("~/Library/Group Containers/group.com.acme.writer"));
     file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
     fullDiskAccess = false;
-    EXPECT_EQ(relative(catalog().leftovers(writer())), (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
+    EXPECT_EQ(relative(catalog().leftovers(writer())),
+              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
 }
 
 TEST_F(Leftovers, NothingTheSafetyGateRefusesComesBack)
@@ -205,7 +213,8 @@ TEST_F(Leftovers, NothingTheSafetyGateRefusesComesBack)
     file(QStringLiteral("~/Library/Containers/com.apple.Notes/x"));
     file(QStringLiteral("~/Library/Caches/com.apple.notes/x"));
     EXPECT_TRUE(catalog().leftovers(named(QStringLiteral("AddressBook"), std::nullopt)).isEmpty());
-    const QList<CleanItem> notes = catalog().leftovers(named(QStringLiteral("Notes"), QStringLiteral("com.apple.Notes")));
+    const QList<CleanItem> notes =
+        catalog().leftovers(named(QStringLiteral("Notes"), QStringLiteral("com.apple.Notes")));
     EXPECT_EQ(relative(notes), (QStringList{QStringLiteral("/Users/ana/Library/Caches/com.apple.notes")}));
     expectSoundItems(notes);
 }
@@ -237,22 +246,28 @@ TEST_F(Leftovers, VendorFolderOffersOnlyTheFirstMatchingChild)
     file(QStringLiteral("~/Library/Application Support/acme/Other/b"));
     const QList<CleanItem> items = catalog().leftovers(writer());
     ASSERT_EQ(items.size(), 2);
-    EXPECT_TRUE(relative(items).contains(QStringLiteral("/Users/ana/Library/Application Support/Acme/writer")));
-    EXPECT_TRUE(relative(items).contains(QStringLiteral("/Users/ana/Library/Application Support/acme/Acme Writer")));
+    EXPECT_TRUE(
+        relative(items).contains(QStringLiteral("/Users/ana/Library/Application Support/Acme/writer")));
+    EXPECT_TRUE(
+        relative(items).contains(QStringLiteral("/Users/ana/Library/Application Support/acme/Acme Writer")));
 }
 
 // Names that are not UTF-8 would be measured and removed under a different, missing path: they
 // are not offered, and they stay where they are.
 TEST_F(Leftovers, EntriesWhoseNamesAreNotUtf8AreNotOffered)
 {
-    const QByteArray odd = nativePath(QStringLiteral("~/Library/Preferences"), QByteArray("com.acme.writer.\xff.plist"));
+    const QByteArray odd =
+        nativePath(QStringLiteral("~/Library/Preferences"), QByteArray("com.acme.writer.\xff.plist"));
     const int fd = ::open(odd.constData(), O_CREAT | O_WRONLY, 0644);
     ASSERT_GE(fd, 0);
     ASSERT_EQ(::write(fd, "data", 4), 4);
     ::close(fd);
     file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
-    EXPECT_EQ(relative(catalog().leftovers(writer())), (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
-    struct stat info {};
+    EXPECT_EQ(relative(catalog().leftovers(writer())),
+              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
+    struct stat info
+    {
+    };
     EXPECT_EQ(::stat(odd.constData(), &info), 0);
 }
 
@@ -265,16 +280,20 @@ TEST_F(Leftovers, UnreadableFoldersAreSkipped)
     ASSERT_EQ(::chmod(QFile::encodeName(at(QStringLiteral("~/Library/Caches"))).constData(), 0), 0);
     const QList<CleanItem> items = catalog().leftovers(writer());
     ::chmod(QFile::encodeName(at(QStringLiteral("~/Library/Caches"))).constData(), 0755);
-    EXPECT_EQ(relative(items), (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
+    EXPECT_EQ(relative(items),
+              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
 }
 
 TEST_F(Leftovers, LibraryFoldersThatCannotBeListedAreSkipped)
 {
-    file(QStringLiteral("~/Library/Caches"));       // a file where a folder should be
+    file(QStringLiteral("~/Library/Caches")); // a file where a folder should be
     folder(QStringLiteral("~/Library"));
-    ASSERT_EQ(::symlink("/nonexistent/nubo", QFile::encodeName(at(QStringLiteral("~/Library/Logs"))).constData()), 0);
+    ASSERT_EQ(
+        ::symlink("/nonexistent/nubo", QFile::encodeName(at(QStringLiteral("~/Library/Logs"))).constData()),
+        0);
     file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
-    EXPECT_EQ(relative(catalog().leftovers(writer())), (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
+    EXPECT_EQ(relative(catalog().leftovers(writer())),
+              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
     QDir(roots.home).removeRecursively();
     QDir(roots.library).removeRecursively();
     EXPECT_TRUE(catalog().leftovers(writer()).isEmpty());

@@ -1,12 +1,11 @@
 #include "AppFixture.h"
 
 #include <atomic>
-#include <thread>
-#include <vector>
-
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
+#include <vector>
 
 using namespace nubo;
 using namespace nubo::test;
@@ -19,9 +18,12 @@ protected:
     // An installed suite: an app with an extension and a service inside, and the system's own apps.
     void install()
     {
-        app(QStringLiteral("/Applications/Writer.app"), QStringLiteral("com.acme.Writer"), PlistFormat::binary);
-        app(QStringLiteral("/Applications/Writer.app/Contents/PlugIns/Share.appex"), QStringLiteral("com.acme.writer.share"));
-        app(QStringLiteral("/Applications/Writer.app/Contents/XPCServices/Render.xpc"), QStringLiteral("net.render.service"));
+        app(QStringLiteral("/Applications/Writer.app"), QStringLiteral("com.acme.Writer"),
+            PlistFormat::binary);
+        app(QStringLiteral("/Applications/Writer.app/Contents/PlugIns/Share.appex"),
+            QStringLiteral("com.acme.writer.share"));
+        app(QStringLiteral("/Applications/Writer.app/Contents/XPCServices/Render.xpc"),
+            QStringLiteral("net.render.service"));
         app(QStringLiteral("~/Applications/Big Suite/Editor.app"), QStringLiteral("org.big.suite.editor"));
         app(QStringLiteral("/System/Applications/Mail.app"), QStringLiteral("com.apple.mail"));
         app(QStringLiteral("/System/Applications/Chess.app"), QStringLiteral("org.system.chess"));
@@ -33,7 +35,10 @@ protected:
 
     QStringList found() { return paths(catalog().orphanedLeftovers()); }
 
-    QString data(const QString& path, qint64 bytes = 1000) { return file(path + QStringLiteral("/data"), bytes).chopped(5); }
+    QString data(const QString& path, qint64 bytes = 1000)
+    {
+        return file(path + QStringLiteral("/data"), bytes).chopped(5);
+    }
 };
 
 } // namespace
@@ -41,11 +46,11 @@ protected:
 TEST_F(Orphans, DataOfInstalledAppsTheirExtensionsAndServicesIsNotAnOrphan)
 {
     install();
-    data(QStringLiteral("~/Library/Containers/com.acme.writer"));          // the app, in another case
-    data(QStringLiteral("~/Library/Containers/com.acme.writer.share"));    // its extension
-    data(QStringLiteral("~/Library/Containers/net.render.service"));       // its service
+    data(QStringLiteral("~/Library/Containers/com.acme.writer"));           // the app, in another case
+    data(QStringLiteral("~/Library/Containers/com.acme.writer.share"));     // its extension
+    data(QStringLiteral("~/Library/Containers/net.render.service"));        // its service
     data(QStringLiteral("~/Library/Containers/com.acme.writer.share.sub")); // below an installed id
-    data(QStringLiteral("~/Library/Containers/org.big.suite"));            // above an installed id
+    data(QStringLiteral("~/Library/Containers/org.big.suite"));             // above an installed id
     data(QStringLiteral("~/Library/Containers/org.system.chess"));
     data(QStringLiteral("~/Library/Containers/org.utilities.tool"));
     data(QStringLiteral("~/Library/Containers/org.depth.six"));
@@ -65,14 +70,15 @@ TEST_F(Orphans, AppKnownToTheRegistryElsewhereIsInstalled)
 {
     data(QStringLiteral("~/Library/Containers/com.registry.known"));
     const QString gone = data(QStringLiteral("~/Library/Containers/com.registry.gone"));
-    workspace.applications.insert(QStringLiteral("com.registry.known"), QStringLiteral("/Volumes/External/Known.app"));
+    workspace.applications.insert(QStringLiteral("com.registry.known"),
+                                  QStringLiteral("/Volumes/External/Known.app"));
     EXPECT_EQ(found(), QStringList{gone});
 }
 
 TEST_F(Orphans, OnlyIdentifierShapedNamesAreCandidates)
 {
-    for (const char* name : {"two.parts", "a..b.c", "has space.b.c", "com.apple.Safari", "COM.APPLE.thing", "group.com.x.y",
-                             "Group.com.x.y", "plain", "trailing.dot."})
+    for (const char* name : {"two.parts", "a..b.c", "has space.b.c", "com.apple.Safari", "COM.APPLE.thing",
+                             "group.com.x.y", "Group.com.x.y", "plain", "trailing.dot."})
         data(QStringLiteral("~/Library/Application Support/") + QLatin1String(name));
     data(QStringLiteral("~/Library/WebKit/.hidden.a.b"));
     const QString accepted = data(QStringLiteral("~/Library/Application Support/org.third.party"));
@@ -81,7 +87,8 @@ TEST_F(Orphans, OnlyIdentifierShapedNamesAreCandidates)
 
 TEST_F(Orphans, EachFolderTurnsNamesIntoIdentifiersItsOwnWay)
 {
-    const QString saved = data(QStringLiteral("~/Library/Saved Application State/com.gone.app.savedState"), 3000);
+    const QString saved =
+        data(QStringLiteral("~/Library/Saved Application State/com.gone.app.savedState"), 3000);
     data(QStringLiteral("~/Library/Saved Application State/com.gone.nosuffix"));
     data(QStringLiteral("~/Library/Saved Application State/com.apple.Preview.savedState"));
     file(QStringLiteral("~/Library/HTTPStorages/com.gone.web.binarycookies"), 2000);
@@ -128,14 +135,17 @@ TEST_F(Orphans, NothingTheSafetyGateRefusesComesBack)
 
 TEST_F(Orphans, NamesThatAreNotUtf8AreLeftAlone)
 {
-    const QByteArray odd = nativePath(QStringLiteral("~/Library/Containers"), QByteArray("com.gone.\xfe\xff"));
+    const QByteArray odd =
+        nativePath(QStringLiteral("~/Library/Containers"), QByteArray("com.gone.\xfe\xff"));
     ASSERT_EQ(::mkdir(odd.constData(), 0755), 0);
     const int fd = ::open((odd + "/data").constData(), O_CREAT | O_WRONLY, 0644);
     ASSERT_GE(fd, 0);
     ASSERT_EQ(::write(fd, "data", 4), 4);
     ::close(fd);
     EXPECT_TRUE(found().isEmpty());
-    struct stat info {};
+    struct stat info
+    {
+    };
     EXPECT_EQ(::stat(odd.constData(), &info), 0);
 }
 
@@ -146,7 +156,8 @@ TEST_F(Orphans, IdentifiersOfBundlesWithOddNamesStillCount)
     const QByteArray odd = nativePath(QStringLiteral("/Applications"), QByteArray("Od\xe9.app"));
     ASSERT_EQ(::mkdir(odd.constData(), 0755), 0);
     ASSERT_EQ(::mkdir((odd + "/Contents").constData(), 0755), 0);
-    const QByteArray plist = plistBytes(QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.odd.app")}}, PlistFormat::xml);
+    const QByteArray plist = plistBytes(
+        QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.odd.app")}}, PlistFormat::xml);
     const int fd = ::open((odd + "/Contents/Info.plist").constData(), O_CREAT | O_WRONLY, 0644);
     ASSERT_GE(fd, 0);
     ASSERT_EQ(::write(fd, plist.constData(), static_cast<size_t>(plist.size())), plist.size());
@@ -182,7 +193,8 @@ TEST_F(Orphans, ConcurrentCallsGiveWhatSerialCallsGive)
     for (int t = 0; t < 6; ++t) {
         threads.emplace_back([&, t] {
             for (int round = 0; round < 3; ++round) {
-                if (t % 2 ? catalog().orphanedLeftovers() != orphans : catalog().leftovers(writer) != leftovers)
+                if (t % 2 ? catalog().orphanedLeftovers() != orphans
+                          : catalog().leftovers(writer) != leftovers)
                     ++mismatches;
             }
         });

@@ -1,11 +1,10 @@
 #include "core/cleanup/CleanCatalog.h"
+
 #include "core/cleanup/CleanGroup.h"
 
-#include <gtest/gtest.h>
-
 #include <QSet>
-
 #include <atomic>
+#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 
@@ -13,7 +12,8 @@ using namespace nubo;
 
 TEST(CleanGroups, TitleIsTheIdentityAndCaseMatters)
 {
-    EXPECT_EQ(CleanGroups::all(), (QList<CleanGroup>{CleanGroup::system, CleanGroup::developer, CleanGroup::personal}));
+    EXPECT_EQ(CleanGroups::all(),
+              (QList<CleanGroup>{CleanGroup::system, CleanGroup::developer, CleanGroup::personal}));
     for (CleanGroup group : CleanGroups::all())
         EXPECT_EQ(CleanGroups::fromTitle(CleanGroups::title(group)), group);
     EXPECT_EQ(CleanGroups::fromTitle(QStringLiteral("Sistema")), CleanGroup::system);
@@ -28,13 +28,14 @@ TEST(CleanCatalog, EighteenRowsInDisplayOrderGroupedAsShown)
     QStringList ids;
     for (const CleanCategory& category : rows)
         ids << category.id;
-    EXPECT_EQ(ids, (QStringList{QStringLiteral("caches"), QStringLiteral("logs"), QStringLiteral("temp"),
-                                QStringLiteral("trash"), QStringLiteral("mail"), QStringLiteral("deriveddata"),
-                                QStringLiteral("devicesupport"), QStringLiteral("simulators"),
-                                QStringLiteral("runtimes"), QStringLiteral("packages"), QStringLiteral("archives"),
-                                QStringLiteral("node_modules"), QStringLiteral("docker"),
-                                QStringLiteral("installers"), QStringLiteral("olddownloads"),
-                                QStringLiteral("largeold"), QStringLiteral("backups"), QStringLiteral("orphans")}));
+    EXPECT_EQ(
+        ids, (QStringList{QStringLiteral("caches"), QStringLiteral("logs"), QStringLiteral("temp"),
+                          QStringLiteral("trash"), QStringLiteral("mail"), QStringLiteral("deriveddata"),
+                          QStringLiteral("devicesupport"), QStringLiteral("simulators"),
+                          QStringLiteral("runtimes"), QStringLiteral("packages"), QStringLiteral("archives"),
+                          QStringLiteral("node_modules"), QStringLiteral("docker"),
+                          QStringLiteral("installers"), QStringLiteral("olddownloads"),
+                          QStringLiteral("largeold"), QStringLiteral("backups"), QStringLiteral("orphans")}));
     // Groups come in one block each, in the groups' own order, so the screen can cut the list.
     int lastGroup = 0;
     for (const CleanCategory& category : rows) {
@@ -70,8 +71,9 @@ TEST(CleanCatalog, CautionsGoExactlyWithCategoriesThatAreNotPreselectedExceptIns
     // The two settled asymmetries: the Trash is pre-selected, installers are neither selected nor cautioned.
     EXPECT_TRUE(find(QStringLiteral("trash")).selectedByDefault);
     EXPECT_FALSE(find(QStringLiteral("installers")).selectedByDefault);
-    EXPECT_EQ(find(QStringLiteral("docker")).caution,
-              QStringLiteral("Ejecuta docker system prune -a: borra imágenes no usadas por contenedores activos."));
+    EXPECT_EQ(
+        find(QStringLiteral("docker")).caution,
+        QStringLiteral("Ejecuta docker system prune -a: borra imágenes no usadas por contenedores activos."));
 }
 
 TEST(CleanCatalog, RowsAloneScanToNothing)
@@ -92,8 +94,8 @@ TEST(CleanCatalog, RulesAreBoundOnceEvenWhenManyThreadsAskAtOnce)
         if (id != QLatin1String("trash"))
             return {}; // a rule not written yet
         return [] {
-            return QList<CleanItem>{CleanItem(QStringLiteral("/x"), QStringLiteral("x"), QStringLiteral("/x"), 10,
-                                              CleanItem::Remove{QStringLiteral("/x")})};
+            return QList<CleanItem>{CleanItem(QStringLiteral("/x"), QStringLiteral("x"), QStringLiteral("/x"),
+                                              10, CleanItem::Remove{QStringLiteral("/x")})};
         };
     });
     std::vector<std::thread> threads;

@@ -1,12 +1,10 @@
 #include "core/cleanup/CleanItem.h"
 
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QFile>
 #include <QSet>
 #include <QTemporaryDir>
-
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,7 +14,9 @@ namespace {
 
 qint64 blocksOf(const QString& path)
 {
-    struct stat info {};
+    struct stat info
+    {
+    };
     EXPECT_EQ(::lstat(QFile::encodeName(path).constData(), &info), 0);
     return static_cast<qint64>(info.st_blocks) * 512;
 }
@@ -44,8 +44,8 @@ TEST(CleanItem, PathItemMeasuresTheAllocatedSizeOfTheWholeTree)
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         ASSERT_TRUE(file.resize(50 * 1024 * 1024));
     }
-    const qint64 expected = blocksOf(folder + QStringLiteral("/a")) + blocksOf(folder + QStringLiteral("/inner/b")) +
-                            blocksOf(sparse);
+    const qint64 expected = blocksOf(folder + QStringLiteral("/a")) +
+                            blocksOf(folder + QStringLiteral("/inner/b")) + blocksOf(sparse);
 
     const CleanItem item = CleanItem::atPath(folder, home.path());
     EXPECT_EQ(item.id, folder);
@@ -64,7 +64,8 @@ TEST(CleanItem, PathItemMeasuresTheAllocatedSizeOfTheWholeTree)
 
 TEST(CleanItem, MissingPathMeasuresZeroAndKeepsItsPath)
 {
-    const CleanItem item = CleanItem::atPath(QStringLiteral("/nonexistent/nubo/thing/"), QStringLiteral("/home/x"));
+    const CleanItem item =
+        CleanItem::atPath(QStringLiteral("/nonexistent/nubo/thing/"), QStringLiteral("/home/x"));
     EXPECT_EQ(item.size, 0);
     EXPECT_EQ(item.name, QStringLiteral("thing"));
     EXPECT_EQ(item.url(), QStringLiteral("/nonexistent/nubo/thing/"));
@@ -72,15 +73,17 @@ TEST(CleanItem, MissingPathMeasuresZeroAndKeepsItsPath)
 
 TEST(CleanItem, CommandHasNoUrl)
 {
-    const CleanItem item(QStringLiteral("docker"), QStringLiteral("Docker"), QString(), 100,
-                         CleanItem::Command{QStringLiteral("docker"),
-                                            {QStringLiteral("system"), QStringLiteral("prune"), QStringLiteral("-a")}});
+    const CleanItem item(
+        QStringLiteral("docker"), QStringLiteral("Docker"), QString(), 100,
+        CleanItem::Command{QStringLiteral("docker"),
+                           {QStringLiteral("system"), QStringLiteral("prune"), QStringLiteral("-a")}});
     EXPECT_FALSE(item.url());
 }
 
 TEST(CleanItem, EqualityAndHashCoverEveryFieldWhileTheIdStaysThePath)
 {
-    const CleanItem a(QStringLiteral("/p"), QStringLiteral("p"), QStringLiteral("/p"), 10, CleanItem::Remove{QStringLiteral("/p")});
+    const CleanItem a(QStringLiteral("/p"), QStringLiteral("p"), QStringLiteral("/p"), 10,
+                      CleanItem::Remove{QStringLiteral("/p")});
     CleanItem b = a;
     EXPECT_EQ(a, b);
     EXPECT_EQ(qHash(a), qHash(b));

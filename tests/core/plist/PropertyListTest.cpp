@@ -2,18 +2,16 @@
 
 #include "support/PlistWriter.h"
 
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
-
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 using namespace nubo;
-using nubo::test::PlistFormat;
 using nubo::test::plistBytes;
+using nubo::test::PlistFormat;
 
 namespace {
 
@@ -28,14 +26,16 @@ QVariantMap sample()
         {QStringLiteral("Ratio"), 0.5},
         {QStringLiteral("Blob"), QByteArray("\x00\x01\xff", 3)},
         {QStringLiteral("When"), QDateTime::fromMSecsSinceEpoch(1'700'000'000'000, Qt::UTC)},
-        {QStringLiteral("List"), QVariantList{QStringLiteral("a"), qint64(1), QVariantMap{{QStringLiteral("k"), QStringLiteral("v")}}}},
+        {QStringLiteral("List"), QVariantList{QStringLiteral("a"), qint64(1),
+                                              QVariantMap{{QStringLiteral("k"), QStringLiteral("v")}}}},
     };
 }
 
 void expectSample(const QVariantMap& map)
 {
     EXPECT_EQ(map.value(QStringLiteral("CFBundleIdentifier")).toString(), QStringLiteral("com.acme.writer"));
-    EXPECT_EQ(map.value(QStringLiteral("CFBundleDisplayName")).toString(), QStringLiteral("Écrivain ✍️"));
+    EXPECT_EQ(map.value(QStringLiteral("CFBundleDisplayName")).toString(),
+              QStringLiteral("Écrivain ✍️"));
     EXPECT_EQ(map.value(QStringLiteral("Count")).toLongLong(), 42);
     EXPECT_EQ(map.value(QStringLiteral("Negative")).toLongLong(), -7);
     EXPECT_EQ(map.value(QStringLiteral("Enabled")).typeId(), QMetaType::Bool);
@@ -138,7 +138,8 @@ TEST(PropertyList, AbsurdNestingIsCut)
 
 TEST(PropertyList, StringsThatAreNotUtf8ComeBackReplacedNotDropped)
 {
-    const QByteArray xml = "<plist version=\"1.0\"><dict><key>Name</key><string>caf\xe9</string></dict></plist>";
+    const QByteArray xml =
+        "<plist version=\"1.0\"><dict><key>Name</key><string>caf\xe9</string></dict></plist>";
     const QVariantMap map = PropertyList::dictionary(xml);
     // Either the parser rejects the text or it keeps it with a replacement character; never a crash.
     if (!map.isEmpty()) {
