@@ -1,0 +1,159 @@
+#pragma once
+
+// A temporary machine for the application catalogue: its own home, Library, applications
+// folders and temporary folder, with real bundles and real property lists in them.
+
+#include "core/apps/AppCatalog.h"
+#include "core/files/SystemRoots.h"
+#include "core/privacy/Privacy.h"
+#include "core/safety/Safety.h"
+#include "platform/fake/FakeMetadata.h"
+#include "platform/fake/FakeWorkspace.h"
+#include "support/PlistWriter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSet>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <memory>
+#include <ostream>
+#include <unistd.h>
+
+QT_BEGIN_NAMESPACE
+// Readable failure messages for Qt's text types.
+inline void PrintTo(const QString& text, std::ostream* out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+inline void PrintTo(const QStringList& list, std::ostream* out)
+{
+    *out << '{' << list.join(QStringLiteral(", ")).toStdString() << '}';
+}
+QT_END_NAMESPACE
+
+namespace nubo::test {
+
+class AppTree : public ::testing::Test
+{
+protected:
+    AppTree()
+    {
+        const QString base = m_dir.path();
+        roots.home = base + QStringLiteral("/Users/ana");
+        roots.library = base + QStringLiteral("/Library");
+        roots.temporary = base + QStringLiteral("/tmp");
+        roots.applications = base + QStringLiteral("/Applications");
+        roots.systemApplications = base + QStringLiteral("/System/Applications");
+        for (const QString& folder : {roots.home, roots.library, roots.temporary, roots.applications})
+            QDir().mkpath(folder);
+    }
+
+    /// Absolute path of a fixture path: "~/" is the home, "/" the fixture's root.
+    QString at(const QString& path) const
+    {
+        if (path.startsWith(QLatin1String("~/")))
+            return roots.home + path.mid(1);
+        return m_dir.path() + path;
+    }
+
+    QString folder(const QString& path) const
+    {
+        const QString full = at(path);
+        EXPECT_TRUE(QDir().mkpath(full)) << full.toStdString();
+        return full;
+    }
+
+    QString file(const QString& path, qint64 bytes = 1000) const
+    {
+        const QString full = at(path);
+        QDir().mkpath(full.left(full.lastIndexOf(QLatin1Char('/'))));
+        QFile out(full);
+        EXPECT_TRUE(out.open(QIODevice::WriteOnly)) << full.toStdString();
+        out.write(QByteArray(bytes, 'x'));
+        return full;
+    }
+
+    QString rawFile(const QString& path, const QByteArray& content) const
+    {
+        const QString full = at(path);
+        QDir().mkpath(full.left(full.lastIndexOf(QLatin1Char('/'))));
+        QFile out(full);
+        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(content);
+        return full;
+    }
+
+    /// A bundle with an information dictionary in the given format and an executable inside.
+    QString bundle(const QString& path, const QVariantMap& info, PlistFormat format = PlistFormat::xml) const
+    {
+        const QString full = folder(path);
+        rawFile(path + QStringLiteral("/Contents/Info.plist"), plistBytes(info, format));
+        file(path + QStringLiteral("/Contents/MacOS/binary"), 4096);
+        return full;
+    }
+
+    QString app(const QString& path, const QString& identifier, PlistFormat format = PlistFormat::xml) const
+    {
+        return bundle(path, {{QStringLiteral("CFBundleIdentifier"), identifier}}, format);
+    }
+
+    /// A path whose last name is raw bytes that are not UTF-8.
+    QByteArray nativePath(const QString& parent, const QByteArray& name) const
+    {
+        return QFile::encodeName(folder(parent)) + '/' + name;
+    }
+
+    /// The catalogue over this tree. Safety lists the Library when first asked, so build the tree
+    /// before calling this.
+    AppCatalog& catalog()
+    {
+        if (!m_catalog) {
+            m_privacy = std::make_unique<Privacy>(roots.home, [this] { return fullDiskAccess; });
+            m_safety = std::make_unique<Safety>(roots);
+            m_catalog = std::make_unique<AppCatalog>(roots, *m_safety, *m_privacy, workspace, metadata);
+        }
+        return *m_catalog;
+    }
+
+    const Safety& safety()
+    {
+        catalog();
+        return *m_safety;
+    }
+
+    static QStringList paths(const QList<CleanItem>& items)
+    {
+        QStringList list;
+        for (const CleanItem& item : items)
+            list << item.id;
+        return list;
+    }
+
+    /// What every list of items must hold: no path twice, nothing the safety gate refuses.
+    void expectSoundItems(const QList<CleanItem>& items)
+    {
+        const QStringList list = paths(items);
+        EXPECT_EQ(QSet<QString>(list.cbegin(), list.cend()).size(), list.size())
+            << list.join(QLatin1Char('\n')).toStdString();
+        for (const CleanItem& item : items) {
+            EXPECT_TRUE(safety().isAllowed(item.id)) << item.id.toStdString();
+            EXPECT_EQ(item.url(), item.id);
+        }
+        for (qsizetype i = 1; i < items.size(); ++i)
+            EXPECT_GE(items.at(i - 1).size, items.at(i).size);
+    }
+
+    QTemporaryDir m_dir;
+    SystemRoots roots;
+    FakeWorkspace workspace;
+    FakeMetadata metadata;
+    bool fullDiskAccess = true;
+
+private:
+    std::unique_ptr<Privacy> m_privacy;
+    std::unique_ptr<Safety> m_safety;
+    std::unique_ptr<AppCatalog> m_catalog;
+};
+
+} // namespace nubo::test
