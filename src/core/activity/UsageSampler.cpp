@@ -1,5 +1,6 @@
 #include "core/activity/UsageSampler.h"
 
+#include "core/files/NativePath.h"
 #include "core/format/CheckedMath.h"
 
 #include <QDir>
@@ -52,11 +53,11 @@ MatchList matchList(const QList<UsageSampler::App>& apps)
         const QString bundle = QDir::cleanPath(app.bundle);
         if (!bundle.startsWith(QLatin1Char('/')) || bundle == QLatin1String("/"))
             continue;
-        const QByteArray exact = QFile::encodeName(bundle) + '/';
+        const QByteArray exact = NativePath::encode(bundle) + '/';
         matches.exact.push_back({app.pid, exact});
         QByteArray previous = exact;
         for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
-            const QByteArray other = QFile::encodeName(bundle.normalized(form)) + '/';
+            const QByteArray other = NativePath::encode(bundle.normalized(form)) + '/';
             if (other != exact && other != previous)
                 matches.equivalent.push_back({app.pid, other});
             previous = other;

@@ -1,5 +1,6 @@
 #include "core/apps/AppCatalog.h"
 
+#include "core/files/NativePath.h"
 #include "core/apps/BundleInfo.h"
 #include "core/apps/BundleWalk.h"
 #include "core/files/FolderListing.h"
@@ -37,7 +38,7 @@ std::optional<QDateTime> accessDate(const QString& path)
     struct stat info
     {
     };
-    if (::lstat(QFile::encodeName(path).constData(), &info) != 0)
+    if (::lstat(NativePath::encode(path).constData(), &info) != 0)
         return std::nullopt;
 #ifdef __APPLE__
     const timespec& stamp = info.st_atimespec;
@@ -66,7 +67,7 @@ QList<InstalledApp> AppCatalog::load() const
 {
     QList<InstalledApp> apps;
     for (const QString& root : searchRoots()) {
-        BundleWalk::walk(QFile::encodeName(root), kLoadDepth, false, [&](const BundleWalk::Entry& entry) {
+        BundleWalk::walk(NativePath::encode(root), kLoadDepth, false, [&](const BundleWalk::Entry& entry) {
             // The extension test is exact: "Foo.APP" is not listed, and neither is a link to an app.
             if (entry.isSymlink || !entry.name.endsWith(".app") || entry.name.size() <= 4)
                 return;
@@ -74,7 +75,7 @@ QList<InstalledApp> AppCatalog::load() const
             // offer to remove a path that does not exist and report it gone while it stays.
             if (!FolderListing::roundTrips(entry.path))
                 return;
-            if (std::optional<InstalledApp> app = describe(QFile::decodeName(entry.path)))
+            if (std::optional<InstalledApp> app = describe(NativePath::decode(entry.path)))
                 apps << std::move(*app);
         });
     }

@@ -1,5 +1,6 @@
 // The leftover half of AppCatalog: what one installed application left in the Library folders,
 // and the identifier-named data of applications that are no longer installed.
+#include "core/files/NativePath.h"
 #include "core/apps/AppCatalog.h"
 #include "core/apps/BundleInfo.h"
 #include "core/apps/BundleWalk.h"
@@ -214,7 +215,7 @@ QSet<QString> AppCatalog::installedIdentifiers() const
     for (const QString& root : roots) {
         // Package contents are walked on purpose: extensions and services inside an installed
         // app have their own identifiers, and their data must not pass for an orphan's.
-        BundleWalk::walk(QFile::encodeName(root), kInstalledDepth, true, [&](const BundleWalk::Entry& entry) {
+        BundleWalk::walk(NativePath::encode(root), kInstalledDepth, true, [&](const BundleWalk::Entry& entry) {
             if (!entry.name.endsWith(".app") && !entry.name.endsWith(".appex") &&
                 !entry.name.endsWith(".xpc"))
                 return;

@@ -1,5 +1,6 @@
 #include "core/apps/BundleInfo.h"
 
+#include "core/files/NativePath.h"
 #include "core/plist/PropertyList.h"
 
 #include <QFile>
@@ -23,7 +24,7 @@ QVariantMap dictionary(const QByteArray& nativePath)
 
 QVariantMap dictionary(const QString& path)
 {
-    return dictionary(QFile::encodeName(path));
+    return dictionary(NativePath::encode(path));
 }
 
 std::optional<QString> text(const QVariantMap& dictionary, const QString& key)

@@ -1,5 +1,7 @@
 #include "core/deletion/Removal.h"
 
+#include "core/files/NativePath.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -167,14 +169,14 @@ int removePath(const char* path)
 Presence presence(const QString& path)
 {
     struct stat status = {};
-    if (::lstat(QFile::encodeName(path).constData(), &status) == 0)
+    if (::lstat(NativePath::encode(path).constData(), &status) == 0)
         return Presence::Present;
     return errno == ENOENT || errno == ENOTDIR ? Presence::Absent : Presence::Unknown;
 }
 
 int removeRecursively(const QString& path)
 {
-    const QByteArray bytes = QFile::encodeName(path);
+    const QByteArray bytes = NativePath::encode(path);
     if (bytes.isEmpty())
         return ENOENT;
     return removePath(bytes.constData());

@@ -1,5 +1,7 @@
 #include "core/files/FolderListing.h"
 
+#include "core/files/NativePath.h"
+
 #include <QFile>
 #include <cstring>
 #include <dirent.h>
@@ -13,13 +15,13 @@ bool roundTrips(const QByteArray& native)
     // the Mac's file systems ignore the difference, so only bytes that are not UTF-8 are lost.
     return QString::fromUtf8(native).toUtf8() == native;
 #else
-    return QFile::encodeName(QFile::decodeName(native)) == native;
+    return !NativePath::hasEscapedBytes(NativePath::decode(native));
 #endif
 }
 
 std::optional<QStringList> names(const QString& folder)
 {
-    const QByteArray native = QFile::encodeName(folder);
+    const QByteArray native = NativePath::encode(folder);
     DIR* directory = ::opendir(native.constData());
     if (!directory)
         return std::nullopt;
@@ -31,7 +33,7 @@ std::optional<QStringList> names(const QString& folder)
         const QByteArray bytes(name);
         if (!roundTrips(bytes))
             continue;
-        result << QFile::decodeName(bytes);
+        result << NativePath::decode(bytes);
     }
     ::closedir(directory);
     return result;

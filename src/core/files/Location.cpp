@@ -1,5 +1,6 @@
 #include "core/files/Location.h"
 
+#include "core/files/NativePath.h"
 #include "core/files/Home.h"
 #include "core/format/CheckedMath.h"
 
@@ -33,7 +34,7 @@ QString tildePath(const QString& path)
 
 qint64 allocatedSize(const QString& path)
 {
-    const QByteArray native = QFile::encodeName(path);
+    const QByteArray native = NativePath::encode(path);
     struct stat info {};
     if (lstat(native.constData(), &info) != 0)
         return 0;
@@ -64,7 +65,7 @@ qint64 allocatedSize(const QString& path)
 std::optional<QDateTime> modificationDate(const QString& path)
 {
     struct stat info {};
-    if (lstat(QFile::encodeName(path).constData(), &info) != 0)
+    if (lstat(NativePath::encode(path).constData(), &info) != 0)
         return std::nullopt;
 #ifdef __APPLE__
     const timespec& stamp = info.st_mtimespec;

@@ -1,5 +1,7 @@
 #include "core/plist/PropertyList.h"
 
+#include "core/files/NativePath.h"
+
 #include <QDateTime>
 #include <QFile>
 #include <QVariantList>
@@ -220,7 +222,7 @@ QVariantMap dictionary(const QByteArray& bytes)
 
 QVariantMap readDictionary(const QString& path)
 {
-    return dictionary(readFile(QFile::encodeName(path)));
+    return dictionary(readFile(NativePath::encode(path)));
 }
 
 QByteArray readFile(const QByteArray& nativePath, qint64 maxBytes)

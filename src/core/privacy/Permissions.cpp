@@ -1,5 +1,6 @@
 #include "core/privacy/Permissions.h"
 
+#include "core/files/NativePath.h"
 #include "platform/Workspace.h"
 
 #include <QFile>
@@ -15,12 +16,12 @@ namespace nubo::Permissions {
 bool canReadProtectedData(const QString& home)
 {
     const QByteArray database =
-        QFile::encodeName(home + QStringLiteral("/Library/Application Support/com.apple.TCC/TCC.db"));
+        NativePath::encode(home + QStringLiteral("/Library/Application Support/com.apple.TCC/TCC.db"));
     if (const int fd = ::open(database.constData(), O_RDONLY | O_CLOEXEC); fd >= 0) {
         ::close(fd);
         return true;
     }
-    const QByteArray safari = QFile::encodeName(home + QStringLiteral("/Library/Safari"));
+    const QByteArray safari = NativePath::encode(home + QStringLiteral("/Library/Safari"));
     if (DIR* dir = ::opendir(safari.constData())) {
         // Listing, not just opening, is what the system refuses without the grant.
         errno = 0;

@@ -1,5 +1,7 @@
 #include "core/safety/Safety.h"
 
+#include "core/files/NativePath.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -23,9 +25,9 @@ QString reasonNearRoot() { return QStringLiteral("Demasiado cerca de la raíz");
 QString resolved(const QString& path)
 {
     char buffer[PATH_MAX];
-    if (!::realpath(QFile::encodeName(path).constData(), buffer))
+    if (!::realpath(NativePath::encode(path).constData(), buffer))
         return {};
-    return QFile::decodeName(buffer);
+    return NativePath::decode(buffer);
 }
 
 // Drops one trailing "/" from a path longer than one character.

@@ -1,5 +1,7 @@
 #include "platform/linux/DesktopWorkspace.h"
 
+#include "core/files/NativePath.h"
+
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
@@ -19,7 +21,7 @@ QString readLink(const QByteArray& link)
     const ssize_t length = ::readlink(link.constData(), buffer, sizeof buffer);
     if (length <= 0 || static_cast<size_t>(length) >= sizeof buffer)
         return {};
-    QString target = QFile::decodeName(QByteArray(buffer, static_cast<qsizetype>(length)));
+    QString target = NativePath::decode(QByteArray(buffer, static_cast<qsizetype>(length)));
     // The kernel marks an executable that was replaced or removed since the process started.
     const QLatin1String deleted(" (deleted)");
     if (target.endsWith(deleted))
@@ -73,9 +75,9 @@ QList<RunningApplication> DesktopWorkspace::runningApplications() const
         struct stat info
         {
         };
-        if (::stat(QFile::encodeName(folder).constData(), &info) != 0 || info.st_uid != me)
+        if (::stat(NativePath::encode(folder).constData(), &info) != 0 || info.st_uid != me)
             continue;
-        const QString executable = readLink(QFile::encodeName(folder + QStringLiteral("/exe")));
+        const QString executable = readLink(NativePath::encode(folder + QStringLiteral("/exe")));
         if (executable.isEmpty())
             continue; // kernel threads and processes that are already gone
         RunningApplication app;

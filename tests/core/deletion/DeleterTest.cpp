@@ -2,6 +2,7 @@
 
 #include "support/AppleScriptText.h"
 #include "core/deletion/Removal.h"
+#include "core/files/NativePath.h"
 #include "core/shell/Shell.h"
 
 #include <QFile>
@@ -141,6 +142,27 @@ TEST_F(DeleterTest, NameThatIsNotUtf8IsNeverActedOnThroughItsLossyText)
     EXPECT_EQ(result.freed, 0);
     EXPECT_EQ(tree(), before);
     EXPECT_TRUE(m_admin.requests().isEmpty());
+}
+
+TEST_F(DeleterTest, NameThatIsNotUtf8IsRemovedThroughTheScannersExactText)
+{
+    // GIVEN the same pair, and the text the scanner and the listings give for the odd name,
+    // which keeps its bytes
+    makeFolder("work/odd");
+    makeFile("work/odd/a\xff");
+    makeFile("work/odd/a\xef\xbf\xbd");
+    makeFile("work/odd/a?");
+    const QString exact = NativePath::decode(NativePath::encode(path("work/odd")) + "/a\xff");
+    ASSERT_TRUE(NativePath::hasEscapedBytes(exact));
+
+    const DeletionResult result = run({{exact, 10}}, false);
+
+    // THEN that file, and only that file, is gone
+    EXPECT_EQ(result.deleted, QStringList{exact});
+    EXPECT_EQ(result.freed, 10);
+    EXPECT_FALSE(exists("work/odd/a\xff"));
+    EXPECT_TRUE(exists("work/odd/a\xef\xbf\xbd"));
+    EXPECT_TRUE(exists("work/odd/a?"));
 }
 
 TEST_F(DeleterTest, FreedAddsLargeSizesExactlyAndIgnoresNegativeOnes)
