@@ -17,8 +17,8 @@ QString LaunchItem::scopeLabel(Scope scope)
 
 size_t qHash(const LaunchItem& item, size_t seed)
 {
-    return qHashMulti(seed, item.url, item.label, item.program, int(item.scope), item.isEnabled, item.isLoaded,
-                      item.name, item.appURL.value_or(QString()), item.appURL.has_value());
+    return qHashMulti(seed, item.url, item.label, item.program, int(item.scope), item.isEnabled,
+                      item.isLoaded, item.name, item.appURL.value_or(QString()), item.appURL.has_value());
 }
 
 } // namespace nubo

@@ -12,7 +12,8 @@ namespace nubo {
 struct LaunchItem
 {
     /// Whose the item is, which decides the folder it lives in and who may change it.
-    enum class Scope {
+    enum class Scope
+    {
         user,   ///< the user's own agents, "Library/LaunchAgents" in the home folder
         agent,  ///< agents of every user, "/Library/LaunchAgents"
         daemon, ///< system-wide daemons, "/Library/LaunchDaemons": changes need the administrator
@@ -22,9 +23,9 @@ struct LaunchItem
     QString label;
     QString program;
     Scope scope = Scope::user;
-    bool isEnabled = true; ///< not marked disabled
-    bool isLoaded = false; ///< currently known to launchd
-    QString name;          ///< the owning application's name where one is found
+    bool isEnabled = true;         ///< not marked disabled
+    bool isLoaded = false;         ///< currently known to launchd
+    QString name;                  ///< the owning application's name where one is found
     std::optional<QString> appURL; ///< the owning application's bundle, for its icon
 
     /// Changing the item asks for the administrator password.

@@ -48,8 +48,8 @@ QString programOf(const QVariantMap& dictionary)
 
 } // namespace
 
-LaunchItems::LaunchItems(SystemTools tools, const ToolRunner& runner, AdminRunner& admin, const Deleter& deleter,
-                         const Naming& naming, Workspace& workspace)
+LaunchItems::LaunchItems(SystemTools tools, const ToolRunner& runner, AdminRunner& admin,
+                         const Deleter& deleter, const Naming& naming, Workspace& workspace)
     : m_tools(std::move(tools)), m_runner(runner), m_admin(admin), m_deleter(deleter), m_naming(naming),
       m_workspace(workspace)
 {
@@ -88,7 +88,8 @@ QSet<QString> LaunchItems::parseLoaded(const QString& output)
 
 QSet<QString> LaunchItems::disabledLabels(const QString& domain) const
 {
-    const ShellResult result = m_runner.run(m_tools.launchctl, {QStringLiteral("print-disabled"), domain}, kListTimeout);
+    const ShellResult result =
+        m_runner.run(m_tools.launchctl, {QStringLiteral("print-disabled"), domain}, kListTimeout);
     return result.status == 0 ? parseDisabled(result.output) : QSet<QString>{};
 }
 
@@ -120,11 +121,13 @@ QList<LaunchItem> LaunchItems::load() const
             continue;
         // The file system's order is arbitrary; a fixed one keeps equal names in a stable order.
         std::sort(names->begin(), names->end());
-        const QSet<QString>& disabled = scope == LaunchItem::Scope::daemon ? disabledForSystem : disabledForUser;
+        const QSet<QString>& disabled =
+            scope == LaunchItem::Scope::daemon ? disabledForSystem : disabledForUser;
         for (const QString& entry : std::as_const(*names)) {
             if (!entry.endsWith(kPlistSuffix) || entry.size() == kPlistSuffix.size())
                 continue;
-            if (std::optional<LaunchItem> item = read(folder + QLatin1Char('/') + entry, scope, disabled, loaded))
+            if (std::optional<LaunchItem> item =
+                    read(folder + QLatin1Char('/') + entry, scope, disabled, loaded))
                 items << std::move(*item);
         }
     }
@@ -151,7 +154,8 @@ std::optional<LaunchItem> LaunchItems::read(const QString& path, LaunchItem::Sco
     item.scope = scope;
     // launchd refuses a job without a label; the file name is what such a file is known by.
     const QString fileName = path.section(QLatin1Char('/'), -1);
-    item.label = textOf(dictionary.value(QStringLiteral("Label"))).value_or(fileName.chopped(kPlistSuffix.size()));
+    item.label =
+        textOf(dictionary.value(QStringLiteral("Label"))).value_or(fileName.chopped(kPlistSuffix.size()));
     item.program = programOf(dictionary);
     const QVariant disabledKey = dictionary.value(QStringLiteral("Disabled"));
     const bool markedDisabled = disabledKey.typeId() == QMetaType::Bool && disabledKey.toBool();
@@ -194,13 +198,14 @@ QString LaunchItems::daemonToggleCommand(const LaunchItem& item, bool enabled)
         return QStringLiteral("/bin/launchctl enable system/") + label +
                QStringLiteral("; /bin/launchctl bootstrap system ") + shellQuote(item.url) +
                QStringLiteral(" 2>/dev/null; true");
-    return QStringLiteral("/bin/launchctl disable system/") + label + QStringLiteral("; /bin/launchctl bootout system/") +
-           label + QStringLiteral(" 2>/dev/null; true");
+    return QStringLiteral("/bin/launchctl disable system/") + label +
+           QStringLiteral("; /bin/launchctl bootout system/") + label + QStringLiteral(" 2>/dev/null; true");
 }
 
 QString LaunchItems::daemonBootoutCommand(const QString& label)
 {
-    return QStringLiteral("/bin/launchctl bootout system/") + shellQuote(label) + QStringLiteral(" 2>/dev/null; true");
+    return QStringLiteral("/bin/launchctl bootout system/") + shellQuote(label) +
+           QStringLiteral(" 2>/dev/null; true");
 }
 
 bool LaunchItems::setEnabled(const LaunchItem& item, bool enabled) const
@@ -211,11 +216,12 @@ bool LaunchItems::setEnabled(const LaunchItem& item, bool enabled) const
     const QString target = guiTarget(item.label);
     // The second step only starts or stops the job now and fails whenever it already was in that
     // state; what decides is whether launchd recorded the choice, which lasts across logins.
-    const ShellResult recorded =
-        m_runner.run(m_tools.launchctl, {enabled ? QStringLiteral("enable") : QStringLiteral("disable"), target},
-                     kActionTimeout);
+    const ShellResult recorded = m_runner.run(
+        m_tools.launchctl, {enabled ? QStringLiteral("enable") : QStringLiteral("disable"), target},
+        kActionTimeout);
     if (enabled)
-        (void)m_runner.run(m_tools.launchctl, {QStringLiteral("bootstrap"), m_tools.guiDomain(), item.url}, kActionTimeout);
+        (void)m_runner.run(m_tools.launchctl, {QStringLiteral("bootstrap"), m_tools.guiDomain(), item.url},
+                           kActionTimeout);
     else
         (void)m_runner.run(m_tools.launchctl, {QStringLiteral("bootout"), target}, kActionTimeout);
     return recorded.status == 0;
@@ -229,9 +235,11 @@ bool LaunchItems::remove(const LaunchItem& item) const
         if (!Admin::run(m_admin, daemonBootoutCommand(item.label)))
             return false;
     } else {
-        (void)m_runner.run(m_tools.launchctl, {QStringLiteral("bootout"), guiTarget(item.label)}, kActionTimeout);
+        (void)m_runner.run(m_tools.launchctl, {QStringLiteral("bootout"), guiTarget(item.label)},
+                           kActionTimeout);
     }
-    const DeletionResult result = m_deleter.deleteItemsNow({{item.url, Location::allocatedSize(item.url)}}, true);
+    const DeletionResult result =
+        m_deleter.deleteItemsNow({{item.url, Location::allocatedSize(item.url)}}, true);
     return result.failed.isEmpty() && result.deleted.contains(item.url);
 }
 

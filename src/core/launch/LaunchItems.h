@@ -75,11 +75,13 @@ public:
     /// The administrator command line that stops a daemon.
     [[nodiscard]] static QString daemonBootoutCommand(const QString& label);
 
-    static constexpr const char* kLoginItemsSettings = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
+    static constexpr const char* kLoginItemsSettings =
+        "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
 
 private:
     [[nodiscard]] std::optional<LaunchItem> read(const QString& path, LaunchItem::Scope scope,
-                                                 const QSet<QString>& disabled, const QSet<QString>& loaded) const;
+                                                 const QSet<QString>& disabled,
+                                                 const QSet<QString>& loaded) const;
     void name(LaunchItem& item) const;
     [[nodiscard]] QString guiTarget(const QString& label) const;
 

@@ -13,8 +13,14 @@ QList<MaintenanceTask> buildTable()
 {
     const auto task = [](const char* id, QString title, QString detail, const char* symbol, NamedColor color,
                          bool needsAdmin, std::optional<QString> caution, QString command) {
-        return MaintenanceTask{QString::fromLatin1(id), std::move(title), std::move(detail), QString::fromLatin1(symbol),
-                               color,  needsAdmin, std::move(caution), std::move(command)};
+        return MaintenanceTask{QString::fromLatin1(id),
+                               std::move(title),
+                               std::move(detail),
+                               QString::fromLatin1(symbol),
+                               color,
+                               needsAdmin,
+                               std::move(caution),
+                               std::move(command)};
     };
     return {
         task("snapshots", QStringLiteral("Borrar instantáneas locales"),
@@ -23,15 +29,16 @@ QList<MaintenanceTask> buildTable()
              // Thinning by more bytes than any disk holds, at the highest urgency, removes every
              // local snapshot the system is willing to give up.
              QStringLiteral("/usr/bin/tmutil thinlocalsnapshots / 999999999999 4")),
-        task("purge", QStringLiteral("Liberar memoria"), QStringLiteral("Vacía la memoria inactiva y la caché de disco."),
-             "memorychip.fill", NamedColor::purple, true, std::nullopt, QStringLiteral("/usr/sbin/purge")),
+        task("purge", QStringLiteral("Liberar memoria"),
+             QStringLiteral("Vacía la memoria inactiva y la caché de disco."), "memorychip.fill",
+             NamedColor::purple, true, std::nullopt, QStringLiteral("/usr/sbin/purge")),
         task("dns", QStringLiteral("Vaciar caché DNS"),
-             QStringLiteral("Arregla webs que no cargan o apuntan a una dirección antigua."), "network", NamedColor::blue,
-             true, std::nullopt,
+             QStringLiteral("Arregla webs que no cargan o apuntan a una dirección antigua."), "network",
+             NamedColor::blue, true, std::nullopt,
              QStringLiteral("/usr/bin/dscacheutil -flushcache; /usr/bin/killall -HUP mDNSResponder")),
         task("launchservices", QStringLiteral("Reconstruir «Abrir con»"),
-             QStringLiteral("Quita apps duplicadas o borradas del menú «Abrir con»."), "arrow.up.forward.app.fill",
-             NamedColor::indigo, false, std::nullopt,
+             QStringLiteral("Quita apps duplicadas o borradas del menú «Abrir con»."),
+             "arrow.up.forward.app.fill", NamedColor::indigo, false, std::nullopt,
              QString::fromLatin1(MaintenanceCatalog::kLsregister) +
                  QStringLiteral(" -kill -r -domain local -domain system -domain user")),
         task("spotlight", QStringLiteral("Reindexar Spotlight"),
@@ -39,16 +46,18 @@ QList<MaintenanceTask> buildTable()
              NamedColor::gray, true, QStringLiteral("Spotlight tardará un rato en volver a indexar todo."),
              QStringLiteral("/usr/bin/mdutil -E /")),
         task("fonts", QStringLiteral("Limpiar caché de fuentes"),
-             QStringLiteral("Corrige texto que se ve mal o fuentes que no aparecen."), "textformat", NamedColor::orange,
-             false, QStringLiteral("Conviene reiniciar el Mac después."),
+             QStringLiteral("Corrige texto que se ve mal o fuentes que no aparecen."), "textformat",
+             NamedColor::orange, false, QStringLiteral("Conviene reiniciar el Mac después."),
              QStringLiteral("/usr/bin/atsutil databases -removeUser; /usr/bin/atsutil server -shutdown; "
                             "/usr/bin/atsutil server -ping")),
         task("verify", QStringLiteral("Verificar el disco"),
-             QStringLiteral("Comprueba que el volumen no tiene errores (sólo lectura)."), "internaldrive.fill",
-             NamedColor::teal, false, std::nullopt, QStringLiteral("/usr/sbin/diskutil verifyVolume /")),
+             QStringLiteral("Comprueba que el volumen no tiene errores (sólo lectura)."),
+             "internaldrive.fill", NamedColor::teal, false, std::nullopt,
+             QStringLiteral("/usr/sbin/diskutil verifyVolume /")),
         task("dock", QStringLiteral("Reiniciar Dock y Finder"),
              QStringLiteral("Refresca iconos y ventanas que se han quedado colgados."), "dock.rectangle",
-             NamedColor::cyan, false, std::nullopt, QStringLiteral("/usr/bin/killall Dock; /usr/bin/killall Finder")),
+             NamedColor::cyan, false, std::nullopt,
+             QStringLiteral("/usr/bin/killall Dock; /usr/bin/killall Finder")),
     };
 }
 
@@ -87,8 +96,8 @@ int MaintenanceCatalog::countSnapshots(const QString& listing)
 
 int MaintenanceCatalog::localSnapshotCount() const
 {
-    const ShellResult result =
-        m_runner.run(m_tools.tmutil, {QStringLiteral("listlocalsnapshots"), QStringLiteral("/")}, kSnapshotTimeout);
+    const ShellResult result = m_runner.run(
+        m_tools.tmutil, {QStringLiteral("listlocalsnapshots"), QStringLiteral("/")}, kSnapshotTimeout);
     // A refused or half-finished listing says nothing reliable; the row then shows none.
     return result.status == 0 ? countSnapshots(result.output) : 0;
 }
@@ -96,7 +105,8 @@ int MaintenanceCatalog::localSnapshotCount() const
 MaintenanceTask::Outcome MaintenanceCatalog::outcomeOf(const MaintenanceTask& task, const ShellResult& result)
 {
     if (result.status == 0)
-        return {true, task.id == QLatin1String("verify") ? QStringLiteral("Sin errores") : QStringLiteral("Hecho")};
+        return {true,
+                task.id == QLatin1String("verify") ? QStringLiteral("Sin errores") : QStringLiteral("Hecho")};
 
     // Tools end their lines with "\r\n" now and then, and pad with blanks; neither is a reason.
     QString last;

@@ -24,8 +24,8 @@ class MaintenanceCatalog
 {
 public:
     /// Launch Services' registration tool. It has no spaces, so task command lines use it unquoted.
-    static constexpr const char* kLsregister =
-        "/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/lsregister";
+    static constexpr const char* kLsregister = "/System/Library/Frameworks/CoreServices.framework/Frameworks/"
+                                               "LaunchServices.framework/Support/lsregister";
 
     static constexpr std::chrono::seconds kSnapshotTimeout{10};
     static constexpr std::chrono::seconds kTaskTimeout{600};
@@ -54,7 +54,8 @@ public:
     /// "Hecho" for the others (the output is not shown); on failure or time-out the last
     /// non-empty line the tool printed, so the user sees its own reason, or "Error" when it
     /// printed nothing.
-    [[nodiscard]] static MaintenanceTask::Outcome outcomeOf(const MaintenanceTask& task, const ShellResult& result);
+    [[nodiscard]] static MaintenanceTask::Outcome outcomeOf(const MaintenanceTask& task,
+                                                            const ShellResult& result);
 
 private:
     SystemTools m_tools;

@@ -17,7 +17,7 @@ struct SystemTools
     QString tmutil = QStringLiteral("/usr/bin/tmutil");
     /// The shell that runs a maintenance task's command line as the user.
     QString shell = QStringLiteral("/bin/sh");
-    QString userAgents;   ///< the user's own launch agents, "Library/LaunchAgents" in the home folder
+    QString userAgents; ///< the user's own launch agents, "Library/LaunchAgents" in the home folder
     QString agents = QStringLiteral("/Library/LaunchAgents");
     QString daemons = QStringLiteral("/Library/LaunchDaemons");
 

@@ -18,7 +18,8 @@ ShellResult ScriptedToolRunner::run(const QString& executable, const QStringList
     {
         const std::lock_guard lock(m_mutex);
         m_calls.append(call);
-        if (const auto found = m_answers.constFind(keyOf(executable, arguments)); found != m_answers.constEnd())
+        if (const auto found = m_answers.constFind(keyOf(executable, arguments));
+            found != m_answers.constEnd())
             return *found;
     }
     return handler ? handler(call) : fallback;

@@ -1,6 +1,6 @@
+#include "core/launch/LaunchItems.h"
 #include "core/admin/ShellQuote.h"
 #include "core/deletion/Deleter.h"
-#include "core/launch/LaunchItems.h"
 #include "core/naming/Naming.h"
 #include "core/safety/Safety.h"
 #include "core/shell/Shell.h"
@@ -32,10 +32,10 @@ using namespace std::chrono_literals;
 namespace nubo {
 void PrintTo(const LaunchItem& item, std::ostream* out)
 {
-    *out << "{" << item.url.toStdString() << ", " << item.label.toStdString() << ", " << item.program.toStdString()
-         << ", " << LaunchItem::scopeLabel(item.scope).toStdString() << ", enabled " << item.isEnabled << ", loaded "
-         << item.isLoaded << ", " << item.name.toStdString() << ", " << item.appURL.value_or(QStringLiteral("-")).toStdString()
-         << "}";
+    *out << "{" << item.url.toStdString() << ", " << item.label.toStdString() << ", "
+         << item.program.toStdString() << ", " << LaunchItem::scopeLabel(item.scope).toStdString()
+         << ", enabled " << item.isEnabled << ", loaded " << item.isLoaded << ", " << item.name.toStdString()
+         << ", " << item.appURL.value_or(QStringLiteral("-")).toStdString() << "}";
 }
 } // namespace nubo
 
@@ -44,7 +44,8 @@ namespace {
 QByteArray xmlPlist(const QByteArray& body)
 {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
            "<plist version=\"1.0\"><dict>" +
            body + "</dict></plist>\n";
 }
@@ -74,7 +75,8 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        for (const char* folder : {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
+        for (const char* folder :
+             {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
             ASSERT_TRUE(QDir().mkpath(path(folder)));
         m_tools.userId = 501;
         m_tools.launchctl = path("launchctl");
@@ -83,23 +85,30 @@ protected:
         m_tools.daemons = path("Library/LaunchDaemons");
 
         const QByteArray dir = shellQuote(m_dir.path()).toUtf8();
-        write("launchctl",
-              "#!/bin/sh\n"
-              "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
-              "printf '%s\\n' \"$line\" >> " + dir + "/log\n"
-              "f=" + dir + "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
-              "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
-              "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
-              "exit 0\n");
+        write("launchctl", "#!/bin/sh\n"
+                           "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
+                           "printf '%s\\n' \"$line\" >> " +
+                               dir +
+                               "/log\n"
+                               "f=" +
+                               dir +
+                               "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
+                               "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
+                               "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
+                               "exit 0\n");
         ASSERT_EQ(::chmod(QFile::encodeName(path("launchctl")).constData(), 0755), 0);
 
         m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
-        m_naming = std::make_unique<Naming>(
-            [this](const QString& identifier) { return m_workspace.applicationLocation(identifier).value_or(QString()); });
+        m_naming = std::make_unique<Naming>([this](const QString& identifier) {
+            return m_workspace.applicationLocation(identifier).value_or(QString());
+        });
     }
 
-    [[nodiscard]] QString path(const char* relative) const { return m_dir.filePath(QString::fromUtf8(relative)); }
+    [[nodiscard]] QString path(const char* relative) const
+    {
+        return m_dir.filePath(QString::fromUtf8(relative));
+    }
 
     void write(const char* relative, const QByteArray& bytes) const
     {
@@ -179,8 +188,9 @@ TEST(LaunchListings, DisabledLabelsInBothStylesAmongJunk)
                                           "\"\" => disabled\n"
                                           "\t\"com.says.true\" => untrue\n"
                                           "}\n");
-    EXPECT_EQ(LaunchItems::parseDisabled(output),
-              (QSet<QString>{QStringLiteral("com.old.on"), QStringLiteral("com.new.on"), QStringLiteral("tight")}));
+    EXPECT_EQ(
+        LaunchItems::parseDisabled(output),
+        (QSet<QString>{QStringLiteral("com.old.on"), QStringLiteral("com.new.on"), QStringLiteral("tight")}));
 }
 
 TEST(LaunchListings, LoadedLabelsSkipTheHeaderAndJunk)
@@ -201,17 +211,23 @@ TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
 {
     write("home/Library/LaunchAgents/com.example.sync.plist",
           xmlPlist("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
-                   "<array><string>/Applications/Sync Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
-    write("home/Library/LaunchAgents/nolabel.plist", binaryPlist("<key>Program</key><string>/usr/local/bin/thing</string>"));
+                   "<array><string>/Applications/Sync "
+                   "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
+    write("home/Library/LaunchAgents/nolabel.plist",
+          binaryPlist("<key>Program</key><string>/usr/local/bin/thing</string>"));
     write("home/Library/LaunchAgents/broken.plist", "<?xml version=\"1.0\"?><plist><dict><key>Label");
     write("home/Library/LaunchAgents/notes.txt", xmlPlist("<key>Label</key><string>not.a.job</string>"));
     write("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist",
-          binaryPlist("<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>"));
-    write("Library/LaunchAgents/com.acme.helper.plist", xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+          binaryPlist(
+              "<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>"));
+    write("Library/LaunchAgents/com.acme.helper.plist",
+          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
     write("Library/LaunchDaemons/com.spotify.client.plist",
           binaryPlist("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>"));
-    write("Library/LaunchDaemons/com.acme.helper.plist", xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
-    m_workspace.applications.insert(QStringLiteral("com.spotify.client"), QStringLiteral("/Applications/Spotify.app"));
+    write("Library/LaunchDaemons/com.acme.helper.plist",
+          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+    m_workspace.applications.insert(QStringLiteral("com.spotify.client"),
+                                    QStringLiteral("/Applications/Spotify.app"));
 
     // Agents answer to the user's gui domain, daemons to the system's.
     script("print-disabled|gui/501", "disabled services = {\n\t\"com.acme.helper\" => disabled\n}\n");
@@ -219,25 +235,33 @@ TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
     script("list", "PID\tStatus\tLabel\n-\t0\tcom.acme.helper\n77\t0\tcom.example.sync\n");
 
     const QList<LaunchItem> loaded = items().load();
-    EXPECT_EQ(calls(), (QStringList{QStringLiteral("print-disabled|gui/501"), QStringLiteral("print-disabled|system"),
-                                    QStringLiteral("list")}));
+    EXPECT_EQ(calls(), (QStringList{QStringLiteral("print-disabled|gui/501"),
+                                    QStringLiteral("print-disabled|system"), QStringLiteral("list")}));
 
     using Scope = LaunchItem::Scope;
     const auto item = [](QString url, const char* label, const char* program, Scope scope, bool enabled,
                          bool loadedNow, const char* name, const char* app = nullptr) {
-        return LaunchItem{std::move(url), QString::fromUtf8(label), QString::fromUtf8(program), scope, enabled, loadedNow,
-                          QString::fromUtf8(name), app ? std::optional(QString::fromUtf8(app)) : std::nullopt};
+        return LaunchItem{std::move(url),
+                          QString::fromUtf8(label),
+                          QString::fromUtf8(program),
+                          scope,
+                          enabled,
+                          loadedNow,
+                          QString::fromUtf8(name),
+                          app ? std::optional(QString::fromUtf8(app)) : std::nullopt};
     };
     const QList<LaunchItem> expected = {
         // Equal names keep the folder order: the agent before the daemon.
-        item(path("Library/LaunchAgents/com.acme.helper.plist"), "com.acme.helper", "", Scope::agent, false, true, "Acme"),
-        item(path("Library/LaunchDaemons/com.acme.helper.plist"), "com.acme.helper", "", Scope::daemon, true, true, "Acme"),
-        item(path("home/Library/LaunchAgents/nolabel.plist"), "nolabel", "/usr/local/bin/thing", Scope::user, true, false,
-             "nolabel"),
-        item(path("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist"), "homebrew.mxcl.postgresql@15", "",
-             Scope::agent, false, false, "postgresql@15"),
-        item(path("Library/LaunchDaemons/com.spotify.client.plist"), "com.spotify.client", "", Scope::daemon, false, false,
-             "Spotify", "/Applications/Spotify.app"),
+        item(path("Library/LaunchAgents/com.acme.helper.plist"), "com.acme.helper", "", Scope::agent, false,
+             true, "Acme"),
+        item(path("Library/LaunchDaemons/com.acme.helper.plist"), "com.acme.helper", "", Scope::daemon, true,
+             true, "Acme"),
+        item(path("home/Library/LaunchAgents/nolabel.plist"), "nolabel", "/usr/local/bin/thing", Scope::user,
+             true, false, "nolabel"),
+        item(path("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist"), "homebrew.mxcl.postgresql@15",
+             "", Scope::agent, false, false, "postgresql@15"),
+        item(path("Library/LaunchDaemons/com.spotify.client.plist"), "com.spotify.client", "", Scope::daemon,
+             false, false, "Spotify", "/Applications/Spotify.app"),
         item(path("home/Library/LaunchAgents/com.example.sync.plist"), "com.example.sync",
              "/Applications/Sync Tool.app/Contents/MacOS/sync", Scope::user, true, true, "Sync Tool",
              "/Applications/Sync Tool.app"),
@@ -316,20 +340,23 @@ TEST_F(LaunchItemsTest, DaemonCommandLinesKeepAQuotedLabelOneArgument)
 {
     const LaunchItem item = daemon(QStringLiteral("com.x'y"));
     EXPECT_EQ(LaunchItems::daemonToggleCommand(item, false),
-              QStringLiteral("/bin/launchctl disable system/'com.x'\\''y'; /bin/launchctl bootout system/'com.x'\\''y'"
-                             " 2>/dev/null; true"));
-    EXPECT_EQ(LaunchItems::daemonToggleCommand(item, true),
-              QStringLiteral("/bin/launchctl enable system/'com.x'\\''y'; /bin/launchctl bootstrap system '") +
-                  item.url + QStringLiteral("' 2>/dev/null; true"));
+              QStringLiteral(
+                  "/bin/launchctl disable system/'com.x'\\''y'; /bin/launchctl bootout system/'com.x'\\''y'"
+                  " 2>/dev/null; true"));
+    EXPECT_EQ(
+        LaunchItems::daemonToggleCommand(item, true),
+        QStringLiteral("/bin/launchctl enable system/'com.x'\\''y'; /bin/launchctl bootstrap system '") +
+            item.url + QStringLiteral("' 2>/dev/null; true"));
 
     adminRunsCommandLines();
     EXPECT_TRUE(items().setEnabled(item, false));
     // Enabling a daemon that is already running still succeeds: bootstrap fails, the line does not.
     script("bootstrap|system|" + QFile::encodeName(item.url), "", 37);
     EXPECT_TRUE(items().setEnabled(item, true));
-    EXPECT_EQ(calls(), (QStringList{QStringLiteral("disable|system/com.x'y"), QStringLiteral("bootout|system/com.x'y"),
-                                    QStringLiteral("enable|system/com.x'y"),
-                                    QStringLiteral("bootstrap|system|") + item.url}));
+    EXPECT_EQ(calls(),
+              (QStringList{QStringLiteral("disable|system/com.x'y"), QStringLiteral("bootout|system/com.x'y"),
+                           QStringLiteral("enable|system/com.x'y"),
+                           QStringLiteral("bootstrap|system|") + item.url}));
     EXPECT_EQ(m_admin.requests().size(), 2);
 }
 
@@ -376,8 +403,9 @@ TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)
 TEST_F(LaunchItemsTest, LoginItemsSettingsOpenThroughTheWorkspace)
 {
     items().openLoginItemsSettings();
-    EXPECT_EQ(m_workspace.openedUrls,
-              QStringList{QStringLiteral("x-apple.systempreferences:com.apple.LoginItems-Settings.extension")});
+    EXPECT_EQ(
+        m_workspace.openedUrls,
+        QStringList{QStringLiteral("x-apple.systempreferences:com.apple.LoginItems-Settings.extension")});
     EXPECT_EQ(LaunchItem::scopeLabel(LaunchItem::Scope::agent), QStringLiteral("Todos los usuarios"));
 }
 

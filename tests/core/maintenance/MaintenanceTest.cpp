@@ -32,8 +32,8 @@ protected:
     {
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\nprintf '%s\\n' \"$@\" > " + shellQuote(m_dir.filePath(QStringLiteral("args"))).toUtf8() +
-                   "\n" + body);
+        file.write("#!/bin/sh\nprintf '%s\\n' \"$@\" > " +
+                   shellQuote(m_dir.filePath(QStringLiteral("args"))).toUtf8() + "\n" + body);
         file.close();
         ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0755), 0);
     }
@@ -44,7 +44,8 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    [[nodiscard]] MaintenanceTask::Outcome runAsUser(const QString& command, const QString& id = QStringLiteral("x"))
+    [[nodiscard]] MaintenanceTask::Outcome runAsUser(const QString& command,
+                                                     const QString& id = QStringLiteral("x"))
     {
         MaintenanceTask task;
         task.id = id;
@@ -65,11 +66,13 @@ TEST(MaintenanceCatalogTable, EightTasksInOrderWithTheirCommandsAndRights)
         {"purge", true, "/usr/sbin/purge"},
         {"dns", true, "/usr/bin/dscacheutil -flushcache; /usr/bin/killall -HUP mDNSResponder"},
         {"launchservices", false,
-         "/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/lsregister"
+         "/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/"
+         "lsregister"
          " -kill -r -domain local -domain system -domain user"},
         {"spotlight", true, "/usr/bin/mdutil -E /"},
         {"fonts", false,
-         "/usr/bin/atsutil databases -removeUser; /usr/bin/atsutil server -shutdown; /usr/bin/atsutil server -ping"},
+         "/usr/bin/atsutil databases -removeUser; /usr/bin/atsutil server -shutdown; /usr/bin/atsutil server "
+         "-ping"},
         {"verify", false, "/usr/sbin/diskutil verifyVolume /"},
         {"dock", false, "/usr/bin/killall Dock; /usr/bin/killall Finder"},
     };
@@ -90,9 +93,10 @@ TEST(MaintenanceCatalogTable, EightTasksInOrderWithTheirCommandsAndRights)
 
 TEST_F(MaintenanceTest, SnapshotListingWithHeaderAndBlankLinesCountsItsSnapshots)
 {
-    writeTool(m_tools.tmutil, "printf 'Snapshots for disk /:\\n\\ncom.apple.TimeMachine.2024-05-01-101010.local\\n"
-                              "com.apple.TimeMachine.2024-05-02-101010.local\\n\\n"
-                              "com.apple.TimeMachine.2024-05-03-101010.local\\n'\n");
+    writeTool(m_tools.tmutil,
+              "printf 'Snapshots for disk /:\\n\\ncom.apple.TimeMachine.2024-05-01-101010.local\\n"
+              "com.apple.TimeMachine.2024-05-02-101010.local\\n\\n"
+              "com.apple.TimeMachine.2024-05-03-101010.local\\n'\n");
     EXPECT_EQ(MaintenanceCatalog(m_tools, m_shell, m_admin).localSnapshotCount(), 3);
     EXPECT_EQ(recordedArguments(), "listlocalsnapshots\n/\n");
 }
@@ -120,7 +124,8 @@ TEST_F(MaintenanceTest, ToolsRunWithTheirTimeLimits)
     ASSERT_EQ(calls.size(), 2);
     EXPECT_EQ(calls[0].timeout, 10s);
     EXPECT_EQ(calls[1], (ToolCall{QStringLiteral("/bin/sh"),
-                                  {QStringLiteral("-c"), QStringLiteral("/usr/bin/killall Dock; /usr/bin/killall Finder")},
+                                  {QStringLiteral("-c"),
+                                   QStringLiteral("/usr/bin/killall Dock; /usr/bin/killall Finder")},
                                   600s}));
 }
 
@@ -134,13 +139,15 @@ TEST_F(MaintenanceTest, SuccessReadsHechoExceptForTheDiskCheck)
 
 TEST_F(MaintenanceTest, FailureShowsTheLastLineTheToolPrinted)
 {
-    EXPECT_EQ(runAsUser(QStringLiteral("exit 1")), (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
+    EXPECT_EQ(runAsUser(QStringLiteral("exit 1")),
+              (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
     // Error output is discarded, so a tool that only complains there still reads "Error".
     EXPECT_EQ(runAsUser(QStringLiteral("echo complaint >&2; exit 3")),
               (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
     EXPECT_EQ(runAsUser(QStringLiteral("printf 'Checking\\r\\n  Volume is damaged  \\r\\n\\n \\n'; exit 8")),
               (MaintenanceTask::Outcome{false, QStringLiteral("Volume is damaged")}));
-    EXPECT_EQ(runAsUser(QStringLiteral("printf 'caf\\351 roto\\n'; exit 2")).message, QStringLiteral("caf\uFFFD roto"));
+    EXPECT_EQ(runAsUser(QStringLiteral("printf 'caf\\351 roto\\n'; exit 2")).message,
+              QStringLiteral("caf\uFFFD roto"));
 }
 
 TEST_F(MaintenanceTest, RealCatalogueCommandsWithoutTheirToolsFail)
