@@ -400,13 +400,4 @@ TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)
     EXPECT_TRUE(QFileInfo(guarded.url).isDir());
 }
 
-TEST_F(LaunchItemsTest, LoginItemsSettingsOpenThroughTheWorkspace)
-{
-    items().openLoginItemsSettings();
-    EXPECT_EQ(
-        m_workspace.openedUrls,
-        QStringList{QStringLiteral("x-apple.systempreferences:com.apple.LoginItems-Settings.extension")});
-    EXPECT_EQ(LaunchItem::scopeLabel(LaunchItem::Scope::agent), QStringLiteral("Todos los usuarios"));
-}
-
 } // namespace
