@@ -1,0 +1,16 @@
+#pragma once
+
+#include "core/shell/ToolRunner.h"
+
+namespace nubo {
+
+/// The real runner: every call is a process started by `Shell::run`, with its search path,
+/// discarded error output and time limit.
+class ShellToolRunner final : public ToolRunner
+{
+public:
+    ShellResult run(const QString& executable, const QStringList& arguments,
+                    std::chrono::milliseconds timeout) const override;
+};
+
+} // namespace nubo

@@ -1,0 +1,403 @@
+#include "core/launch/LaunchItems.h"
+#include "core/admin/ShellQuote.h"
+#include "core/deletion/Deleter.h"
+#include "core/naming/Naming.h"
+#include "core/safety/Safety.h"
+#include "core/shell/Shell.h"
+#include "core/shell/ShellToolRunner.h"
+#include "platform/fake/FakeAdminRunner.h"
+#include "platform/fake/FakeWorkspace.h"
+#include "platform/fake/ScriptedToolRunner.h"
+
+#include "support/AppleScriptText.h"
+
+#include <gtest/gtest.h>
+
+#include <plist/plist.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+#include <memory>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace nubo;
+using namespace std::chrono_literals;
+
+namespace nubo {
+void PrintTo(const LaunchItem& item, std::ostream* out)
+{
+    *out << "{" << item.url.toStdString() << ", " << item.label.toStdString() << ", "
+         << item.program.toStdString() << ", " << LaunchItem::scopeLabel(item.scope).toStdString()
+         << ", enabled " << item.isEnabled << ", loaded " << item.isLoaded << ", " << item.name.toStdString()
+         << ", " << item.appURL.value_or(QStringLiteral("-")).toStdString() << "}";
+}
+} // namespace nubo
+
+namespace {
+
+QByteArray xmlPlist(const QByteArray& body)
+{
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+           "<plist version=\"1.0\"><dict>" +
+           body + "</dict></plist>\n";
+}
+
+// The same dictionary in the binary form launchd also reads, written by libplist itself.
+QByteArray binaryPlist(const QByteArray& body)
+{
+    const QByteArray xml = xmlPlist(body);
+    plist_t node = nullptr;
+    plist_from_xml(xml.constData(), uint32_t(xml.size()), &node);
+    if (!node)
+        return {};
+    char* bytes = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(node, &bytes, &length);
+    QByteArray binary(bytes, qsizetype(length));
+    std::free(bytes);
+    plist_free(node);
+    return binary;
+}
+
+// A temporary Mac: a home with its agents, the system-wide agents and daemons, and a stand-in
+// launchctl that logs every call (arguments joined by "|") and prints the listings a test wrote.
+class LaunchItemsTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        for (const char* folder :
+             {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
+            ASSERT_TRUE(QDir().mkpath(path(folder)));
+        m_tools.userId = 501;
+        m_tools.launchctl = path("launchctl");
+        m_tools.userAgents = path("home/Library/LaunchAgents");
+        m_tools.agents = path("Library/LaunchAgents");
+        m_tools.daemons = path("Library/LaunchDaemons");
+
+        const QByteArray dir = shellQuote(m_dir.path()).toUtf8();
+        write("launchctl", "#!/bin/sh\n"
+                           "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
+                           "printf '%s\\n' \"$line\" >> " +
+                               dir +
+                               "/log\n"
+                               "f=" +
+                               dir +
+                               "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
+                               "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
+                               "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
+                               "exit 0\n");
+        ASSERT_EQ(::chmod(QFile::encodeName(path("launchctl")).constData(), 0755), 0);
+
+        m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
+        m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
+        m_naming = std::make_unique<Naming>([this](const QString& identifier) {
+            return m_workspace.applicationLocation(identifier).value_or(QString());
+        });
+    }
+
+    [[nodiscard]] QString path(const char* relative) const
+    {
+        return m_dir.filePath(QString::fromUtf8(relative));
+    }
+
+    void write(const char* relative, const QByteArray& bytes) const
+    {
+        QFile file(path(relative));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    // What the stand-in prints (and how it exits) when called with these arguments.
+    void script(const char* call, const QByteArray& output, int status = 0) const
+    {
+        const QByteArray name = QByteArray(call).replace('/', '_').replace('|', '_');
+        write((name + ".out").constData(), output);
+        write((name + ".status").constData(), QByteArray::number(status));
+    }
+
+    [[nodiscard]] QStringList calls() const
+    {
+        QFile log(path("log"));
+        if (!log.open(QIODevice::ReadOnly))
+            return {};
+        return QString::fromUtf8(log.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+
+    void clearCalls() const { QFile::remove(path("log")); }
+
+    [[nodiscard]] LaunchItems items(const ToolRunner& runner) const
+    {
+        return LaunchItems(m_tools, runner, m_admin, *m_deleter, *m_naming, m_workspace);
+    }
+    [[nodiscard]] LaunchItems items() const { return items(m_shell); }
+
+    // The privileged shell, played by the real /bin/sh with the system's launchctl swapped for
+    // the stand-in (its path has no characters the shell would read).
+    void adminRunsCommandLines()
+    {
+        m_admin.handler = [this](const AdminRequest& request) {
+            EXPECT_EQ(test::shellCommandOf(request.script), request.commandLine);
+            QString line = request.commandLine;
+            line.replace(QStringLiteral("/bin/launchctl"), m_tools.launchctl);
+            return Shell::run(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), line}).status == 0
+                       ? AdminOutcome::Succeeded
+                       : AdminOutcome::Failed;
+        };
+    }
+
+    [[nodiscard]] LaunchItem daemon(const QString& label) const
+    {
+        LaunchItem item;
+        item.url = path("Library/LaunchDaemons/daemon.plist");
+        item.label = label;
+        item.scope = LaunchItem::Scope::daemon;
+        return item;
+    }
+
+    QTemporaryDir m_dir;
+    SystemTools m_tools;
+    ShellToolRunner m_shell;
+    mutable FakeAdminRunner m_admin;
+    mutable FakeWorkspace m_workspace;
+    std::unique_ptr<Safety> m_safety;
+    std::unique_ptr<Deleter> m_deleter;
+    std::unique_ptr<Naming> m_naming;
+};
+
+TEST(LaunchListings, DisabledLabelsInBothStylesAmongJunk)
+{
+    const QString output = QStringLiteral("disabled services = {\n"
+                                          "\t\"com.old.on\" => true\n"
+                                          "\t\"com.old.off\" => false\n"
+                                          "\n"
+                                          "\t\"com.new.on\" => disabled\r\n"
+                                          "  \"com.new.off\" => enabled\n"
+                                          "\"tight\"=>true\n"
+                                          "true but no label\n"
+                                          "\"unclosed => disabled\n"
+                                          "\"\" => disabled\n"
+                                          "\t\"com.says.true\" => untrue\n"
+                                          "}\n");
+    EXPECT_EQ(
+        LaunchItems::parseDisabled(output),
+        (QSet<QString>{QStringLiteral("com.old.on"), QStringLiteral("com.new.on"), QStringLiteral("tight")}));
+}
+
+TEST(LaunchListings, LoadedLabelsSkipTheHeaderAndJunk)
+{
+    const QString output = QStringLiteral("PID\tStatus\tLabel\n"
+                                          "-\t0\tcom.apple.idle\n"
+                                          "812\t-9\tcom.apple.running\n"
+                                          "\n"
+                                          "-\t-\tapplication.com.x.y.1234.5678  \n"
+                                          "Could not find service\n"
+                                          "12 only-two\n");
+    EXPECT_EQ(LaunchItems::parseLoaded(output),
+              (QSet<QString>{QStringLiteral("com.apple.idle"), QStringLiteral("com.apple.running"),
+                             QStringLiteral("application.com.x.y.1234.5678")}));
+}
+
+TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
+{
+    write("home/Library/LaunchAgents/com.example.sync.plist",
+          xmlPlist("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
+                   "<array><string>/Applications/Sync "
+                   "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
+    write("home/Library/LaunchAgents/nolabel.plist",
+          binaryPlist("<key>Program</key><string>/usr/local/bin/thing</string>"));
+    write("home/Library/LaunchAgents/broken.plist", "<?xml version=\"1.0\"?><plist><dict><key>Label");
+    write("home/Library/LaunchAgents/notes.txt", xmlPlist("<key>Label</key><string>not.a.job</string>"));
+    write("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist",
+          binaryPlist(
+              "<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>"));
+    write("Library/LaunchAgents/com.acme.helper.plist",
+          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+    write("Library/LaunchDaemons/com.spotify.client.plist",
+          binaryPlist("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>"));
+    write("Library/LaunchDaemons/com.acme.helper.plist",
+          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+    m_workspace.applications.insert(QStringLiteral("com.spotify.client"),
+                                    QStringLiteral("/Applications/Spotify.app"));
+
+    // Agents answer to the user's gui domain, daemons to the system's.
+    script("print-disabled|gui/501", "disabled services = {\n\t\"com.acme.helper\" => disabled\n}\n");
+    script("print-disabled|system", "disabled services = {\n\t\"com.spotify.client\" => true\n}\n");
+    script("list", "PID\tStatus\tLabel\n-\t0\tcom.acme.helper\n77\t0\tcom.example.sync\n");
+
+    const QList<LaunchItem> loaded = items().load();
+    EXPECT_EQ(calls(), (QStringList{QStringLiteral("print-disabled|gui/501"),
+                                    QStringLiteral("print-disabled|system"), QStringLiteral("list")}));
+
+    using Scope = LaunchItem::Scope;
+    const auto item = [](QString url, const char* label, const char* program, Scope scope, bool enabled,
+                         bool loadedNow, const char* name, const char* app = nullptr) {
+        return LaunchItem{std::move(url),
+                          QString::fromUtf8(label),
+                          QString::fromUtf8(program),
+                          scope,
+                          enabled,
+                          loadedNow,
+                          QString::fromUtf8(name),
+                          app ? std::optional(QString::fromUtf8(app)) : std::nullopt};
+    };
+    const QList<LaunchItem> expected = {
+        // Equal names keep the folder order: the agent before the daemon.
+        item(path("Library/LaunchAgents/com.acme.helper.plist"), "com.acme.helper", "", Scope::agent, false,
+             true, "Acme"),
+        item(path("Library/LaunchDaemons/com.acme.helper.plist"), "com.acme.helper", "", Scope::daemon, true,
+             true, "Acme"),
+        item(path("home/Library/LaunchAgents/nolabel.plist"), "nolabel", "/usr/local/bin/thing", Scope::user,
+             true, false, "nolabel"),
+        item(path("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist"), "homebrew.mxcl.postgresql@15",
+             "", Scope::agent, false, false, "postgresql@15"),
+        item(path("Library/LaunchDaemons/com.spotify.client.plist"), "com.spotify.client", "", Scope::daemon,
+             false, false, "Spotify", "/Applications/Spotify.app"),
+        item(path("home/Library/LaunchAgents/com.example.sync.plist"), "com.example.sync",
+             "/Applications/Sync Tool.app/Contents/MacOS/sync", Scope::user, true, true, "Sync Tool",
+             "/Applications/Sync Tool.app"),
+    };
+    ASSERT_EQ(loaded.size(), expected.size());
+    for (qsizetype i = 0; i < loaded.size(); ++i)
+        EXPECT_EQ(loaded[i], expected[i]) << i << " " << loaded[i].url.toStdString();
+}
+
+TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
+{
+    write("Library/LaunchDaemons/com.acme.d.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    ScriptedToolRunner scripted; // every call fails, as when launchctl is missing or hangs
+    const QList<LaunchItem> loaded = items(scripted).load();
+    ASSERT_EQ(loaded.size(), 1);
+    EXPECT_TRUE(loaded[0].isEnabled);
+    EXPECT_FALSE(loaded[0].isLoaded);
+    for (const ToolCall& call : scripted.calls())
+        EXPECT_EQ(call.timeout, 5s);
+    EXPECT_EQ(scripted.calls().size(), 3);
+
+    // A folder that cannot be listed, and no folders at all, give nothing rather than an error.
+    m_tools.daemons = path("missing");
+    m_tools.userAgents.clear();
+    EXPECT_TRUE(items(scripted).load().isEmpty());
+}
+
+TEST_F(LaunchItemsTest, NameThatIsNotUtf8IsNeverOffered)
+{
+    const QByteArray odd = QFile::encodeName(path("Library/LaunchAgents")) + "/bad\xff\xfe.plist";
+    const int fd = ::open(odd.constData(), O_WRONLY | O_CREAT, 0644);
+    ASSERT_GE(fd, 0);
+    const QByteArray body = xmlPlist("<key>Label</key><string>com.odd</string>");
+    ASSERT_EQ(::write(fd, body.constData(), size_t(body.size())), ssize_t(body.size()));
+    ::close(fd);
+    write("Library/LaunchAgents/a'b\n-c.plist", xmlPlist("<key>Label</key><string>-a'b\"c\\d</string>"));
+
+    const QList<LaunchItem> loaded = items().load();
+    ASSERT_EQ(loaded.size(), 1);
+    EXPECT_EQ(loaded[0].label, QStringLiteral("-a'b\"c\\d"));
+
+    // The odd label and path reach launchctl as single arguments.
+    clearCalls();
+    EXPECT_TRUE(items().setEnabled(loaded[0], true));
+    EXPECT_EQ(calls()[0], QStringLiteral("enable|gui/501/-a'b\"c\\d"));
+    EXPECT_EQ(::access(odd.constData(), F_OK), 0);
+    // The temporary folder cannot name this file to remove it.
+    ::unlink(odd.constData());
+}
+
+TEST_F(LaunchItemsTest, AgentsAreSwitchedInTheUsersGuiDomainWithoutAPrompt)
+{
+    LaunchItem agent;
+    agent.url = path("Library/LaunchAgents/com.acme.helper.plist");
+    agent.label = QStringLiteral("com.acme.helper");
+    agent.scope = LaunchItem::Scope::agent;
+
+    // Stopping a job that is not running fails; the choice was still recorded.
+    script("bootout|gui/501/com.acme.helper", "", 3);
+    EXPECT_TRUE(items().setEnabled(agent, false));
+    EXPECT_TRUE(items().setEnabled(agent, true));
+    EXPECT_EQ(calls(), (QStringList{QStringLiteral("disable|gui/501/com.acme.helper"),
+                                    QStringLiteral("bootout|gui/501/com.acme.helper"),
+                                    QStringLiteral("enable|gui/501/com.acme.helper"),
+                                    QStringLiteral("bootstrap|gui/501|") + agent.url}));
+    EXPECT_TRUE(m_admin.requests().isEmpty());
+
+    // When launchd does not take the choice, the switch must not claim it did.
+    script("disable|gui/501/com.acme.helper", "", 1);
+    EXPECT_FALSE(items().setEnabled(agent, false));
+    m_tools.launchctl = path("missing");
+    EXPECT_FALSE(items().setEnabled(agent, true));
+}
+
+TEST_F(LaunchItemsTest, DaemonCommandLinesKeepAQuotedLabelOneArgument)
+{
+    const LaunchItem item = daemon(QStringLiteral("com.x'y"));
+    EXPECT_EQ(LaunchItems::daemonToggleCommand(item, false),
+              QStringLiteral(
+                  "/bin/launchctl disable system/'com.x'\\''y'; /bin/launchctl bootout system/'com.x'\\''y'"
+                  " 2>/dev/null; true"));
+    EXPECT_EQ(
+        LaunchItems::daemonToggleCommand(item, true),
+        QStringLiteral("/bin/launchctl enable system/'com.x'\\''y'; /bin/launchctl bootstrap system '") +
+            item.url + QStringLiteral("' 2>/dev/null; true"));
+
+    adminRunsCommandLines();
+    EXPECT_TRUE(items().setEnabled(item, false));
+    // Enabling a daemon that is already running still succeeds: bootstrap fails, the line does not.
+    script("bootstrap|system|" + QFile::encodeName(item.url), "", 37);
+    EXPECT_TRUE(items().setEnabled(item, true));
+    EXPECT_EQ(calls(),
+              (QStringList{QStringLiteral("disable|system/com.x'y"), QStringLiteral("bootout|system/com.x'y"),
+                           QStringLiteral("enable|system/com.x'y"),
+                           QStringLiteral("bootstrap|system|") + item.url}));
+    EXPECT_EQ(m_admin.requests().size(), 2);
+}
+
+TEST_F(LaunchItemsTest, RefusedPromptChangesNothing)
+{
+    write("Library/LaunchDaemons/daemon.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    const LaunchItem item = daemon(QStringLiteral("com.acme.d"));
+    m_admin.outcome = AdminOutcome::Failed;
+
+    EXPECT_FALSE(items().setEnabled(item, false));
+    EXPECT_FALSE(items().remove(item));
+    EXPECT_TRUE(QFile::exists(item.url));
+    EXPECT_TRUE(calls().isEmpty());
+    EXPECT_EQ(m_admin.requests().size(), 2);
+}
+
+TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)
+{
+    write("home/Library/LaunchAgents/com.me.plist", xmlPlist("<key>Label</key><string>com.me</string>"));
+    write("Library/LaunchDaemons/daemon.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    LaunchItem mine;
+    mine.url = path("home/Library/LaunchAgents/com.me.plist");
+    mine.label = QStringLiteral("com.me");
+    script("bootout|gui/501/com.me", "", 3); // not running: removal goes on
+
+    EXPECT_TRUE(items().remove(mine));
+    EXPECT_FALSE(QFile::exists(mine.url));
+    EXPECT_EQ(calls(), QStringList{QStringLiteral("bootout|gui/501/com.me")});
+
+    adminRunsCommandLines();
+    const LaunchItem system = daemon(QStringLiteral("com.acme.d"));
+    EXPECT_TRUE(items().remove(system));
+    EXPECT_FALSE(QFile::exists(system.url));
+    EXPECT_EQ(m_admin.requests().value(0).commandLine,
+              QStringLiteral("/bin/launchctl bootout system/'com.acme.d' 2>/dev/null; true"));
+
+    // A file the deletion service refuses (the gate's protected folder itself) stays, and says so.
+    LaunchItem guarded = mine;
+    guarded.url = path("home/Library/LaunchAgents");
+    EXPECT_FALSE(items().remove(guarded));
+    EXPECT_TRUE(QFileInfo(guarded.url).isDir());
+}
+
+} // namespace
