@@ -1,7 +1,9 @@
 #include "models/app/AppState.h"
 
+#include "core/cleanup/CleanCatalog.h"
 #include "core/format/CheckedMath.h"
 #include "core/privacy/Privacy.h"
+#include "models/app/Backends.h"
 #include "models/text/ResultTexts.h"
 
 #include <QTimer>
@@ -15,6 +17,75 @@ AppState::AppState(Services services, QObject* parent)
       m_hasFullDiskAccess(services.privacy.refresh()),
       m_showPermissions(!services.privacy.hasFullDiskAccess())
 {
+    if (!services.models) {
+        m_backends = std::make_unique<Backends>(SystemRoots::system(), services.privacy);
+        m_models = &m_backends->services();
+    } else {
+        m_models = services.models;
+    }
+    m_map = std::make_unique<MapModel>(*m_models, this);
+    m_clean = std::make_unique<CleanModel>(*m_models, this);
+    m_apps = std::make_unique<AppsModel>(*m_models, this);
+    m_map->setApp(this);
+    m_clean->setApp(this);
+    m_apps->setApp(this);
+
+    connect(m_clean.get(), &CleanModel::isScanningChanged, this, &AppState::isAnalyzingChanged);
+    connect(m_apps.get(), &AppsModel::isLoadingChanged, this, &AppState::isAnalyzingChanged);
+    connect(m_clean.get(), &CleanModel::categoriesChanged, this, &AppState::safeSizeChanged);
+}
+
+AppState::~AppState()
+{
+    m_apps.reset();
+    m_clean.reset();
+    m_map.reset();
+}
+
+bool AppState::isAnalyzing() const
+{
+    return m_clean->isScanning() || m_apps->isLoading();
+}
+
+QStringList AppState::safeCategories() const
+{
+    QStringList ids;
+    for (const CleanCategory& row : m_models->catalog.all()) {
+        if (row.selectedByDefault)
+            ids.append(row.id);
+    }
+    return ids;
+}
+
+qint64 AppState::safeSize() const
+{
+    qint64 total = 0;
+    for (const QString& id : safeCategories()) {
+        for (const CleanItem& item : m_clean->items(id))
+            total = checkedAdd(total, item.size);
+    }
+    return total;
+}
+
+void AppState::analyze()
+{
+    m_clean->scan();
+    if (!m_apps->isLoading()) {
+        m_apps->clear();
+        m_apps->load();
+    }
+}
+
+void AppState::reveal(const QString& categoryId)
+{
+    m_clean->setPath({categoryId});
+    setPane(Pane::Clean);
+}
+
+void AppState::showUnusedApps()
+{
+    m_apps->setSort(AppsModel::Sort::LastUse);
+    setPane(Pane::Apps);
 }
 
 void AppState::setPane(Pane pane)

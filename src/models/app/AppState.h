@@ -3,15 +3,20 @@
 #include "core/disk/DiskInfo.h"
 #include "models/app/Pane.h"
 #include "models/app/Toast.h"
+#include "models/apps/AppsModel.h"
+#include "models/clean/CleanModel.h"
+#include "models/map/MapModel.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 
 namespace nubo {
 
+class Backends;
 class Privacy;
 class VolumeCapacity;
 
@@ -43,6 +48,12 @@ class AppState : public QObject
     Q_PROPERTY(bool toastHasFailures READ toastHasFailures NOTIFY toastChanged)
     Q_PROPERTY(qint64 totalFreedThisSession READ totalFreedThisSession NOTIFY totalFreedThisSessionChanged)
     Q_PROPERTY(QString freedTodayLine READ freedTodayLine NOTIFY totalFreedThisSessionChanged)
+    Q_PROPERTY(MapModel* map READ map CONSTANT)
+    Q_PROPERTY(CleanModel* clean READ clean CONSTANT)
+    Q_PROPERTY(AppsModel* apps READ apps CONSTANT)
+    Q_PROPERTY(bool isAnalyzing READ isAnalyzing NOTIFY isAnalyzingChanged)
+    Q_PROPERTY(QStringList safeCategories READ safeCategories CONSTANT)
+    Q_PROPERTY(qint64 safeSize READ safeSize NOTIFY safeSizeChanged)
 
 public:
     /// How the state reads the machine: the access probe's cache and the volume reader are
@@ -52,11 +63,17 @@ public:
         Privacy& privacy;
         const VolumeCapacity& volume;
         std::chrono::milliseconds toastDuration = std::chrono::seconds(4);
+        /// What the feature models work with, borrowed; none builds the real backends over this
+        /// machine's roots (whose home NUBO_HOME may replace).
+        const ModelServices* models = nullptr;
     };
 
     /// Reads the volume, probes Full Disk Access afresh and asks for the permission guidance
-    /// exactly when access is missing.
+    /// exactly when access is missing; then creates the map, cleanup and apps models and hands
+    /// each a reference back to this state.
     explicit AppState(Services services, QObject* parent = nullptr);
+    /// The models go first: they wait for their background work, which borrows the services.
+    ~AppState() override;
 
     [[nodiscard]] Pane pane() const { return m_section; }
     void setPane(Pane pane);
@@ -101,6 +118,25 @@ public:
     /// The user closed the toast.
     Q_INVOKABLE void dismissToast();
 
+    [[nodiscard]] MapModel* map() const { return m_map.get(); }
+    [[nodiscard]] CleanModel* clean() const { return m_clean.get(); }
+    [[nodiscard]] AppsModel* apps() const { return m_apps.get(); }
+
+    /// The cleanup scan or the apps load is running.
+    [[nodiscard]] bool isAnalyzing() const;
+    /// The ids of the categories whose items start selected, in catalogue order.
+    [[nodiscard]] QStringList safeCategories() const;
+    /// What the cleanup model holds for those categories; an overflow is fatal.
+    [[nodiscard]] qint64 safeSize() const;
+
+    /// Starts the cleanup scan and, unless the apps are loading already, reloads them from empty.
+    /// The space map is left alone.
+    Q_INVOKABLE void analyze();
+    /// Opens the cleanup pane on one category.
+    Q_INVOKABLE void reveal(const QString& categoryId);
+    /// Opens the apps pane sorted by last use.
+    Q_INVOKABLE void showUnusedApps();
+
 signals:
     void sectionChanged();
     void diskChanged();
@@ -108,6 +144,8 @@ signals:
     void showPermissionsChanged();
     void toastChanged();
     void totalFreedThisSessionChanged();
+    void isAnalyzingChanged();
+    void safeSizeChanged();
 
 private:
     void setDisk(const DiskInfo& disk);
@@ -121,6 +159,11 @@ private:
     bool m_showPermissions = false;
     std::optional<Toast> m_toast;
     qint64 m_totalFreed = 0;
+    std::unique_ptr<Backends> m_backends;
+    const ModelServices* m_models = nullptr;
+    std::unique_ptr<MapModel> m_map;
+    std::unique_ptr<CleanModel> m_clean;
+    std::unique_ptr<AppsModel> m_apps;
 };
 
 } // namespace nubo

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "core/apps/AppCatalog.h"
+#include "core/cleanup/CleanCatalog.h"
+#include "core/deletion/Deleter.h"
+#include "core/files/SystemRoots.h"
+#include "core/safety/Safety.h"
+#include "core/scanner/DiskScanner.h"
+#include "core/shell/ToolRunner.h"
+#include "models/app/ModelServices.h"
+#include "platform/AdminRunner.h"
+#include "platform/Metadata.h"
+#include "platform/Workspace.h"
+
+#include <memory>
+#include <optional>
+
+namespace nubo {
+
+class Privacy;
+
+/// The real services behind the models for one run, built over a set of system roots: the
+/// safety gate, the deleter with the platform's administrator prompt, the disk scanner, the
+/// cleanup and application catalogues, and the command runner. Pointing the roots at a prepared
+/// folder gives the whole program a fixture home; each platform backend may be replaced.
+class Backends
+{
+public:
+    struct Overrides
+    {
+        std::unique_ptr<AdminRunner> admin;
+        std::unique_ptr<Workspace> workspace;
+        std::unique_ptr<Metadata> metadata;
+        std::unique_ptr<ToolRunner> tools;
+        /// The discovery rules of the cleanup categories; none yet leaves every category empty.
+        CleanCatalog::Rules rules;
+        ModelServices::Quitter quit;
+    };
+
+    /// `privacy` gates what the scanner and the catalogue read; it must outlive the backends.
+    Backends(SystemRoots roots, const Privacy& privacy, Overrides overrides = {});
+    Backends(const Backends&) = delete;
+    Backends& operator=(const Backends&) = delete;
+
+    [[nodiscard]] const ModelServices& services() const { return *m_services; }
+    [[nodiscard]] const Safety& safety() const { return m_safety; }
+    [[nodiscard]] const CleanCatalog& catalog() const { return m_catalog; }
+
+    /// Runs command items one after another through `tools`, ten minutes each at most: status 0
+    /// frees the size announced at discovery, anything else fails the item by name.
+    [[nodiscard]] static CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items);
+
+private:
+    SystemRoots m_roots;
+    std::unique_ptr<AdminRunner> m_admin;
+    std::unique_ptr<Workspace> m_workspace;
+    std::unique_ptr<Metadata> m_metadata;
+    std::unique_ptr<ToolRunner> m_tools;
+    Safety m_safety;
+    Deleter m_deleter;
+    DiskScanner m_scanner;
+    CleanCatalog m_catalog;
+    AppCatalog m_apps;
+    std::optional<ModelServices> m_services;
+};
+
+} // namespace nubo

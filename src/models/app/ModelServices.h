@@ -1,0 +1,59 @@
+#pragma once
+
+#include "core/cleanup/CleanItem.h"
+#include "platform/Workspace.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+
+namespace nubo {
+
+class AppCatalog;
+class CleanCatalog;
+class Deleter;
+class DiskScanner;
+class Safety;
+
+/// The touch feedback a model gives after a user action; presentation only.
+enum class Feedback { Tap, Commit };
+
+/// What running a batch of command items achieved: the sizes announced for the commands that
+/// succeeded, and the names of those that did not.
+struct CommandOutcome
+{
+    qint64 freed = 0;
+    QStringList failed;
+};
+
+/// Everything the map, cleanup and apps models need from the machine, borrowed: each service must
+/// outlive the models. Production builds them in `Backends`; tests build real core services on a
+/// temporary tree with fakes at the platform boundary. The functions may be empty.
+struct ModelServices
+{
+    using Haptics = std::function<void(Feedback)>;
+    /// Runs the command items of a clean one after another; blocking, called from background work.
+    using CommandRunner = std::function<CommandOutcome(const QList<CleanItem>& items)>;
+    /// Asks a running application to quit, politely (never forced). Called from background work.
+    using Quitter = std::function<void(const RunningApplication& app)>;
+
+    QString home;
+    const Safety& safety;
+    const Deleter& deleter;
+    DiskScanner& scanner;
+    const CleanCatalog& catalog;
+    const AppCatalog& apps;
+    CommandRunner runCommands;
+    Quitter quit;
+    Haptics haptics;
+    /// How often the map copies a running scan's counts.
+    std::chrono::milliseconds progressInterval = std::chrono::milliseconds(120);
+    /// How long an uninstall waits between looks at a quitting application, and how many looks.
+    std::chrono::milliseconds quitPollInterval = std::chrono::milliseconds(100);
+    int quitPolls = 30;
+};
+
+} // namespace nubo

@@ -1,0 +1,417 @@
+#include "models/apps/AppsModel.h"
+
+#include "core/apps/AppCatalog.h"
+#include "core/deletion/Deleter.h"
+#include "core/files/Location.h"
+#include "core/files/NativePath.h"
+#include "core/format/Bytes.h"
+#include "core/format/CheckedMath.h"
+#include "models/app/AppState.h"
+
+#include <QLocale>
+#include <QPointer>
+#include <QThread>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+
+namespace nubo {
+
+namespace {
+
+// Case and accents folded away the way the user's language does it, so "cafe" finds "Café".
+QString folded(const QString& text)
+{
+    const QString decomposed = text.normalized(QString::NormalizationForm_D);
+    QString bare;
+    bare.reserve(decomposed.size());
+    for (const QChar c : decomposed) {
+        if (c.category() != QChar::Mark_NonSpacing)
+            bare.append(c);
+    }
+    return QLocale().toLower(bare);
+}
+
+// lstat on the exact bytes: a bundle whose name is not UTF-8 is looked for, not a look-alike.
+bool exists(const QString& path)
+{
+    struct stat info;
+    return ::lstat(NativePath::encode(path).constData(), &info) == 0;
+}
+
+struct UninstallOutcome
+{
+    qint64 freed = 0;
+    qint64 failures = 0;
+    bool bundleGone = false;
+};
+
+} // namespace
+
+AppsModel::AppsModel(const ModelServices& services, QObject* parent)
+    : QObject(parent),
+      m_services(services)
+{
+}
+
+AppsModel::~AppsModel()
+{
+    m_stop->store(true);
+    for (QFuture<void>& work : m_work)
+        work.waitForFinished();
+}
+
+void AppsModel::track(QFuture<void> future)
+{
+    m_work.removeIf([](const QFuture<void>& work) { return work.isFinished(); });
+    m_work.append(std::move(future));
+}
+
+QList<InstalledApp> AppsModel::visible() const
+{
+    QList<InstalledApp> shown;
+    const QString needle = folded(m_query);
+    for (const InstalledApp& app : m_apps) {
+        if (needle.isEmpty() || folded(app.name).contains(needle))
+            shown.append(app);
+    }
+    // Stable over the name order the catalogue gave, so equal sizes or dates stay by name.
+    switch (m_sort) {
+    case Sort::Name:
+        break;
+    case Sort::Size:
+        std::stable_sort(shown.begin(), shown.end(), [](const InstalledApp& a, const InstalledApp& b) {
+            return a.size.value_or(0) > b.size.value_or(0);
+        });
+        break;
+    case Sort::LastUse:
+        std::stable_sort(shown.begin(), shown.end(), [](const InstalledApp& a, const InstalledApp& b) {
+            if (!a.lastUsed || !b.lastUsed)
+                return a.lastUsed.has_value() && !b.lastUsed.has_value();
+            return *a.lastUsed > *b.lastUsed;
+        });
+        break;
+    }
+    return shown;
+}
+
+QVariantList AppsModel::visibleMaps() const
+{
+    QVariantList rows;
+    const QLocale spanish(QLocale::Spanish, QLocale::Spain);
+    for (const InstalledApp& app : visible()) {
+        rows.append(QVariantMap{
+            {QStringLiteral("id"), app.url},
+            {QStringLiteral("name"), app.name},
+            {QStringLiteral("version"), app.version.value_or(QString())},
+            {QStringLiteral("bundleID"), app.bundleID.value_or(QString())},
+            {QStringLiteral("isStore"), app.isStore},
+            {QStringLiteral("size"), app.size.value_or(0)},
+            {QStringLiteral("sizeText"), app.size ? Bytes::string(*app.size) : QString()},
+            {QStringLiteral("lastUsed"),
+             app.lastUsed ? spanish.toString(app.lastUsed->toLocalTime().date(), QLocale::ShortFormat) : QString()},
+        });
+    }
+    return rows;
+}
+
+QList<InstalledApp> AppsModel::unused(const QDateTime& now) const
+{
+    const QDateTime cutoff = now.addSecs(-unusedAfterSeconds);
+    QList<InstalledApp> found;
+    for (const InstalledApp& app : m_apps) {
+        if (app.url.startsWith(QLatin1String("/System")))
+            continue;
+        if (!app.lastUsed || *app.lastUsed < cutoff)
+            found.append(app);
+    }
+    return found;
+}
+
+void AppsModel::setSort(Sort sort)
+{
+    if (sort == m_sort)
+        return;
+    m_sort = sort;
+    emit sortChanged();
+    emit visibleChanged();
+}
+
+QStringList AppsModel::sortLabels()
+{
+    return {QStringLiteral("Nombre"), QStringLiteral("Tamaño"), QStringLiteral("Último uso")};
+}
+
+void AppsModel::setQuery(const QString& query)
+{
+    if (query == m_query)
+        return;
+    m_query = query;
+    emit queryChanged();
+    emit visibleChanged();
+}
+
+std::optional<InstalledApp> AppsModel::selected() const
+{
+    for (const InstalledApp& app : m_apps) {
+        if (app.url == m_selection)
+            return app;
+    }
+    return std::nullopt;
+}
+
+QString AppsModel::selectedName() const
+{
+    const auto app = selected();
+    return app ? app->name : QString();
+}
+
+QList<CleanItem> AppsModel::removalItems() const
+{
+    const auto app = selected();
+    if (!app)
+        return {};
+    QList<CleanItem> items{CleanItem(app->url, app->name, Location::tildePath(app->url, m_services.home),
+                                     app->size.value_or(0), CleanItem::Remove{app->url})};
+    for (const CleanItem& item : m_leftovers) {
+        if (!m_excluded.contains(item.id))
+            items.append(item);
+    }
+    return items;
+}
+
+qint64 AppsModel::removalSize() const
+{
+    qint64 total = 0;
+    for (const CleanItem& item : removalItems())
+        total = checkedAdd(total, item.size);
+    return total;
+}
+
+QVariantList AppsModel::removalMaps() const
+{
+    QVariantList rows;
+    for (const CleanItem& item : removalItems()) {
+        rows.append(QVariantMap{
+            {QStringLiteral("id"), item.id},
+            {QStringLiteral("name"), item.name},
+            {QStringLiteral("detail"), item.detail},
+            {QStringLiteral("size"), item.size},
+            {QStringLiteral("sizeText"), Bytes::string(item.size)},
+        });
+    }
+    return rows;
+}
+
+QVariantList AppsModel::leftoverMaps() const
+{
+    QVariantList rows;
+    for (const CleanItem& item : m_leftovers) {
+        rows.append(QVariantMap{
+            {QStringLiteral("id"), item.id},
+            {QStringLiteral("name"), item.name},
+            {QStringLiteral("detail"), item.detail},
+            {QStringLiteral("size"), item.size},
+            {QStringLiteral("sizeText"), Bytes::string(item.size)},
+            {QStringLiteral("excluded"), m_excluded.contains(item.id)},
+        });
+    }
+    return rows;
+}
+
+void AppsModel::setLoading(bool loading)
+{
+    if (loading == m_isLoading)
+        return;
+    m_isLoading = loading;
+    emit isLoadingChanged();
+}
+
+void AppsModel::setSizesLoaded(bool loaded)
+{
+    if (loaded == m_sizesLoaded)
+        return;
+    m_sizesLoaded = loaded;
+    emit sizesLoadedChanged();
+}
+
+void AppsModel::setLeftoversLoading(bool loading)
+{
+    if (loading == m_leftoversLoading)
+        return;
+    m_leftoversLoading = loading;
+    emit leftoversLoadingChanged();
+}
+
+void AppsModel::setRemoving(bool removing)
+{
+    if (removing == m_isRemoving)
+        return;
+    m_isRemoving = removing;
+    emit isRemovingChanged();
+}
+
+void AppsModel::clear()
+{
+    // Sizes still being measured belong to the old list.
+    ++m_generation;
+    setSizesLoaded(false);
+    if (m_apps.isEmpty())
+        return;
+    m_apps.clear();
+    emit appsChanged();
+    emit visibleChanged();
+    emit selectionChanged();
+    emit removalChanged();
+}
+
+void AppsModel::load()
+{
+    if (m_isLoading)
+        return;
+    setLoading(true);
+    setSizesLoaded(false);
+    const quint64 generation = ++m_generation;
+    const AppCatalog& catalog = m_services.apps;
+    track(QtConcurrent::run([&catalog] { return catalog.load(); })
+              .then(this, [this, generation](const QList<InstalledApp>& found) {
+                  if (generation != m_generation)
+                      return;
+                  m_apps = found;
+                  setLoading(false);
+                  emit appsChanged();
+                  emit visibleChanged();
+                  emit selectionChanged();
+                  emit removalChanged();
+                  measure(generation);
+              }));
+}
+
+void AppsModel::measure(quint64 generation)
+{
+    QStringList urls;
+    for (const InstalledApp& app : m_apps)
+        urls.append(app.url);
+    track(QtConcurrent::run([this, urls, generation, stop = m_stop] {
+        for (const QString& url : urls) {
+            if (stop->load())
+                return;
+            const qint64 size = Location::allocatedSize(url);
+            QMetaObject::invokeMethod(this, [this, generation, url, size] { storeSize(generation, url, size); },
+                                      Qt::QueuedConnection);
+        }
+        QMetaObject::invokeMethod(
+            this,
+            [this, generation] {
+                if (generation == m_generation)
+                    setSizesLoaded(true);
+            },
+            Qt::QueuedConnection);
+    }));
+}
+
+void AppsModel::storeSize(quint64 generation, const QString& url, qint64 size)
+{
+    if (generation != m_generation)
+        return;
+    for (InstalledApp& app : m_apps) {
+        if (app.url == url && app.size != size) {
+            app.size = size;
+            emit appsChanged();
+            emit visibleChanged();
+            if (url == m_selection)
+                emit removalChanged();
+        }
+    }
+}
+
+void AppsModel::select(const QString& url)
+{
+    const bool changed = url != m_selection;
+    m_selection = url;
+    m_leftovers.clear();
+    m_excluded.clear();
+    if (changed)
+        emit selectionChanged();
+    emit removalChanged();
+    const auto app = selected();
+    if (!app) {
+        setLeftoversLoading(false);
+        return;
+    }
+    setLeftoversLoading(true);
+    const AppCatalog& catalog = m_services.apps;
+    track(QtConcurrent::run([&catalog, app = *app] { return catalog.leftovers(app); })
+              .then(this, [this, url](const QList<CleanItem>& found) {
+                  // A search for an application no longer chosen has nothing to say.
+                  if (url != m_selection)
+                      return;
+                  m_leftovers = found;
+                  setLeftoversLoading(false);
+                  emit removalChanged();
+              }));
+}
+
+void AppsModel::toggle(const QString& itemId)
+{
+    if (!m_excluded.remove(itemId))
+        m_excluded.insert(itemId);
+    emit removalChanged();
+}
+
+void AppsModel::uninstall()
+{
+    const auto app = selected();
+    if (!app || m_isRemoving)
+        return;
+    setRemoving(true);
+    QList<DeletionItem> items;
+    for (const CleanItem& item : removalItems()) {
+        if (const auto path = item.url())
+            items.append({*path, item.size});
+    }
+    const ModelServices& services = m_services;
+    track(QtConcurrent::run([&services, app = *app, items] {
+              if (const auto running = services.apps.runningInstance(app)) {
+                  if (services.quit)
+                      services.quit(*running);
+                  // Quitting politely may take a moment (a document to save); whether or not it
+                  // has quit after the last look, the removal goes ahead.
+                  for (int look = 0; look < services.quitPolls; ++look) {
+                      const auto still = services.apps.runningInstance(app);
+                      if (!still || still->pid != running->pid)
+                          break;
+                      QThread::msleep(quint64(services.quitPollInterval.count()));
+                  }
+              }
+              const DeletionResult result = services.deleter.deleteItemsNow(items, true);
+              return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
+          }).then(this, [this, app = *app](const UninstallOutcome& outcome) {
+        finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
+    }));
+}
+
+void AppsModel::finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone)
+{
+    if (m_services.haptics)
+        m_services.haptics(Feedback::Commit);
+    if (m_app)
+        m_app->report(freed, failures);
+    if (bundleGone) {
+        m_apps.removeIf([&app](const InstalledApp& other) { return other.url == app.url; });
+        if (m_selection == app.url) {
+            m_selection.clear();
+            m_leftovers.clear();
+            m_excluded.clear();
+            emit selectionChanged();
+        }
+        emit appsChanged();
+        emit visibleChanged();
+        emit removalChanged();
+    }
+    setRemoving(false);
+}
+
+} // namespace nubo

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "core/apps/InstalledApp.h"
+#include "core/cleanup/CleanItem.h"
+#include "models/app/ModelServices.h"
+
+#include <QDateTime>
+#include <QFuture>
+#include <QObject>
+#include <QSet>
+#include <QStringList>
+#include <QVariantList>
+#include <QtQml/qqmlregistration.h>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+namespace nubo {
+
+class AppState;
+
+/// The apps pane's state: the installed applications with their measured sizes, the search and
+/// the order over them, the chosen application's leftovers with the ones the user unticked, and
+/// the removal of an application with what stays ticked. Lives on the user-interface thread; the
+/// catalogue, the measuring and the removal run on the pool.
+class AppsModel : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The application state owns the apps model")
+    Q_DISABLE_COPY_MOVE(AppsModel)
+    /// The visible applications as maps: id, name, version, bundleID, isStore, size, sizeText, lastUsed.
+    Q_PROPERTY(QVariantList visible READ visibleMaps NOTIFY visibleChanged)
+    Q_PROPERTY(int count READ count NOTIFY appsChanged)
+    Q_PROPERTY(int unusedCount READ unusedCount NOTIFY appsChanged)
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    Q_PROPERTY(bool sizesLoaded READ sizesLoaded NOTIFY sizesLoadedChanged)
+    Q_PROPERTY(Sort sort READ sort WRITE setSort NOTIFY sortChanged)
+    Q_PROPERTY(QStringList sortLabels READ sortLabels CONSTANT)
+    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
+    Q_PROPERTY(QString selection READ selection NOTIFY selectionChanged)
+    Q_PROPERTY(QString selectedName READ selectedName NOTIFY selectionChanged)
+    /// What a removal would delete, the bundle first, as maps: id, name, detail, size, sizeText.
+    Q_PROPERTY(QVariantList removalItems READ removalMaps NOTIFY removalChanged)
+    /// Every leftover found, with `excluded` telling which ones the user unticked.
+    Q_PROPERTY(QVariantList leftovers READ leftoverMaps NOTIFY removalChanged)
+    Q_PROPERTY(qint64 removalSize READ removalSize NOTIFY removalChanged)
+    Q_PROPERTY(bool leftoversLoading READ leftoversLoading NOTIFY leftoversLoadingChanged)
+    Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY isRemovingChanged)
+
+public:
+    /// The three orders, in the order the picker shows them: "Nombre", "Tamaño", "Último uso".
+    enum class Sort { Name, Size, LastUse };
+    Q_ENUM(Sort)
+
+    /// An application unused for longer than this is recommended for removal.
+    static constexpr qint64 unusedAfterSeconds = 7'776'000;
+
+    explicit AppsModel(const ModelServices& services, QObject* parent = nullptr);
+    /// Stops measuring and waits for the background work, which borrows the services.
+    ~AppsModel() override;
+
+    void setApp(AppState* app) { m_app = app; }
+
+    [[nodiscard]] const QList<InstalledApp>& apps() const { return m_apps; }
+    [[nodiscard]] int count() const { return int(m_apps.size()); }
+    /// The applications whose name holds `query`, ignoring case and accents the way the user's
+    /// language does, in the chosen order. An unknown last use counts as the distant past.
+    [[nodiscard]] QList<InstalledApp> visible() const;
+    [[nodiscard]] QVariantList visibleMaps() const;
+    /// Applications outside "/System" not used in the last 90 days (never, when unknown).
+    [[nodiscard]] QList<InstalledApp> unused(const QDateTime& now = QDateTime::currentDateTimeUtc()) const;
+    [[nodiscard]] int unusedCount() const { return int(unused().size()); }
+    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+    [[nodiscard]] bool sizesLoaded() const { return m_sizesLoaded; }
+    [[nodiscard]] Sort sort() const { return m_sort; }
+    void setSort(Sort sort);
+    [[nodiscard]] static QStringList sortLabels();
+    [[nodiscard]] const QString& query() const { return m_query; }
+    void setQuery(const QString& query);
+
+    [[nodiscard]] const QString& selection() const { return m_selection; }
+    [[nodiscard]] std::optional<InstalledApp> selected() const;
+    [[nodiscard]] QString selectedName() const;
+    [[nodiscard]] const QList<CleanItem>& leftovers() const { return m_leftovers; }
+    [[nodiscard]] QVariantList leftoverMaps() const;
+    [[nodiscard]] bool leftoversLoading() const { return m_leftoversLoading; }
+    [[nodiscard]] const QSet<QString>& excluded() const { return m_excluded; }
+    /// The bundle itself first, then every leftover still ticked; nothing without a selection.
+    [[nodiscard]] QList<CleanItem> removalItems() const;
+    [[nodiscard]] QVariantList removalMaps() const;
+    [[nodiscard]] qint64 removalSize() const;
+    [[nodiscard]] bool isRemoving() const { return m_isRemoving; }
+
+    /// Lists the applications, then measures their bundles in the background.
+    Q_INVOKABLE void load();
+    /// Empties the list (before a fresh analysis reloads it).
+    void clear();
+    /// Chooses an application by its bundle path and looks for its leftovers.
+    Q_INVOKABLE void select(const QString& url);
+    /// Unticks a leftover, or ticks it again.
+    Q_INVOKABLE void toggle(const QString& itemId);
+    /// Removes the selected application and its ticked leftovers: a running copy is asked to quit
+    /// first and given about three seconds. The application leaves the list only when its bundle
+    /// is really gone.
+    Q_INVOKABLE void uninstall();
+
+signals:
+    void appsChanged();
+    void visibleChanged();
+    void isLoadingChanged();
+    void sizesLoadedChanged();
+    void sortChanged();
+    void queryChanged();
+    void selectionChanged();
+    void removalChanged();
+    void leftoversLoadingChanged();
+    void isRemovingChanged();
+
+private:
+    void setLoading(bool loading);
+    void setSizesLoaded(bool loaded);
+    void setLeftoversLoading(bool loading);
+    void setRemoving(bool removing);
+    void measure(quint64 generation);
+    void storeSize(quint64 generation, const QString& url, qint64 size);
+    void finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone);
+    void track(QFuture<void> future);
+
+    const ModelServices& m_services;
+    AppState* m_app = nullptr;
+    QList<InstalledApp> m_apps;
+    bool m_isLoading = false;
+    bool m_sizesLoaded = false;
+    quint64 m_generation = 0;
+    Sort m_sort = Sort::Name;
+    QString m_query;
+    QString m_selection;
+    QList<CleanItem> m_leftovers;
+    bool m_leftoversLoading = false;
+    QSet<QString> m_excluded;
+    bool m_isRemoving = false;
+    std::shared_ptr<std::atomic<bool>> m_stop = std::make_shared<std::atomic<bool>>(false);
+    QList<QFuture<void>> m_work;
+};
+
+} // namespace nubo

@@ -1,0 +1,374 @@
+#include "models/clean/CleanModel.h"
+
+#include "core/cleanup/CleanCatalog.h"
+#include "core/cleanup/CleanGroup.h"
+#include "core/cleanup/NamedColor.h"
+#include "core/deletion/Deleter.h"
+#include "core/format/Bytes.h"
+#include "core/format/CheckedMath.h"
+#include "models/app/AppState.h"
+
+#include <QtConcurrent/QtConcurrentRun>
+
+namespace nubo {
+
+namespace {
+
+struct CleanOutcome
+{
+    qint64 freed = 0;
+    qint64 failures = 0;
+    QSet<QString> failedPaths;
+    QSet<QString> failedNames;
+};
+
+QString stateName(CleanModel::CategoryState state)
+{
+    switch (state) {
+    case CleanModel::CategoryState::All:
+        return QStringLiteral("all");
+    case CleanModel::CategoryState::Partial:
+        return QStringLiteral("partial");
+    case CleanModel::CategoryState::None:
+        break;
+    }
+    return QStringLiteral("none");
+}
+
+} // namespace
+
+CleanModel::CleanModel(const ModelServices& services, QObject* parent)
+    : QObject(parent),
+      m_services(services)
+{
+}
+
+CleanModel::~CleanModel()
+{
+    for (QFuture<void>& work : m_work)
+        work.waitForFinished();
+}
+
+void CleanModel::track(QFuture<void> future)
+{
+    m_work.removeIf([](const QFuture<void>& work) { return work.isFinished(); });
+    m_work.append(std::move(future));
+}
+
+const CleanCategory* CleanModel::category(const QString& categoryId) const
+{
+    for (const CleanCategory& row : m_services.catalog.all()) {
+        if (row.id == categoryId)
+            return &row;
+    }
+    return nullptr;
+}
+
+QList<CleanItem> CleanModel::items(const QString& categoryId) const
+{
+    return m_items.value(categoryId);
+}
+
+qint64 CleanModel::size(const QString& categoryId) const
+{
+    qint64 total = 0;
+    for (const CleanItem& item : m_items.value(categoryId))
+        total = checkedAdd(total, item.size);
+    return total;
+}
+
+qint64 CleanModel::selectedSize(const QString& categoryId) const
+{
+    qint64 total = 0;
+    for (const CleanItem& item : m_items.value(categoryId)) {
+        if (m_selected.contains(item.id))
+            total = checkedAdd(total, item.size);
+    }
+    return total;
+}
+
+CleanModel::CategoryState CleanModel::state(const QString& categoryId) const
+{
+    const QList<CleanItem> found = m_items.value(categoryId);
+    qsizetype chosen = 0;
+    for (const CleanItem& item : found)
+        chosen += m_selected.contains(item.id) ? 1 : 0;
+    if (chosen == 0)
+        return CategoryState::None;
+    return chosen == found.size() ? CategoryState::All : CategoryState::Partial;
+}
+
+QStringList CleanModel::selectedIds() const
+{
+    QStringList ids(m_selected.cbegin(), m_selected.cend());
+    ids.sort();
+    return ids;
+}
+
+QStringList CleanModel::loading() const
+{
+    QStringList ids(m_loading.cbegin(), m_loading.cend());
+    ids.sort();
+    return ids;
+}
+
+qint64 CleanModel::totalSelected() const
+{
+    qint64 total = 0;
+    for (const CleanCategory& row : m_services.catalog.all())
+        total = checkedAdd(total, selectedSize(row.id));
+    return total;
+}
+
+qint64 CleanModel::totalFound() const
+{
+    qint64 total = 0;
+    for (const CleanCategory& row : m_services.catalog.all())
+        total = checkedAdd(total, size(row.id));
+    return total;
+}
+
+int CleanModel::selectedCount() const
+{
+    int count = 0;
+    for (const CleanCategory& row : m_services.catalog.all()) {
+        for (const CleanItem& item : m_items.value(row.id))
+            count += m_selected.contains(item.id) ? 1 : 0;
+    }
+    return count;
+}
+
+QVariantList CleanModel::categories() const
+{
+    QVariantList rows;
+    for (const CleanCategory& row : m_services.catalog.all()) {
+        const qint64 found = size(row.id);
+        rows.append(QVariantMap{
+            {QStringLiteral("id"), row.id},
+            {QStringLiteral("group"), CleanGroups::title(row.group)},
+            {QStringLiteral("title"), row.title},
+            {QStringLiteral("subtitle"), row.subtitle},
+            {QStringLiteral("symbol"), row.symbol},
+            {QStringLiteral("color"), NamedColors::name(row.color)},
+            {QStringLiteral("caution"), row.caution.value_or(QString())},
+            {QStringLiteral("loading"), m_loading.contains(row.id)},
+            {QStringLiteral("count"), int(m_items.value(row.id).size())},
+            {QStringLiteral("size"), found},
+            {QStringLiteral("sizeText"), Bytes::string(found)},
+            {QStringLiteral("selectedSize"), selectedSize(row.id)},
+            {QStringLiteral("state"), stateName(state(row.id))},
+        });
+    }
+    return rows;
+}
+
+QVariantMap CleanModel::itemMap(const CleanItem& item) const
+{
+    return {
+        {QStringLiteral("id"), item.id},
+        {QStringLiteral("name"), item.name},
+        {QStringLiteral("detail"), item.detail},
+        {QStringLiteral("subtitle"), item.subtitle.value_or(QString())},
+        {QStringLiteral("size"), item.size},
+        {QStringLiteral("sizeText"), Bytes::string(item.size)},
+        {QStringLiteral("selected"), m_selected.contains(item.id)},
+    };
+}
+
+QVariantMap CleanModel::itemMaps() const
+{
+    QVariantMap all;
+    for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
+        QVariantList rows;
+        for (const CleanItem& item : it.value())
+            rows.append(itemMap(item));
+        all.insert(it.key(), rows);
+    }
+    return all;
+}
+
+QStringList CleanModel::expanded() const
+{
+    QStringList ids(m_expanded.cbegin(), m_expanded.cend());
+    ids.sort();
+    return ids;
+}
+
+void CleanModel::setPath(const QStringList& path)
+{
+    if (path == m_path)
+        return;
+    m_path = path;
+    emit pathChanged();
+}
+
+void CleanModel::scan()
+{
+    if (!m_hasScanned) {
+        m_hasScanned = true;
+        emit hasScannedChanged();
+    }
+    const bool wasScanning = isScanning();
+    for (const CleanCategory& row : m_services.catalog.all()) {
+        m_loading.insert(row.id);
+        const quint64 generation = ++m_generation[row.id];
+        // Each category lands on its own; an older run of the same category that ends later is
+        // dropped, so the newest list always wins.
+        track(QtConcurrent::run([scan = row.scan] { return scan ? scan() : QList<CleanItem>(); })
+                  .then(this, [this, id = row.id, generation](const QList<CleanItem>& found) {
+                      land(id, generation, found);
+                  }));
+    }
+    if (!wasScanning && isScanning())
+        emit isScanningChanged();
+    emit categoriesChanged();
+}
+
+void CleanModel::land(const QString& categoryId, quint64 generation, const QList<CleanItem>& found)
+{
+    if (m_generation.value(categoryId) != generation)
+        return;
+    m_items.insert(categoryId, found);
+    const CleanCategory* row = category(categoryId);
+    bool selectionGrew = false;
+    if (row && row->selectedByDefault) {
+        for (const CleanItem& item : found) {
+            if (!m_selected.contains(item.id)) {
+                m_selected.insert(item.id);
+                selectionGrew = true;
+            }
+        }
+    }
+    m_loading.remove(categoryId);
+    if (selectionGrew)
+        emit selectionChanged();
+    emit categoriesChanged();
+    if (m_loading.isEmpty())
+        emit isScanningChanged();
+}
+
+void CleanModel::toggleCategory(const QString& categoryId)
+{
+    const QList<CleanItem> found = m_items.value(categoryId);
+    if (found.isEmpty())
+        return;
+    const bool clear = state(categoryId) == CategoryState::All;
+    for (const CleanItem& item : found) {
+        if (clear)
+            m_selected.remove(item.id);
+        else
+            m_selected.insert(item.id);
+    }
+    emit selectionChanged();
+    emit categoriesChanged();
+}
+
+void CleanModel::toggleItem(const QString& itemId)
+{
+    if (!m_selected.remove(itemId))
+        m_selected.insert(itemId);
+    emit selectionChanged();
+    emit categoriesChanged();
+}
+
+void CleanModel::toggleExpanded(const QString& categoryId)
+{
+    if (!m_expanded.remove(categoryId))
+        m_expanded.insert(categoryId);
+    emit expandedChanged();
+}
+
+void CleanModel::clean()
+{
+    QStringList all;
+    for (const CleanCategory& row : m_services.catalog.all())
+        all.append(row.id);
+    clean(all);
+}
+
+void CleanModel::clean(const QStringList& categoryIds)
+{
+    if (m_isCleaning)
+        return;
+    QList<CleanItem> chosen;
+    QSet<QString> seen;
+    for (const QString& id : categoryIds) {
+        for (const CleanItem& item : m_items.value(id)) {
+            if (m_selected.contains(item.id) && !seen.contains(item.id)) {
+                seen.insert(item.id);
+                chosen.append(item);
+            }
+        }
+    }
+    if (chosen.isEmpty())
+        return;
+    m_isCleaning = true;
+    emit isCleaningChanged();
+
+    const Deleter& deleter = m_services.deleter;
+    track(QtConcurrent::run([chosen, &deleter, runCommands = m_services.runCommands] {
+              CleanOutcome outcome;
+              QList<DeletionItem> paths;
+              QList<CleanItem> commands;
+              for (const CleanItem& item : chosen) {
+                  if (const auto path = item.url())
+                      paths.append({*path, item.size});
+                  else
+                      commands.append(item);
+              }
+              if (!paths.isEmpty()) {
+                  const DeletionResult result = deleter.deleteItemsNow(paths, true);
+                  outcome.freed = result.freed;
+                  outcome.failures = result.failed.size();
+                  for (const DeletionFailure& failure : result.failed)
+                      outcome.failedPaths.insert(failure.path);
+              }
+              if (!commands.isEmpty()) {
+                  CommandOutcome ran;
+                  if (runCommands) {
+                      ran = runCommands(commands);
+                  } else {
+                      // Without a runner nothing ran, and nothing may be reported as freed.
+                      for (const CleanItem& item : commands)
+                          ran.failed.append(item.name);
+                  }
+                  outcome.freed = checkedAdd(outcome.freed, ran.freed);
+                  outcome.failures += ran.failed.size();
+                  outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+              }
+              return outcome;
+          }).then(this, [this, categoryIds, chosen](const CleanOutcome& outcome) {
+        finishClean(categoryIds, chosen, outcome.freed, outcome.failedPaths, outcome.failedNames,
+                    outcome.failures);
+    }));
+}
+
+void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, qint64 freed,
+                             const QSet<QString>& failedPaths, const QSet<QString>& failedNames, qint64 failures)
+{
+    if (m_services.haptics)
+        m_services.haptics(Feedback::Commit);
+    if (m_app)
+        m_app->report(freed, failures);
+
+    QSet<QString> gone;
+    for (const CleanItem& item : attempted) {
+        const auto path = item.url();
+        const bool failed = path ? failedPaths.contains(*path) : failedNames.contains(item.name);
+        if (!failed)
+            gone.insert(item.id);
+    }
+    for (const QString& id : categoryIds) {
+        auto found = m_items.find(id);
+        if (found != m_items.end())
+            found->removeIf([&gone](const CleanItem& item) { return gone.contains(item.id); });
+    }
+    // What failed stays listed and selected, so the user can try it again.
+    m_selected.subtract(gone);
+    m_isCleaning = false;
+    emit selectionChanged();
+    emit categoriesChanged();
+    emit isCleaningChanged();
+}
+
+} // namespace nubo

@@ -1,0 +1,169 @@
+#pragma once
+
+#include "models/app/ModelServices.h"
+#include "models/map/MapNodeModel.h"
+
+#include <QFuture>
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+namespace nubo {
+
+class AppState;
+class FileNode;
+class ScanProgress;
+struct DeletionResult;
+
+/// The space map's state: what is scanned, the tree it gave, the folder on show, the nodes marked
+/// for deletion, and the scan or deletion under way. Lives on the user-interface thread; the scan
+/// and the deletion run on the pool and land here. A scan that was cancelled or overtaken by a
+/// newer one never replaces the tree: the shared progress object of the latest scan decides.
+class MapModel : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The application state owns the map model")
+    Q_DISABLE_COPY_MOVE(MapModel)
+    Q_PROPERTY(QString scopeLabel READ scopeLabel NOTIFY scopeChanged)
+    Q_PROPERTY(QString scopePath READ scopePath NOTIFY scopeChanged)
+    Q_PROPERTY(bool hasTree READ hasTree NOTIFY currentChanged)
+    Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
+    Q_PROPERTY(QString currentPath READ currentPath NOTIFY currentChanged)
+    Q_PROPERTY(qint64 currentSize READ currentSize NOTIFY revisionChanged)
+    Q_PROPERTY(bool canGoUp READ canGoUp NOTIFY currentChanged)
+    Q_PROPERTY(MapNodeModel* children READ children CONSTANT)
+    Q_PROPERTY(QString hoveredName READ hoveredName NOTIFY hoveredChanged)
+    Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
+    Q_PROPERTY(qint64 scannedFiles READ scannedFiles NOTIFY scannedFilesChanged)
+    Q_PROPERTY(qint64 scannedBytes READ scannedBytes NOTIFY scannedBytesChanged)
+    Q_PROPERTY(QString scanningPath READ scanningPath NOTIFY scanningPathChanged)
+    Q_PROPERTY(int revision READ revision NOTIFY revisionChanged)
+    Q_PROPERTY(bool isDeleting READ isDeleting NOTIFY isDeletingChanged)
+    Q_PROPERTY(qint64 markedSize READ markedSize NOTIFY markedChanged)
+    Q_PROPERTY(int markedCount READ markedCount NOTIFY markedChanged)
+
+public:
+    /// What is scanned: the home folder, a folder of the user's choice, or the whole disk.
+    struct Scope
+    {
+        enum class Kind { Home, Folder, Disk };
+        Kind kind = Kind::Home;
+        QString folder; ///< only for `Folder`
+
+        [[nodiscard]] QString path(const QString& home) const;
+        /// "Tu carpeta", the folder's last component, or "Disco completo".
+        [[nodiscard]] QString label() const;
+        friend bool operator==(const Scope&, const Scope&) = default;
+    };
+
+    explicit MapModel(const ModelServices& services, QObject* parent = nullptr);
+    /// Cancels a running scan and waits for background work, which borrows the services.
+    ~MapModel() override;
+
+    /// The owner that hears of every deletion; set once, not owned.
+    void setApp(AppState* app) { m_app = app; }
+
+    [[nodiscard]] const Scope& scope() const { return m_scope; }
+    [[nodiscard]] QString scopeLabel() const { return m_scope.label(); }
+    [[nodiscard]] QString scopePath() const { return m_scope.path(m_services.home); }
+    [[nodiscard]] const FileNode* root() const { return m_root.get(); }
+    [[nodiscard]] const FileNode* current() const { return m_current; }
+    [[nodiscard]] bool hasTree() const { return m_root != nullptr; }
+    [[nodiscard]] QString currentName() const;
+    [[nodiscard]] QString currentPath() const;
+    [[nodiscard]] qint64 currentSize() const;
+    [[nodiscard]] bool canGoUp() const;
+    [[nodiscard]] MapNodeModel* children() { return &m_children; }
+    [[nodiscard]] const FileNode* hovered() const { return m_hovered; }
+    [[nodiscard]] QString hoveredName() const;
+    [[nodiscard]] bool isScanning() const { return m_isScanning; }
+    [[nodiscard]] qint64 scannedFiles() const { return m_scannedFiles; }
+    [[nodiscard]] qint64 scannedBytes() const { return m_scannedBytes; }
+    [[nodiscard]] const QString& scanningPath() const { return m_scanningPath; }
+    [[nodiscard]] int revision() const { return m_revision; }
+    [[nodiscard]] bool isDeleting() const { return m_isDeleting; }
+    [[nodiscard]] bool isMarked(const FileNode* node) const { return m_marked.contains(node); }
+    /// What deleting the marks would free: a node marked inside another marked one is counted once.
+    [[nodiscard]] qint64 markedSize() const;
+    [[nodiscard]] int markedCount() const { return int(m_marked.size()); }
+
+    /// Starts scanning `scope`, abandoning any running scan and clearing the marks; the tree on
+    /// show stays until the new one lands.
+    void scan(const Scope& scope);
+    Q_INVOKABLE void scanHome() { scan({}); }
+    Q_INVOKABLE void scanDisk() { scan({Scope::Kind::Disk, {}}); }
+    Q_INVOKABLE void scanFolder(const QString& path) { scan({Scope::Kind::Folder, path}); }
+    /// Scans the current scope again (the menu's "Escanear de nuevo").
+    Q_INVOKABLE void rescan() { scan(m_scope); }
+    /// Stops the running scan; the tree from before stays.
+    Q_INVOKABLE void cancelScan();
+
+    /// Shows a folder's contents, when it is a folder with something to open.
+    void open(const FileNode* node);
+    Q_INVOKABLE void openRow(int row) { open(m_children.nodeAt(row)); }
+    /// Shows the parent of the folder on show; nothing at the root.
+    Q_INVOKABLE void goUp();
+    void setHovered(const FileNode* node);
+    Q_INVOKABLE void hoverRow(int row) { setHovered(m_children.nodeAt(row)); }
+
+    /// Marks or unmarks a node. Aggregates, the scan's root and what the safety gate refuses are
+    /// never marked; nothing changes during a deletion.
+    void toggleMark(const FileNode* node);
+    Q_INVOKABLE void toggleMarkRow(int row) { toggleMark(m_children.nodeAt(row)); }
+    /// Deletes every marked node for good, reports the outcome to the owner, and takes what is
+    /// gone out of the tree; nodes that could not be deleted stay, still marked.
+    Q_INVOKABLE void deleteMarked();
+
+signals:
+    void scopeChanged();
+    void currentChanged();
+    void hoveredChanged();
+    void isScanningChanged();
+    void scannedFilesChanged();
+    void scannedBytesChanged();
+    void scanningPathChanged();
+    void revisionChanged();
+    void isDeletingChanged();
+    void markedChanged();
+
+private:
+    using Tree = std::shared_ptr<FileNode>;
+
+    void land(const std::shared_ptr<ScanProgress>& progress, Tree tree);
+    void finishDeletion(const Tree& tree, const QList<const FileNode*>& removed, const DeletionResult& result);
+    void pollProgress();
+    void setCurrent(const FileNode* node);
+    void setScanning(bool scanning);
+    void setDeleting(bool deleting);
+    void clearMarks();
+    void bumpRevision();
+    void feedback(Feedback kind) const;
+    [[nodiscard]] QList<const FileNode*> topMarked() const;
+    // Big trees are freed on the pool so that replacing one never stalls the screen.
+    void discard(std::shared_ptr<const FileNode> tree);
+    void track(QFuture<void> future);
+
+    const ModelServices& m_services;
+    AppState* m_app = nullptr;
+    Scope m_scope;
+    Tree m_root;
+    const FileNode* m_current = nullptr;
+    const FileNode* m_hovered = nullptr;
+    QSet<const FileNode*> m_marked;
+    MapNodeModel m_children;
+    std::shared_ptr<ScanProgress> m_progress;
+    QTimer m_poll;
+    bool m_isScanning = false;
+    qint64 m_scannedFiles = 0;
+    qint64 m_scannedBytes = 0;
+    QString m_scanningPath;
+    int m_revision = 0;
+    bool m_isDeleting = false;
+    QList<QFuture<void>> m_work;
+};
+
+} // namespace nubo
