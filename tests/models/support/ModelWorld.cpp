@@ -1,0 +1,157 @@
+#include "ModelWorld.h"
+
+#include "core/shell/Shell.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace nubo::test {
+
+void ModelWorld::SetUp()
+{
+    ASSERT_TRUE(m_dir.isValid());
+    for (const char* name : {"home/Library/Caches", "home/Applications", "Library", "tmp", "Applications"})
+        folder(QString::fromUtf8(name));
+    m_roots = SystemRoots{path(QStringLiteral("home")), path(QStringLiteral("Library")), path(QStringLiteral("tmp")),
+                          path(QStringLiteral("Applications")), path(QStringLiteral("System/Applications"))};
+    m_volume.answer = {1'000'000'000'000, 250'000'000'000, 200'000'000'000};
+    m_safety = std::make_unique<Safety>(m_roots);
+    m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
+    m_scanner = std::make_unique<DiskScanner>();
+    m_catalog = std::make_unique<CleanCatalog>([this](const QString& id) {
+        return CleanCategory::Scan([this, id] {
+            CleanCategory::Scan scan;
+            {
+                const std::lock_guard lock(m_rulesLock);
+                scan = m_rules.value(id);
+            }
+            return scan ? scan() : QList<CleanItem>();
+        });
+    });
+    m_apps = std::make_unique<AppCatalog>(m_roots, *m_safety, m_privacy, m_workspace, m_metadata);
+    m_services = std::make_unique<ModelServices>(ModelServices{
+        .home = m_roots.home,
+        .safety = *m_safety,
+        .deleter = *m_deleter,
+        .scanner = *m_scanner,
+        .catalog = *m_catalog,
+        .apps = *m_apps,
+        .runCommands =
+            [this](const QList<CleanItem>& items) {
+                CommandOutcome outcome;
+                for (const CleanItem& item : items) {
+                    m_commandsRun.append(item);
+                    if (m_failingCommands.contains(item.name))
+                        outcome.failed.append(item.name);
+                    else
+                        outcome.freed += item.size;
+                }
+                return outcome;
+            },
+        .quit =
+            [this](const RunningApplication& app) {
+                ++m_quitRequests;
+                if (m_quitObeys)
+                    m_workspace.running.removeIf([&app](const RunningApplication& other) { return other.pid == app.pid; });
+            },
+        .haptics = [this](Feedback) { ++m_feedback; },
+        .progressInterval = std::chrono::milliseconds(120),
+        .quitPollInterval = std::chrono::milliseconds(100),
+        .quitPolls = 30,
+    });
+}
+
+void ModelWorld::TearDown()
+{
+    m_state.reset();
+    for (const QString& pinned : std::as_const(m_pinned))
+        release(pinned);
+}
+
+QString ModelWorld::path(const QString& relative) const
+{
+    return m_dir.path() + QLatin1Char('/') + relative;
+}
+
+void ModelWorld::file(const QString& relative, qint64 bytes) const
+{
+    const QString full = path(relative);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(full).path()));
+    QFile out(full);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    ASSERT_EQ(out.write(QByteArray(bytes, 'x')), bytes);
+}
+
+void ModelWorld::folder(const QString& relative) const
+{
+    ASSERT_TRUE(QDir().mkpath(path(relative)));
+}
+
+bool ModelWorld::exists(const QString& relative) const
+{
+    return QFileInfo::exists(path(relative)) || QFileInfo(path(relative)).isSymLink();
+}
+
+bool ModelWorld::pin(const QString& relative)
+{
+#ifdef Q_OS_MACOS
+    const ShellResult done = Shell::run(QStringLiteral("/usr/bin/chflags"), {QStringLiteral("schg"), path(relative)});
+#else
+    const ShellResult done = Shell::run(QStringLiteral("/usr/bin/chattr"), {QStringLiteral("+i"), path(relative)});
+#endif
+    if (done.status != 0)
+        return false;
+    m_pinned.append(relative);
+    return true;
+}
+
+void ModelWorld::release(const QString& relative)
+{
+#ifdef Q_OS_MACOS
+    (void)Shell::run(QStringLiteral("/usr/bin/chflags"), {QStringLiteral("noschg"), path(relative)});
+#else
+    (void)Shell::run(QStringLiteral("/usr/bin/chattr"), {QStringLiteral("-i"), path(relative)});
+#endif
+}
+
+void ModelWorld::bundle(const QString& relative, const QString& identifier, qint64 bytes) const
+{
+    file(relative + QStringLiteral("/Contents/MacOS/binary"), bytes);
+    QFile plist(path(relative + QStringLiteral("/Contents/Info.plist")));
+    ASSERT_TRUE(plist.open(QIODevice::WriteOnly));
+    plist.write(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                               "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                               "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                               "<plist version=\"1.0\"><dict>"
+                               "<key>CFBundleIdentifier</key><string>%1</string>"
+                               "<key>CFBundleShortVersionString</key><string>1.0</string>"
+                               "</dict></plist>\n")
+                    .arg(identifier)
+                    .toUtf8());
+}
+
+void ModelWorld::rule(const QString& categoryId, CleanCategory::Scan scan)
+{
+    const std::lock_guard lock(m_rulesLock);
+    m_rules.insert(categoryId, std::move(scan));
+}
+
+AppState& ModelWorld::state()
+{
+    if (!m_state)
+        m_state = std::make_unique<AppState>(AppState::Services{m_privacy, m_volume, m_toast, m_services.get()});
+    return *m_state;
+}
+
+QStringList categoriesSelectedByDefault(bool selected)
+{
+    QStringList ids;
+    for (const CleanCategory& row : CleanCatalog::rows()) {
+        if (row.selectedByDefault == selected)
+            ids.append(row.id);
+    }
+    return ids;
+}
+
+} // namespace nubo::test
