@@ -1,0 +1,187 @@
+#include "../support/ModelWorld.h"
+
+#include "models/clean/CleanModel.h"
+
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace nubo;
+using namespace nubo::test;
+
+namespace {
+
+class CleanModelTest : public ModelWorld
+{
+protected:
+    CleanModel& clean() { return *state().clean(); }
+
+    CleanItem pathItem(const QString& relative, qint64 bytes)
+    {
+        file(relative + QStringLiteral("/data"), bytes);
+        return CleanItem::atPath(path(relative), m_roots.home);
+    }
+
+    static CleanItem command(const QString& name, qint64 size)
+    {
+        return CleanItem(QStringLiteral("cmd-") + name, name, QString(), size,
+                         CleanItem::Command{QStringLiteral("/usr/bin/true"), {name}});
+    }
+
+    void scanAndWait()
+    {
+        clean().scan();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isScanning(); }, 10000));
+    }
+
+    void cleanAndWait(const QStringList& categories)
+    {
+        clean().clean(categories);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isCleaning(); }, 10000));
+    }
+
+    static QStringList ids(const QList<CleanItem>& items)
+    {
+        QStringList out;
+        for (const CleanItem& item : items)
+            out.append(item.id);
+        return out;
+    }
+};
+
+} // namespace
+
+TEST_F(CleanModelTest, CategoriesLandOnTheirOwnAndOnlyDefaultOnesStartSelected)
+{
+    const QString safe = categoriesSelectedByDefault(true).first();
+    const QString personal = categoriesSelectedByDefault(false).first();
+    const CleanItem cache = pathItem(QStringLiteral("home/Library/Caches/one"), 3000);
+    const CleanItem download = pathItem(QStringLiteral("home/Downloads/old"), 5000);
+    QSemaphore gate;
+    rule(safe, [&gate, cache] {
+        gate.acquire();
+        return QList<CleanItem>{cache};
+    });
+    rule(personal, [download] { return QList<CleanItem>{download}; });
+    QSignalSpy scanning(&clean(), &CleanModel::isScanningChanged);
+    QSignalSpy analyzing(&state(), &AppState::isAnalyzingChanged);
+
+    clean().scan();
+    EXPECT_TRUE(clean().hasScanned());
+    EXPECT_TRUE(state().isAnalyzing());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return clean().hasEntry(personal); }, 10000));
+    EXPECT_TRUE(clean().isScanning());
+    EXPECT_FALSE(clean().hasEntry(safe));
+    EXPECT_EQ(clean().loading(), QStringList{safe});
+    gate.release();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isScanning(); }, 10000));
+
+    EXPECT_EQ(scanning.count(), 2);
+    EXPECT_GE(analyzing.count(), 2);
+    EXPECT_TRUE(clean().isSelected(cache.id));
+    EXPECT_FALSE(clean().isSelected(download.id));
+    EXPECT_EQ(clean().state(safe), CleanModel::CategoryState::All);
+    EXPECT_EQ(clean().state(personal), CleanModel::CategoryState::None);
+    EXPECT_EQ(clean().totalSelected(), cache.size);
+    EXPECT_EQ(clean().totalFound(), cache.size + download.size);
+    EXPECT_EQ(state().safeSize(), cache.size);
+    // A category whose rule found nothing is empty, unselected and weighs nothing.
+    const QString empty = categoriesSelectedByDefault(true).last();
+    EXPECT_TRUE(clean().items(empty).isEmpty());
+    EXPECT_EQ(clean().state(empty), CleanModel::CategoryState::None);
+    clean().toggleCategory(empty);
+    EXPECT_EQ(clean().selectedCount(), 1);
+}
+
+TEST_F(CleanModelTest, ACategoryToggleClearsAFullSelectionAndCompletesAPartialOne)
+{
+    const QString id = categoriesSelectedByDefault(false).first();
+    const CleanItem a = pathItem(QStringLiteral("home/Downloads/a"), 1000);
+    const CleanItem b = pathItem(QStringLiteral("home/Downloads/b"), 2000);
+    rule(id, [a, b] { return QList<CleanItem>{a, b}; });
+    scanAndWait();
+
+    clean().toggleItem(a.id);
+    EXPECT_EQ(clean().state(id), CleanModel::CategoryState::Partial);
+    EXPECT_EQ(clean().selectedSize(id), a.size);
+    clean().toggleCategory(id);
+    EXPECT_EQ(clean().state(id), CleanModel::CategoryState::All);
+    clean().toggleCategory(id);
+    EXPECT_EQ(clean().state(id), CleanModel::CategoryState::None);
+    EXPECT_EQ(clean().selectedCount(), 0);
+}
+
+TEST_F(CleanModelTest, ACleanDeletesCommandsRunFailuresStayAndOneReportIsMade)
+{
+    const QString safe = categoriesSelectedByDefault(true).first();
+    const QString tools = categoriesSelectedByDefault(false).at(0);
+    const QString other = categoriesSelectedByDefault(false).at(1);
+    const CleanItem gone = pathItem(QStringLiteral("home/Library/Caches/gone"), 4096);
+    // The cache container itself may only be emptied, never removed: the deleter refuses it.
+    const CleanItem refused = CleanItem::atPath(home(QStringLiteral("Library/Caches")), m_roots.home);
+    const CleanItem mine = pathItem(QStringLiteral("home/Downloads/mine"), 8192);
+    const CleanItem ok = command(QStringLiteral("prune"), 700);
+    const CleanItem stuck = command(QStringLiteral("stuck"), 900);
+    m_failingCommands << stuck.name;
+    rule(safe, [=] { return QList<CleanItem>{gone, refused}; });
+    rule(tools, [=] { return QList<CleanItem>{ok, stuck}; });
+    rule(other, [=] { return QList<CleanItem>{mine}; });
+    scanAndWait();
+    clean().toggleCategory(tools);
+    clean().toggleItem(mine.id);
+    QSignalSpy toasts(&state(), &AppState::toastChanged);
+
+    cleanAndWait({safe, tools});
+
+    EXPECT_EQ(toasts.count(), 1);
+    EXPECT_EQ(state().toast()->freed, gone.size + ok.size);
+    EXPECT_EQ(state().toast()->failures, 2);
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/gone")));
+    EXPECT_TRUE(exists(QStringLiteral("home/Library/Caches")));
+    EXPECT_TRUE(exists(QStringLiteral("home/Downloads/mine/data")));
+    EXPECT_EQ(ids(m_commandsRun), (QStringList{ok.id, stuck.id}));
+    // What failed is still listed and still selected; the other category was not touched.
+    EXPECT_EQ(ids(clean().items(safe)), QStringList{refused.id});
+    EXPECT_EQ(ids(clean().items(tools)), QStringList{stuck.id});
+    EXPECT_TRUE(clean().isSelected(refused.id));
+    EXPECT_FALSE(clean().isSelected(gone.id));
+    EXPECT_TRUE(clean().isSelected(mine.id));
+    EXPECT_EQ(ids(clean().items(other)), QStringList{mine.id});
+    EXPECT_GE(m_feedback.load(), 1);
+}
+
+TEST_F(CleanModelTest, NothingSelectedCleansNothingAndReportsNothing)
+{
+    const QString id = categoriesSelectedByDefault(false).first();
+    rule(id, [this] { return QList<CleanItem>{pathItem(QStringLiteral("home/Downloads/x"), 100)}; });
+    scanAndWait();
+    QSignalSpy cleaning(&clean(), &CleanModel::isCleaningChanged);
+    clean().clean();
+    EXPECT_EQ(cleaning.count(), 0);
+    EXPECT_FALSE(state().hasToast());
+    EXPECT_TRUE(exists(QStringLiteral("home/Downloads/x/data")));
+}
+
+TEST_F(CleanModelTest, TheNewestScanOfACategoryWinsWhateverFinishesLast)
+{
+    const QString id = categoriesSelectedByDefault(false).first();
+    const CleanItem old = pathItem(QStringLiteral("home/Downloads/old"), 100);
+    const CleanItem fresh = pathItem(QStringLiteral("home/Downloads/fresh"), 100);
+    QSemaphore gate;
+    std::atomic<int> calls = 0;
+    rule(id, [&] {
+        if (++calls == 1) {
+            gate.acquire();
+            return QList<CleanItem>{old};
+        }
+        return QList<CleanItem>{fresh};
+    });
+    clean().scan();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return calls.load() == 1; }, 10000));
+    clean().scan();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return clean().hasEntry(id); }, 10000));
+    gate.release();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isScanning(); }, 10000));
+    QTest::qWait(100);
+    EXPECT_EQ(ids(clean().items(id)), QStringList{fresh.id});
+}
