@@ -69,16 +69,16 @@ void AppsModel::track(QFuture<void> future)
     m_work.append(std::move(future));
 }
 
-QList<InstalledApp> AppsModel::visible() const
+QList<InstalledApp> AppsModel::arrange(const QList<InstalledApp>& apps, const QString& query, Sort sort)
 {
     QList<InstalledApp> shown;
-    const QString needle = folded(m_query);
-    for (const InstalledApp& app : m_apps) {
+    const QString needle = folded(query);
+    for (const InstalledApp& app : apps) {
         if (needle.isEmpty() || folded(app.name).contains(needle))
             shown.append(app);
     }
     // Stable over the name order the catalogue gave, so equal sizes or dates stay by name.
-    switch (m_sort) {
+    switch (sort) {
     case Sort::Name:
         break;
     case Sort::Size:
@@ -117,11 +117,11 @@ QVariantList AppsModel::visibleMaps() const
     return rows;
 }
 
-QList<InstalledApp> AppsModel::unused(const QDateTime& now) const
+QList<InstalledApp> AppsModel::unusedOf(const QList<InstalledApp>& apps, const QDateTime& now)
 {
     const QDateTime cutoff = now.addSecs(-unusedAfterSeconds);
     QList<InstalledApp> found;
-    for (const InstalledApp& app : m_apps) {
+    for (const InstalledApp& app : apps) {
         if (app.url.startsWith(QLatin1String("/System")))
             continue;
         if (!app.lastUsed || *app.lastUsed < cutoff)

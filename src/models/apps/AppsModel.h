@@ -67,10 +67,16 @@ public:
     [[nodiscard]] int count() const { return int(m_apps.size()); }
     /// The applications whose name holds `query`, ignoring case and accents the way the user's
     /// language does, in the chosen order. An unknown last use counts as the distant past.
-    [[nodiscard]] QList<InstalledApp> visible() const;
+    [[nodiscard]] QList<InstalledApp> visible() const { return arrange(m_apps, m_query, m_sort); }
+    /// The filter and order of `visible` over any list in name order.
+    [[nodiscard]] static QList<InstalledApp> arrange(const QList<InstalledApp>& apps, const QString& query, Sort sort);
     [[nodiscard]] QVariantList visibleMaps() const;
     /// Applications outside "/System" not used in the last 90 days (never, when unknown).
-    [[nodiscard]] QList<InstalledApp> unused(const QDateTime& now = QDateTime::currentDateTimeUtc()) const;
+    [[nodiscard]] QList<InstalledApp> unused(const QDateTime& now = QDateTime::currentDateTimeUtc()) const
+    {
+        return unusedOf(m_apps, now);
+    }
+    [[nodiscard]] static QList<InstalledApp> unusedOf(const QList<InstalledApp>& apps, const QDateTime& now);
     [[nodiscard]] int unusedCount() const { return int(unused().size()); }
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     [[nodiscard]] bool sizesLoaded() const { return m_sizesLoaded; }

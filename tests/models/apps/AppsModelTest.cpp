@@ -1,0 +1,229 @@
+#include "../support/ModelWorld.h"
+
+#include "models/apps/AppsModel.h"
+
+#include <QLocale>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+using namespace nubo;
+using namespace nubo::test;
+
+namespace {
+
+// Three applications: one used last week, one used long ago whose name has an accent, and one
+// in the user's own folder that was never opened; the first left data in the Library.
+class AppsModelTest : public ModelWorld
+{
+protected:
+    void SetUp() override
+    {
+        ModelWorld::SetUp();
+        bundle(QStringLiteral("Applications/Writer.app"), QStringLiteral("com.acme.writer"), 300'000);
+        bundle(QStringLiteral("Applications/Café Studio.app"), QStringLiteral("com.cafe.studio"), 900'000);
+        bundle(QStringLiteral("home/Applications/Zeta.app"), QStringLiteral("org.zeta"), 100'000);
+        file(QStringLiteral("home/Library/Preferences/com.acme.writer.plist"), 2000);
+        file(QStringLiteral("home/Library/Caches/com.acme.writer/blob"), 30'000);
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        m_metadata.lastUsed.insert(writer(), now.addDays(-7));
+        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Café Studio.app")), now.addDays(-200));
+        // Zeta was never opened: only its access date, two years old, speaks for it.
+        const timespec old[2] = {{now.addDays(-730).toSecsSinceEpoch(), 0}, {now.toSecsSinceEpoch(), 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path(QStringLiteral("home/Applications/Zeta.app"))).constData(),
+                              old, AT_SYMLINK_NOFOLLOW),
+                  0);
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+    }
+    void TearDown() override
+    {
+        ModelWorld::TearDown();
+        QLocale::setDefault(QLocale::c());
+    }
+
+    AppsModel& apps() { return *state().apps(); }
+    QString writer() const { return path(QStringLiteral("Applications/Writer.app")); }
+
+    void loadAndMeasure()
+    {
+        apps().load();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
+    }
+
+    void selectWriter()
+    {
+        apps().select(writer());
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().leftoversLoading(); }, 10000));
+        ASSERT_EQ(apps().leftovers().size(), 2);
+    }
+
+    void uninstallAndWait()
+    {
+        apps().uninstall();
+        EXPECT_TRUE(apps().isRemoving());
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
+    }
+
+    static QStringList names(const QList<InstalledApp>& list)
+    {
+        QStringList out;
+        for (const InstalledApp& app : list)
+            out.append(app.name);
+        return out;
+    }
+
+    const CleanItem& leftover(const QString& suffix)
+    {
+        for (const CleanItem& item : apps().leftovers()) {
+            if (item.id.endsWith(suffix))
+                return item;
+        }
+        ADD_FAILURE() << "no leftover " << suffix.toStdString();
+        return apps().leftovers().front();
+    }
+};
+
+} // namespace
+
+TEST_F(AppsModelTest, TheListLoadsFirstAndItsSizesFollowInTheBackground)
+{
+    QSignalSpy loading(&apps(), &AppsModel::isLoadingChanged);
+    apps().load();
+    EXPECT_TRUE(apps().isLoading());
+    EXPECT_TRUE(state().isAnalyzing());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isLoading(); }, 10000));
+    EXPECT_EQ(names(apps().apps()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
+    for (const InstalledApp& app : apps().apps())
+        EXPECT_GE(app.size.value_or(0), 100'000) << app.name.toStdString();
+    EXPECT_EQ(loading.count(), 2);
+    EXPECT_FALSE(state().isAnalyzing());
+}
+
+TEST_F(AppsModelTest, SearchIgnoresCaseAndAccentsAndTheThreeOrdersHold)
+{
+    loadAndMeasure();
+    apps().setQuery(QStringLiteral("cafe"));
+    EXPECT_EQ(names(apps().visible()), QStringList{QStringLiteral("Café Studio")});
+    apps().setQuery(QStringLiteral("WRIT"));
+    EXPECT_EQ(names(apps().visible()), QStringList{QStringLiteral("Writer")});
+    apps().setQuery(QStringLiteral("nada"));
+    EXPECT_TRUE(apps().visible().isEmpty());
+    apps().setQuery(QString());
+
+    apps().setSort(AppsModel::Sort::Size);
+    EXPECT_EQ(names(apps().visible()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
+    apps().setSort(AppsModel::Sort::LastUse);
+    // Most recent first; the oldest use comes last.
+    EXPECT_EQ(names(apps().visible()), (QStringList{QStringLiteral("Writer"), QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(names(apps().unused()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(AppsModel::sortLabels(),
+              (QStringList{QStringLiteral("Nombre"), QStringLiteral("Tamaño"), QStringLiteral("Último uso")}));
+}
+
+TEST_F(AppsModelTest, TheRemovalStartsWithTheBundleAndUntickingLowersItsSize)
+{
+    loadAndMeasure();
+    selectWriter();
+    const QList<CleanItem> items = apps().removalItems();
+    ASSERT_EQ(items.size(), 3);
+    EXPECT_EQ(items.front().id, writer());
+    EXPECT_EQ(items.front().url(), writer());
+    EXPECT_EQ(items.front().size, apps().selected()->size.value());
+    const qint64 all = apps().removalSize();
+    const CleanItem cache = leftover(QStringLiteral("com.acme.writer"));
+
+    QSignalSpy removal(&apps(), &AppsModel::removalChanged);
+    apps().toggle(cache.id);
+    EXPECT_EQ(apps().removalSize(), all - cache.size);
+    EXPECT_EQ(apps().removalItems().size(), 2);
+    EXPECT_EQ(apps().removalItems().front().id, writer());
+    apps().toggle(cache.id);
+    EXPECT_EQ(apps().removalSize(), all);
+    EXPECT_EQ(removal.count(), 2);
+}
+
+TEST_F(AppsModelTest, UninstallAsksARunningCopyToQuitDeletesAndDropsTheApp)
+{
+    loadAndMeasure();
+    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
+    selectWriter();
+    const CleanItem cache = leftover(QStringLiteral("com.acme.writer"));
+    apps().toggle(cache.id);
+    const qint64 expected = apps().removalSize();
+    QSignalSpy toasts(&state(), &AppState::toastChanged);
+
+    uninstallAndWait();
+
+    EXPECT_EQ(m_quitRequests.load(), 1);
+    EXPECT_FALSE(exists(QStringLiteral("Applications/Writer.app")));
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Preferences/com.acme.writer.plist")));
+    EXPECT_TRUE(exists(QStringLiteral("home/Library/Caches/com.acme.writer/blob")));
+    EXPECT_EQ(toasts.count(), 1);
+    EXPECT_EQ(state().toast()->freed, expected);
+    EXPECT_EQ(state().toast()->failures, 0);
+    EXPECT_EQ(names(apps().apps()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
+    EXPECT_TRUE(apps().selection().isEmpty());
+    EXPECT_TRUE(apps().leftovers().isEmpty());
+    EXPECT_TRUE(apps().excluded().isEmpty());
+}
+
+TEST_F(AppsModelTest, AnAppThatWillNotQuitIsRemovedAllTheSameAfterTheWait)
+{
+    loadAndMeasure();
+    m_quitObeys = false;
+    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
+    selectWriter();
+    uninstallAndWait();
+    EXPECT_EQ(m_quitRequests.load(), 1);
+    EXPECT_FALSE(exists(QStringLiteral("Applications/Writer.app")));
+    EXPECT_EQ(apps().apps().size(), 2);
+}
+
+TEST_F(AppsModelTest, AnAppWhoseBundleCannotBeDeletedStaysListed)
+{
+    loadAndMeasure();
+    selectWriter();
+    if (!pin(QStringLiteral("Applications/Writer.app/Contents/MacOS/binary")))
+        GTEST_SKIP() << "this file system cannot make a file undeletable";
+    m_admin.outcome = AdminOutcome::Failed;
+    uninstallAndWait();
+    EXPECT_EQ(m_quitRequests.load(), 0); // it was not running
+    EXPECT_TRUE(exists(QStringLiteral("Applications/Writer.app")));
+    EXPECT_EQ(state().toast()->failures, 1);
+    EXPECT_EQ(apps().apps().size(), 3);
+    EXPECT_EQ(apps().selection(), writer());
+}
+
+TEST(AppsOrder, AnUnknownLastUseIsTheDistantPastAndSystemAppsAreNeverUnused)
+{
+    const QDateTime now = QDateTime::fromSecsSinceEpoch(2000000000, Qt::UTC);
+    const auto app = [](const char* url, const char* name, std::optional<QDateTime> used, qint64 size) {
+        InstalledApp made;
+        made.url = QString::fromUtf8(url);
+        made.name = QString::fromUtf8(name);
+        made.lastUsed = std::move(used);
+        made.size = size;
+        return made;
+    };
+    const QList<InstalledApp> list{
+        app("/Applications/Alpha.app", "Alpha", std::nullopt, 10),
+        app("/System/Applications/Beta.app", "Beta", std::nullopt, 30),
+        app("/Applications/Gamma.app", "Gamma", now.addSecs(-AppsModel::unusedAfterSeconds), 30),
+        app("/Applications/Delta.app", "Delta", now.addSecs(-AppsModel::unusedAfterSeconds - 1), 20),
+    };
+    const auto names = [](const QList<InstalledApp>& apps) {
+        QStringList out;
+        for (const InstalledApp& one : apps)
+            out.append(one.name);
+        return out.join(QLatin1Char(' '));
+    };
+    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::LastUse)), QStringLiteral("Gamma Delta Alpha Beta"));
+    // Equal sizes keep the name order they came in.
+    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::Size)), QStringLiteral("Beta Gamma Delta Alpha"));
+    EXPECT_EQ(names(AppsModel::arrange(list, QStringLiteral("ALP"), AppsModel::Sort::Name)), QStringLiteral("Alpha"));
+    // Exactly 90 days is not yet unused; a second more is.
+    EXPECT_EQ(names(AppsModel::unusedOf(list, now)), QStringLiteral("Alpha Delta"));
+}
