@@ -1,0 +1,187 @@
+#include "../support/ModelWorld.h"
+
+#include "core/files/FolderListing.h"
+#include "core/format/Bytes.h"
+#include "models/app/Backends.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <limits>
+
+using namespace nubo;
+using namespace nubo::test;
+
+namespace {
+
+class AppStateModelsTest : public ModelWorld
+{
+protected:
+    void SetUp() override
+    {
+        ModelWorld::SetUp();
+        bundle(QStringLiteral("Applications/Writer.app"), QStringLiteral("com.acme.writer"), 10'000);
+    }
+
+    void waitForAnalysis()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !state().isAnalyzing(); }, 10000));
+    }
+};
+
+// Every entry of a fixture folder as a removable item, the way a discovery rule offers them.
+CleanCategory::Scan listing(const QString& folder, const QString& home)
+{
+    return [folder, home] {
+        QList<CleanItem> items;
+        for (const QString& name : QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name))
+            items.append(CleanItem::atPath(folder + QLatin1Char('/') + name, home));
+        return items;
+    };
+}
+
+} // namespace
+
+TEST_F(AppStateModelsTest, TheModelsKnowTheirOwner)
+{
+    EXPECT_EQ(state().map()->parent(), &state());
+    EXPECT_EQ(state().clean()->parent(), &state());
+    EXPECT_EQ(state().apps()->parent(), &state());
+    EXPECT_FALSE(state().isAnalyzing());
+    EXPECT_EQ(state().safeCategories(), categoriesSelectedByDefault(true));
+    EXPECT_EQ(state().safeSize(), 0);
+}
+
+TEST_F(AppStateModelsTest, AnalysingEmptiesAndReloadsTheAppsUnlessTheyAreLoading)
+{
+    state().analyze();
+    EXPECT_TRUE(state().isAnalyzing());
+    EXPECT_TRUE(state().clean()->hasScanned());
+    EXPECT_FALSE(state().map()->isScanning());
+    waitForAnalysis();
+    ASSERT_EQ(state().apps()->count(), 1);
+
+    // Not loading: the list empties at once and comes back.
+    state().analyze();
+    EXPECT_EQ(state().apps()->count(), 0);
+    waitForAnalysis();
+    EXPECT_EQ(state().apps()->count(), 1);
+
+    // Loading: only the cleanup scan starts; the list being loaded is left alone.
+    state().apps()->load();
+    ASSERT_TRUE(state().apps()->isLoading());
+    QSignalSpy cleanScans(state().clean(), &CleanModel::isScanningChanged);
+    state().analyze();
+    EXPECT_EQ(state().apps()->count(), 1);
+    EXPECT_EQ(cleanScans.count(), 1);
+    waitForAnalysis();
+    EXPECT_EQ(state().apps()->count(), 1);
+}
+
+TEST_F(AppStateModelsTest, JumpsToACategoryAndToUnusedApps)
+{
+    QSignalSpy sort(state().apps(), &AppsModel::sortChanged);
+    QSignalSpy section(&state(), &AppState::sectionChanged);
+    state().showUnusedApps();
+    EXPECT_EQ(state().apps()->sort(), AppsModel::Sort::LastUse);
+    EXPECT_EQ(state().pane(), Pane::Apps);
+    state().setPane(Pane::Home);
+    state().showUnusedApps(); // already sorted by last use: only the pane moves
+    EXPECT_EQ(sort.count(), 1);
+    EXPECT_EQ(section.count(), 3);
+
+    state().reveal(QStringLiteral("logs"));
+    EXPECT_EQ(state().clean()->path(), QStringList{QStringLiteral("logs")});
+    EXPECT_EQ(state().pane(), Pane::Clean);
+}
+
+TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const QStringList safe = categoriesSelectedByDefault(true);
+    const auto huge = [](const char* id) {
+        return CleanItem(QString::fromUtf8(id), QString::fromUtf8(id), QString(), std::numeric_limits<qint64>::max(),
+                         CleanItem::Remove{QStringLiteral("/nowhere/") + QString::fromUtf8(id)});
+    };
+    rule(safe.at(0), [=] { return QList<CleanItem>{huge("a")}; });
+    rule(safe.at(1), [=] { return QList<CleanItem>{huge("b")}; });
+    EXPECT_DEATH(
+        {
+            state().clean()->scan();
+            (void)QTest::qWaitFor([this] { return !state().clean()->isScanning(); }, 10000);
+            (void)state().safeSize();
+        },
+        "overflow");
+}
+
+// The whole program over a prepared home: the real backends, rules that list the fixture's own
+// folders, analyse, clean what is safe, and look at the disk.
+TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString base = dir.path();
+    SystemRoots roots{base + QStringLiteral("/home"), base + QStringLiteral("/Library"), base + QStringLiteral("/tmp"),
+                      base + QStringLiteral("/Applications"), base + QStringLiteral("/System/Applications")};
+    const auto write = [&](const QString& relative, qint64 bytes) {
+        const QString full = base + QLatin1Char('/') + relative;
+        QDir().mkpath(QFileInfo(full).path());
+        QFile out(full);
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(QByteArray(bytes, 'x'));
+    };
+    write(QStringLiteral("home/Library/Caches/com.a/blob"), 40'000);
+    write(QStringLiteral("home/Library/Caches/com.b/blob"), 9'000);
+    write(QStringLiteral("home/Library/Logs/a.log"), 7'000);
+    write(QStringLiteral("home/Downloads/setup.dmg"), 50'000);
+    write(QStringLiteral("home/Documents/thesis.txt"), 3'000);
+    write(QStringLiteral("Applications/Writer.app/Contents/MacOS/writer"), 5'000);
+    QDir().mkpath(roots.temporary);
+
+    Privacy privacy(roots.home, [] { return true; });
+    FakeVolumeCapacity volume;
+    volume.answer = {1'000'000'000'000, 250'000'000'000, 200'000'000'000};
+    const QHash<QString, QString> folders{
+        {QStringLiteral("caches"), roots.home + QStringLiteral("/Library/Caches")},
+        {QStringLiteral("logs"), roots.home + QStringLiteral("/Library/Logs")},
+        {QStringLiteral("olddownloads"), roots.home + QStringLiteral("/Downloads")},
+    };
+    Backends::Overrides overrides;
+    overrides.admin = std::make_unique<FakeAdminRunner>();
+    overrides.workspace = std::make_unique<FakeWorkspace>();
+    overrides.metadata = std::make_unique<FakeMetadata>();
+    overrides.rules = [&folders, home = roots.home](const QString& id) {
+        return folders.contains(id) ? listing(folders.value(id), home) : CleanCategory::Scan();
+    };
+    Backends backends(roots, privacy, std::move(overrides));
+    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+    {
+        AppState state({privacy, volume, std::chrono::seconds(4), &backends.services()});
+        state.analyze();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !state.isAnalyzing(); }, 10000));
+        ASSERT_EQ(state.apps()->count(), 1);
+        const qint64 safe = state.safeSize();
+        EXPECT_EQ(safe, state.clean()->size(QStringLiteral("caches")) + state.clean()->size(QStringLiteral("logs")));
+        EXPECT_GE(safe, 56'000);
+        EXPECT_EQ(state.clean()->totalSelected(), safe); // downloads start unselected
+
+        state.clean()->clean(state.safeCategories());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !state.clean()->isCleaning(); }, 10000));
+        EXPECT_EQ(state.toastHeadline(), Bytes::string(safe) + QStringLiteral(" liberados"));
+        EXPECT_EQ(state.toastDetail(), QString());
+        EXPECT_EQ(state.totalFreedThisSession(), safe);
+        EXPECT_EQ(state.safeSize(), 0);
+    }
+    QLocale::setDefault(QLocale::c());
+
+    const auto there = [&](const char* relative) { return QFileInfo::exists(base + QLatin1Char('/') + QString::fromUtf8(relative)); };
+    EXPECT_FALSE(there("home/Library/Caches/com.a"));
+    EXPECT_FALSE(there("home/Library/Caches/com.b"));
+    EXPECT_FALSE(there("home/Library/Logs/a.log"));
+    EXPECT_TRUE(there("home/Library/Caches"));
+    EXPECT_TRUE(there("home/Library/Logs"));
+    EXPECT_TRUE(there("home/Downloads/setup.dmg"));
+    EXPECT_TRUE(there("home/Documents/thesis.txt"));
+    EXPECT_TRUE(there("Applications/Writer.app/Contents/MacOS/writer"));
+}
