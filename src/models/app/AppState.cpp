@@ -11,9 +11,7 @@
 namespace nubo {
 
 AppState::AppState(Services services, QObject* parent)
-    : QObject(parent),
-      m_services(services),
-      m_disk(DiskInfo::current(services.volume)),
+    : QObject(parent), m_services(services), m_disk(DiskInfo::current(services.volume)),
       m_hasFullDiskAccess(services.privacy.refresh()),
       m_showPermissions(!services.privacy.hasFullDiskAccess())
 {

@@ -9,7 +9,6 @@
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
-
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -39,7 +38,8 @@ class AppState : public QObject
     Q_PROPERTY(QString diskLine READ diskLine NOTIFY diskChanged)
     Q_PROPERTY(QString diskTone READ diskTone NOTIFY diskChanged)
     Q_PROPERTY(bool hasFullDiskAccess READ hasFullDiskAccess NOTIFY hasFullDiskAccessChanged)
-    Q_PROPERTY(bool showPermissions READ showPermissions WRITE setShowPermissions NOTIFY showPermissionsChanged)
+    Q_PROPERTY(
+        bool showPermissions READ showPermissions WRITE setShowPermissions NOTIFY showPermissionsChanged)
     Q_PROPERTY(bool hasToast READ hasToast NOTIFY toastChanged)
     Q_PROPERTY(QString toastId READ toastId NOTIFY toastChanged)
     Q_PROPERTY(QString toastHeadline READ toastHeadline NOTIFY toastChanged)

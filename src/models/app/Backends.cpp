@@ -20,16 +20,12 @@ void askToQuit(const RunningApplication& app)
 } // namespace
 
 Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides overrides)
-    : m_roots(std::move(roots)),
-      m_admin(overrides.admin ? std::move(overrides.admin) : makeAdminRunner()),
+    : m_roots(std::move(roots)), m_admin(overrides.admin ? std::move(overrides.admin) : makeAdminRunner()),
       m_workspace(overrides.workspace ? std::move(overrides.workspace) : makeWorkspace()),
       m_metadata(overrides.metadata ? std::move(overrides.metadata) : makeMetadata()),
       m_tools(overrides.tools ? std::move(overrides.tools) : std::make_unique<ShellToolRunner>()),
-      m_safety(m_roots),
-      m_deleter(m_safety, *m_admin),
-      m_scanner(privacy),
-      m_catalog(std::move(overrides.rules)),
-      m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata)
+      m_safety(m_roots), m_deleter(m_safety, *m_admin), m_scanner(privacy),
+      m_catalog(std::move(overrides.rules)), m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata)
 {
     const ToolRunner& tools = *m_tools;
     m_services.emplace(ModelServices{

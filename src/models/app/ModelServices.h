@@ -6,7 +6,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-
 #include <chrono>
 #include <functional>
 
@@ -19,7 +18,11 @@ class DiskScanner;
 class Safety;
 
 /// The touch feedback a model gives after a user action; presentation only.
-enum class Feedback { Tap, Commit };
+enum class Feedback
+{
+    Tap,
+    Commit
+};
 
 /// What running a batch of command items achieved: the sizes announced for the commands that
 /// succeeded, and the names of those that did not.

@@ -12,10 +12,8 @@
 #include <QPointer>
 #include <QThread>
 #include <QtConcurrent/QtConcurrentRun>
-
-#include <sys/stat.h>
-
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace nubo {
 
@@ -50,23 +48,14 @@ struct UninstallOutcome
 
 } // namespace
 
-AppsModel::AppsModel(const ModelServices& services, QObject* parent)
-    : QObject(parent),
-      m_services(services)
+AppsModel::AppsModel(const ModelServices& services, QObject* parent) : QObject(parent), m_services(services)
 {
 }
 
 AppsModel::~AppsModel()
 {
     m_stop->store(true);
-    for (QFuture<void>& work : m_work)
-        work.waitForFinished();
-}
-
-void AppsModel::track(QFuture<void> future)
-{
-    m_work.removeIf([](const QFuture<void>& work) { return work.isFinished(); });
-    m_work.append(std::move(future));
+    m_work.waitForAll();
 }
 
 QList<InstalledApp> AppsModel::arrange(const QList<InstalledApp>& apps, const QString& query, Sort sort)
@@ -111,7 +100,8 @@ QVariantList AppsModel::visibleMaps() const
             {QStringLiteral("size"), app.size.value_or(0)},
             {QStringLiteral("sizeText"), app.size ? Bytes::string(*app.size) : QString()},
             {QStringLiteral("lastUsed"),
-             app.lastUsed ? spanish.toString(app.lastUsed->toLocalTime().date(), QLocale::ShortFormat) : QString()},
+             app.lastUsed ? spanish.toString(app.lastUsed->toLocalTime().date(), QLocale::ShortFormat)
+                          : QString()},
         });
     }
     return rows;
@@ -275,18 +265,18 @@ void AppsModel::load()
     setSizesLoaded(false);
     const quint64 generation = ++m_generation;
     const AppCatalog& catalog = m_services.apps;
-    track(QtConcurrent::run([&catalog] { return catalog.load(); })
-              .then(this, [this, generation](const QList<InstalledApp>& found) {
-                  if (generation != m_generation)
-                      return;
-                  m_apps = found;
-                  setLoading(false);
-                  emit appsChanged();
-                  emit visibleChanged();
-                  emit selectionChanged();
-                  emit removalChanged();
-                  measure(generation);
-              }));
+    m_work.start(this, QtConcurrent::run([&catalog] { return catalog.load(); }),
+                 [this, generation](const QList<InstalledApp>& found) {
+                     if (generation != m_generation)
+                         return;
+                     m_apps = found;
+                     setLoading(false);
+                     emit appsChanged();
+                     emit visibleChanged();
+                     emit selectionChanged();
+                     emit removalChanged();
+                     measure(generation);
+                 });
 }
 
 void AppsModel::measure(quint64 generation)
@@ -294,13 +284,14 @@ void AppsModel::measure(quint64 generation)
     QStringList urls;
     for (const InstalledApp& app : m_apps)
         urls.append(app.url);
-    track(QtConcurrent::run([this, urls, generation, stop = m_stop] {
+    m_work.add(QtConcurrent::run([this, urls, generation, stop = m_stop] {
         for (const QString& url : urls) {
             if (stop->load())
                 return;
             const qint64 size = Location::allocatedSize(url);
-            QMetaObject::invokeMethod(this, [this, generation, url, size] { storeSize(generation, url, size); },
-                                      Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this, [this, generation, url, size] { storeSize(generation, url, size); },
+                Qt::QueuedConnection);
         }
         QMetaObject::invokeMethod(
             this,
@@ -343,15 +334,15 @@ void AppsModel::select(const QString& url)
     }
     setLeftoversLoading(true);
     const AppCatalog& catalog = m_services.apps;
-    track(QtConcurrent::run([&catalog, app = *app] { return catalog.leftovers(app); })
-              .then(this, [this, url](const QList<CleanItem>& found) {
-                  // A search for an application no longer chosen has nothing to say.
-                  if (url != m_selection)
-                      return;
-                  m_leftovers = found;
-                  setLeftoversLoading(false);
-                  emit removalChanged();
-              }));
+    m_work.start(this, QtConcurrent::run([&catalog, app = *app] { return catalog.leftovers(app); }),
+                 [this, url](const QList<CleanItem>& found) {
+                     // A search for an application no longer chosen has nothing to say.
+                     if (url != m_selection)
+                         return;
+                     m_leftovers = found;
+                     setLeftoversLoading(false);
+                     emit removalChanged();
+                 });
 }
 
 void AppsModel::toggle(const QString& itemId)
@@ -373,24 +364,25 @@ void AppsModel::uninstall()
             items.append({*path, item.size});
     }
     const ModelServices& services = m_services;
-    track(QtConcurrent::run([&services, app = *app, items] {
-              if (const auto running = services.apps.runningInstance(app)) {
-                  if (services.quit)
-                      services.quit(*running);
-                  // Quitting politely may take a moment (a document to save); whether or not it
-                  // has quit after the last look, the removal goes ahead.
-                  for (int look = 0; look < services.quitPolls; ++look) {
-                      const auto still = services.apps.runningInstance(app);
-                      if (!still || still->pid != running->pid)
-                          break;
-                      QThread::msleep(quint64(services.quitPollInterval.count()));
-                  }
-              }
-              const DeletionResult result = services.deleter.deleteItemsNow(items, true);
-              return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
-          }).then(this, [this, app = *app](const UninstallOutcome& outcome) {
-        finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
-    }));
+    m_work.start(this, QtConcurrent::run([&services, app = *app, items] {
+                     if (const auto running = services.apps.runningInstance(app)) {
+                         if (services.quit)
+                             services.quit(*running);
+                         // Quitting politely may take a moment (a document to save); whether or not it
+                         // has quit after the last look, the removal goes ahead.
+                         for (int look = 0; look < services.quitPolls; ++look) {
+                             const auto still = services.apps.runningInstance(app);
+                             if (!still || still->pid != running->pid)
+                                 break;
+                             QThread::msleep(quint64(services.quitPollInterval.count()));
+                         }
+                     }
+                     const DeletionResult result = services.deleter.deleteItemsNow(items, true);
+                     return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
+                 }),
+                 [this, app = *app](const UninstallOutcome& outcome) {
+                     finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
+                 });
 }
 
 void AppsModel::finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone)

@@ -2,6 +2,7 @@
 
 #include "core/apps/InstalledApp.h"
 #include "core/cleanup/CleanItem.h"
+#include "models/app/BackgroundWork.h"
 #include "models/app/ModelServices.h"
 
 #include <QDateTime>
@@ -11,7 +12,6 @@
 #include <QStringList>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
-
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -51,7 +51,12 @@ class AppsModel : public QObject
 
 public:
     /// The three orders, in the order the picker shows them: "Nombre", "Tamaño", "Último uso".
-    enum class Sort { Name, Size, LastUse };
+    enum class Sort
+    {
+        Name,
+        Size,
+        LastUse
+    };
     Q_ENUM(Sort)
 
     /// An application unused for longer than this is recommended for removal.
@@ -69,7 +74,8 @@ public:
     /// language does, in the chosen order. An unknown last use counts as the distant past.
     [[nodiscard]] QList<InstalledApp> visible() const { return arrange(m_apps, m_query, m_sort); }
     /// The filter and order of `visible` over any list in name order.
-    [[nodiscard]] static QList<InstalledApp> arrange(const QList<InstalledApp>& apps, const QString& query, Sort sort);
+    [[nodiscard]] static QList<InstalledApp> arrange(const QList<InstalledApp>& apps, const QString& query,
+                                                     Sort sort);
     [[nodiscard]] QVariantList visibleMaps() const;
     /// Applications outside "/System" not used in the last 90 days (never, when unknown).
     [[nodiscard]] QList<InstalledApp> unused(const QDateTime& now = QDateTime::currentDateTimeUtc()) const
@@ -132,7 +138,6 @@ private:
     void measure(quint64 generation);
     void storeSize(quint64 generation, const QString& url, qint64 size);
     void finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone);
-    void track(QFuture<void> future);
 
     const ModelServices& m_services;
     AppState* m_app = nullptr;
@@ -148,7 +153,7 @@ private:
     QSet<QString> m_excluded;
     bool m_isRemoving = false;
     std::shared_ptr<std::atomic<bool>> m_stop = std::make_shared<std::atomic<bool>>(false);
-    QList<QFuture<void>> m_work;
+    BackgroundWork m_work;
 };
 
 } // namespace nubo

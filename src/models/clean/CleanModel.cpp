@@ -37,22 +37,13 @@ QString stateName(CleanModel::CategoryState state)
 
 } // namespace
 
-CleanModel::CleanModel(const ModelServices& services, QObject* parent)
-    : QObject(parent),
-      m_services(services)
+CleanModel::CleanModel(const ModelServices& services, QObject* parent) : QObject(parent), m_services(services)
 {
 }
 
 CleanModel::~CleanModel()
 {
-    for (QFuture<void>& work : m_work)
-        work.waitForFinished();
-}
-
-void CleanModel::track(QFuture<void> future)
-{
-    m_work.removeIf([](const QFuture<void>& work) { return work.isFinished(); });
-    m_work.append(std::move(future));
+    m_work.waitForAll();
 }
 
 const CleanCategory* CleanModel::category(const QString& categoryId) const
@@ -214,10 +205,9 @@ void CleanModel::scan()
         const quint64 generation = ++m_generation[row.id];
         // Each category lands on its own; an older run of the same category that ends later is
         // dropped, so the newest list always wins.
-        track(QtConcurrent::run([scan = row.scan] { return scan ? scan() : QList<CleanItem>(); })
-                  .then(this, [this, id = row.id, generation](const QList<CleanItem>& found) {
-                      land(id, generation, found);
-                  }));
+        m_work.start(
+            this, QtConcurrent::run([scan = row.scan] { return scan ? scan() : QList<CleanItem>(); }),
+            [this, id = row.id, generation](const QList<CleanItem>& found) { land(id, generation, found); });
     }
     if (!wasScanning && isScanning())
         emit isScanningChanged();
@@ -306,45 +296,47 @@ void CleanModel::clean(const QStringList& categoryIds)
     emit isCleaningChanged();
 
     const Deleter& deleter = m_services.deleter;
-    track(QtConcurrent::run([chosen, &deleter, runCommands = m_services.runCommands] {
-              CleanOutcome outcome;
-              QList<DeletionItem> paths;
-              QList<CleanItem> commands;
-              for (const CleanItem& item : chosen) {
-                  if (const auto path = item.url())
-                      paths.append({*path, item.size});
-                  else
-                      commands.append(item);
-              }
-              if (!paths.isEmpty()) {
-                  const DeletionResult result = deleter.deleteItemsNow(paths, true);
-                  outcome.freed = result.freed;
-                  outcome.failures = result.failed.size();
-                  for (const DeletionFailure& failure : result.failed)
-                      outcome.failedPaths.insert(failure.path);
-              }
-              if (!commands.isEmpty()) {
-                  CommandOutcome ran;
-                  if (runCommands) {
-                      ran = runCommands(commands);
-                  } else {
-                      // Without a runner nothing ran, and nothing may be reported as freed.
-                      for (const CleanItem& item : commands)
-                          ran.failed.append(item.name);
-                  }
-                  outcome.freed = checkedAdd(outcome.freed, ran.freed);
-                  outcome.failures += ran.failed.size();
-                  outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
-              }
-              return outcome;
-          }).then(this, [this, categoryIds, chosen](const CleanOutcome& outcome) {
-        finishClean(categoryIds, chosen, outcome.freed, outcome.failedPaths, outcome.failedNames,
-                    outcome.failures);
-    }));
+    m_work.start(this, QtConcurrent::run([chosen, &deleter, runCommands = m_services.runCommands] {
+                     CleanOutcome outcome;
+                     QList<DeletionItem> paths;
+                     QList<CleanItem> commands;
+                     for (const CleanItem& item : chosen) {
+                         if (const auto path = item.url())
+                             paths.append({*path, item.size});
+                         else
+                             commands.append(item);
+                     }
+                     if (!paths.isEmpty()) {
+                         const DeletionResult result = deleter.deleteItemsNow(paths, true);
+                         outcome.freed = result.freed;
+                         outcome.failures = result.failed.size();
+                         for (const DeletionFailure& failure : result.failed)
+                             outcome.failedPaths.insert(failure.path);
+                     }
+                     if (!commands.isEmpty()) {
+                         CommandOutcome ran;
+                         if (runCommands) {
+                             ran = runCommands(commands);
+                         } else {
+                             // Without a runner nothing ran, and nothing may be reported as freed.
+                             for (const CleanItem& item : commands)
+                                 ran.failed.append(item.name);
+                         }
+                         outcome.freed = checkedAdd(outcome.freed, ran.freed);
+                         outcome.failures += ran.failed.size();
+                         outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+                     }
+                     return outcome;
+                 }),
+                 [this, categoryIds, chosen](const CleanOutcome& outcome) {
+                     finishClean(categoryIds, chosen, outcome.freed, outcome.failedPaths, outcome.failedNames,
+                                 outcome.failures);
+                 });
 }
 
 void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, qint64 freed,
-                             const QSet<QString>& failedPaths, const QSet<QString>& failedNames, qint64 failures)
+                             const QSet<QString>& failedPaths, const QSet<QString>& failedNames,
+                             qint64 failures)
 {
     if (m_services.haptics)
         m_services.haptics(Feedback::Commit);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/cleanup/CleanCategory.h"
+#include "models/app/BackgroundWork.h"
 #include "models/app/ModelServices.h"
 
 #include <QFuture>
@@ -42,7 +43,12 @@ class CleanModel : public QObject
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
 
 public:
-    enum class CategoryState { None, All, Partial };
+    enum class CategoryState
+    {
+        None,
+        All,
+        Partial
+    };
 
     explicit CleanModel(const ModelServices& services, QObject* parent = nullptr);
     /// Waits for the background work, which borrows the services.
@@ -101,7 +107,6 @@ private:
                      const QSet<QString>& failedPaths, const QSet<QString>& failedNames, qint64 failures);
     [[nodiscard]] const CleanCategory* category(const QString& categoryId) const;
     [[nodiscard]] QVariantMap itemMap(const CleanItem& item) const;
-    void track(QFuture<void> future);
 
     const ModelServices& m_services;
     AppState* m_app = nullptr;
@@ -113,7 +118,7 @@ private:
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
-    QList<QFuture<void>> m_work;
+    BackgroundWork m_work;
 };
 
 } // namespace nubo

@@ -40,8 +40,7 @@ QString MapModel::Scope::label() const
 }
 
 MapModel::MapModel(const ModelServices& services, QObject* parent)
-    : QObject(parent),
-      m_services(services),
+    : QObject(parent), m_services(services),
       m_children([this](const FileNode* node) { return isMarked(node); })
 {
     m_poll.setInterval(services.progressInterval);
@@ -52,20 +51,13 @@ MapModel::~MapModel()
 {
     if (m_progress)
         m_progress->cancel();
-    for (QFuture<void>& work : m_work)
-        work.waitForFinished();
-}
-
-void MapModel::track(QFuture<void> future)
-{
-    m_work.removeIf([](const QFuture<void>& work) { return work.isFinished(); });
-    m_work.append(std::move(future));
+    m_work.waitForAll();
 }
 
 void MapModel::discard(std::shared_ptr<const FileNode> tree)
 {
     if (tree)
-        track(QtConcurrent::run([tree = std::move(tree)]() mutable { tree.reset(); }));
+        m_work.add(QtConcurrent::run([tree = std::move(tree)]() mutable { tree.reset(); }));
 }
 
 void MapModel::feedback(Feedback kind) const
@@ -200,8 +192,10 @@ void MapModel::scan(const Scope& scope)
     m_progress = progress;
     m_poll.start();
     DiskScanner& scanner = m_services.scanner;
-    track(QtConcurrent::run([&scanner, folder, progress] { return Tree(scanner.scan(folder, *progress)); })
-              .then(this, [this, progress](Tree tree) { land(progress, std::move(tree)); }));
+    m_work.start(this, QtConcurrent::run([&scanner, folder, progress] {
+                     return Tree(scanner.scan(folder, *progress));
+                 }),
+                 [this, progress](Tree tree) { land(progress, std::move(tree)); });
 }
 
 void MapModel::land(const std::shared_ptr<ScanProgress>& progress, Tree tree)
@@ -268,8 +262,8 @@ void MapModel::goUp()
 void MapModel::toggleMark(const FileNode* node)
 {
     // The root is the scope itself: the map deletes what is inside it, never the scope.
-    if (!node || m_isDeleting || node->isAggregate() || !node->parent()
-        || !m_services.safety.isAllowed(node->path()))
+    if (!node || m_isDeleting || node->isAggregate() || !node->parent() ||
+        !m_services.safety.isAllowed(node->path()))
         return;
     feedback(Feedback::Tap);
     if (!m_marked.remove(node))
@@ -289,11 +283,13 @@ void MapModel::deleteMarked()
     for (const FileNode* node : nodes)
         items.append({node->path(), node->size()});
     // The tree rides along so that its nodes outlive a scan that lands while the deletion runs.
-    track(m_services.deleter.deleteItems(items, true).then(
-        this, [this, tree = m_root, nodes](const DeletionResult& result) { finishDeletion(tree, nodes, result); }));
+    m_work.start(
+        this, m_services.deleter.deleteItems(items, true),
+        [this, tree = m_root, nodes](const DeletionResult& result) { finishDeletion(tree, nodes, result); });
 }
 
-void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& removed, const DeletionResult& result)
+void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& removed,
+                              const DeletionResult& result)
 {
     feedback(Feedback::Commit);
     if (m_app)
@@ -332,8 +328,8 @@ void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& re
         if (changed) {
             m_children.sizesChanged();
             emit markedChanged();
-            bumpRevision();
         }
+        bumpRevision();
     }
     setDeleting(false);
 }

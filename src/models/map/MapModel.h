@@ -1,5 +1,6 @@
 #pragma once
 
+#include "models/app/BackgroundWork.h"
 #include "models/app/ModelServices.h"
 #include "models/map/MapNodeModel.h"
 
@@ -8,7 +9,6 @@
 #include <QSet>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
-
 #include <memory>
 
 namespace nubo {
@@ -50,7 +50,12 @@ public:
     /// What is scanned: the home folder, a folder of the user's choice, or the whole disk.
     struct Scope
     {
-        enum class Kind { Home, Folder, Disk };
+        enum class Kind
+        {
+            Home,
+            Folder,
+            Disk
+        };
         Kind kind = Kind::Home;
         QString folder; ///< only for `Folder`
 
@@ -134,7 +139,8 @@ private:
     using Tree = std::shared_ptr<FileNode>;
 
     void land(const std::shared_ptr<ScanProgress>& progress, Tree tree);
-    void finishDeletion(const Tree& tree, const QList<const FileNode*>& removed, const DeletionResult& result);
+    void finishDeletion(const Tree& tree, const QList<const FileNode*>& removed,
+                        const DeletionResult& result);
     void pollProgress();
     void setCurrent(const FileNode* node);
     void setScanning(bool scanning);
@@ -145,7 +151,6 @@ private:
     [[nodiscard]] QList<const FileNode*> topMarked() const;
     // Big trees are freed on the pool so that replacing one never stalls the screen.
     void discard(std::shared_ptr<const FileNode> tree);
-    void track(QFuture<void> future);
 
     const ModelServices& m_services;
     AppState* m_app = nullptr;
@@ -163,7 +168,7 @@ private:
     QString m_scanningPath;
     int m_revision = 0;
     bool m_isDeleting = false;
-    QList<QFuture<void>> m_work;
+    BackgroundWork m_work;
 };
 
 } // namespace nubo

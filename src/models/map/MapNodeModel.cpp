@@ -9,8 +9,7 @@
 namespace nubo {
 
 MapNodeModel::MapNodeModel(MarkTest isMarked, QObject* parent)
-    : QAbstractListModel(parent),
-      m_isMarked(std::move(isMarked))
+    : QAbstractListModel(parent), m_isMarked(std::move(isMarked))
 {
 }
 
@@ -54,16 +53,11 @@ QVariant MapNodeModel::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> MapNodeModel::roleNames() const
 {
     static const QHash<int, QByteArray> names{
-        {int(Role::Name), "name"},
-        {int(Role::Path), "path"},
-        {int(Role::Size), "size"},
-        {int(Role::SizeText), "sizeText"},
-        {int(Role::ItemCount), "itemCount"},
-        {int(Role::IsDirectory), "isDirectory"},
-        {int(Role::IsPackage), "isPackage"},
-        {int(Role::IsAggregate), "isAggregate"},
-        {int(Role::CanDrill), "canDrill"},
-        {int(Role::Kind), "kind"},
+        {int(Role::Name), "name"},           {int(Role::Path), "path"},
+        {int(Role::Size), "size"},           {int(Role::SizeText), "sizeText"},
+        {int(Role::ItemCount), "itemCount"}, {int(Role::IsDirectory), "isDirectory"},
+        {int(Role::IsPackage), "isPackage"}, {int(Role::IsAggregate), "isAggregate"},
+        {int(Role::CanDrill), "canDrill"},   {int(Role::Kind), "kind"},
         {int(Role::Marked), "marked"},
     };
     return names;

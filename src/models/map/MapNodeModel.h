@@ -2,7 +2,6 @@
 
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
-
 #include <functional>
 #include <vector>
 
@@ -21,7 +20,8 @@ class MapNodeModel : public QAbstractListModel
     Q_DISABLE_COPY_MOVE(MapNodeModel)
 
 public:
-    enum class Role {
+    enum class Role
+    {
         Name = Qt::UserRole + 1,
         Path,
         Size,

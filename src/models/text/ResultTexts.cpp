@@ -25,7 +25,8 @@ QString toastFailures(qint64 failures)
 
 QString toastSymbol(qint64 failures)
 {
-    return failures == 0 ? QStringLiteral("checkmark.circle.fill") : QStringLiteral("exclamationmark.triangle.fill");
+    return failures == 0 ? QStringLiteral("checkmark.circle.fill")
+                         : QStringLiteral("exclamationmark.triangle.fill");
 }
 
 Tone toastTone(qint64 failures)
@@ -41,7 +42,8 @@ QString confirmationTitle(const QString& verb, qint64 count, qint64 size)
 
 QString confirmationMessage()
 {
-    return QStringLiteral("Se borrará para siempre, sin pasar por la Papelera. Esta acción no se puede deshacer.");
+    return QStringLiteral(
+        "Se borrará para siempre, sin pasar por la Papelera. Esta acción no se puede deshacer.");
 }
 
 QString diskLine(qint64 available, qint64 total)

@@ -1,5 +1,4 @@
 #include "../support/ModelWorld.h"
-
 #include "core/files/FolderListing.h"
 #include "core/format/Bytes.h"
 #include "models/app/Backends.h"
@@ -7,7 +6,6 @@
 #include <QDir>
 #include <QSignalSpy>
 #include <QTest>
-
 #include <limits>
 
 using namespace nubo;
@@ -35,7 +33,8 @@ CleanCategory::Scan listing(const QString& folder, const QString& home)
 {
     return [folder, home] {
         QList<CleanItem> items;
-        for (const QString& name : QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name))
+        for (const QString& name :
+             QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name))
             items.append(CleanItem::atPath(folder + QLatin1Char('/') + name, home));
         return items;
     };
@@ -101,7 +100,8 @@ TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const QStringList safe = categoriesSelectedByDefault(true);
     const auto huge = [](const char* id) {
-        return CleanItem(QString::fromUtf8(id), QString::fromUtf8(id), QString(), std::numeric_limits<qint64>::max(),
+        return CleanItem(QString::fromUtf8(id), QString::fromUtf8(id), QString(),
+                         std::numeric_limits<qint64>::max(),
                          CleanItem::Remove{QStringLiteral("/nowhere/") + QString::fromUtf8(id)});
     };
     rule(safe.at(0), [=] { return QList<CleanItem>{huge("a")}; });
@@ -122,8 +122,9 @@ TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QString base = dir.path();
-    SystemRoots roots{base + QStringLiteral("/home"), base + QStringLiteral("/Library"), base + QStringLiteral("/tmp"),
-                      base + QStringLiteral("/Applications"), base + QStringLiteral("/System/Applications")};
+    SystemRoots roots{base + QStringLiteral("/home"), base + QStringLiteral("/Library"),
+                      base + QStringLiteral("/tmp"), base + QStringLiteral("/Applications"),
+                      base + QStringLiteral("/System/Applications")};
     const auto write = [&](const QString& relative, qint64 bytes) {
         const QString full = base + QLatin1Char('/') + relative;
         QDir().mkpath(QFileInfo(full).path());
@@ -162,7 +163,8 @@ TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
         ASSERT_TRUE(QTest::qWaitFor([&] { return !state.isAnalyzing(); }, 10000));
         ASSERT_EQ(state.apps()->count(), 1);
         const qint64 safe = state.safeSize();
-        EXPECT_EQ(safe, state.clean()->size(QStringLiteral("caches")) + state.clean()->size(QStringLiteral("logs")));
+        EXPECT_EQ(safe, state.clean()->size(QStringLiteral("caches")) +
+                            state.clean()->size(QStringLiteral("logs")));
         EXPECT_GE(safe, 56'000);
         EXPECT_EQ(state.clean()->totalSelected(), safe); // downloads start unselected
 
@@ -175,7 +177,9 @@ TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
     }
     QLocale::setDefault(QLocale::c());
 
-    const auto there = [&](const char* relative) { return QFileInfo::exists(base + QLatin1Char('/') + QString::fromUtf8(relative)); };
+    const auto there = [&](const char* relative) {
+        return QFileInfo::exists(base + QLatin1Char('/') + QString::fromUtf8(relative));
+    };
     EXPECT_FALSE(there("home/Library/Caches/com.a"));
     EXPECT_FALSE(there("home/Library/Caches/com.b"));
     EXPECT_FALSE(there("home/Library/Logs/a.log"));

@@ -1,11 +1,10 @@
-#include "../support/ModelWorld.h"
-
 #include "models/apps/AppsModel.h"
+
+#include "../support/ModelWorld.h"
 
 #include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -32,9 +31,11 @@ protected:
         m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Café Studio.app")), now.addDays(-200));
         // Zeta was never opened: only its access date, two years old, speaks for it.
         const timespec old[2] = {{now.addDays(-730).toSecsSinceEpoch(), 0}, {now.toSecsSinceEpoch(), 0}};
-        ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path(QStringLiteral("home/Applications/Zeta.app"))).constData(),
-                              old, AT_SYMLINK_NOFOLLOW),
-                  0);
+        ASSERT_EQ(
+            ::utimensat(AT_FDCWD,
+                        QFile::encodeName(path(QStringLiteral("home/Applications/Zeta.app"))).constData(),
+                        old, AT_SYMLINK_NOFOLLOW),
+            0);
         QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     }
     void TearDown() override
@@ -94,7 +95,8 @@ TEST_F(AppsModelTest, TheListLoadsFirstAndItsSizesFollowInTheBackground)
     EXPECT_TRUE(apps().isLoading());
     EXPECT_TRUE(state().isAnalyzing());
     ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isLoading(); }, 10000));
-    EXPECT_EQ(names(apps().apps()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(names(apps().apps()),
+              (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
     ASSERT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
     for (const InstalledApp& app : apps().apps())
         EXPECT_GE(app.size.value_or(0), 100'000) << app.name.toStdString();
@@ -114,13 +116,15 @@ TEST_F(AppsModelTest, SearchIgnoresCaseAndAccentsAndTheThreeOrdersHold)
     apps().setQuery(QString());
 
     apps().setSort(AppsModel::Sort::Size);
-    EXPECT_EQ(names(apps().visible()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(names(apps().visible()),
+              (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
     apps().setSort(AppsModel::Sort::LastUse);
     // Most recent first; the oldest use comes last.
-    EXPECT_EQ(names(apps().visible()), (QStringList{QStringLiteral("Writer"), QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(names(apps().visible()),
+              (QStringList{QStringLiteral("Writer"), QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
     EXPECT_EQ(names(apps().unused()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
-    EXPECT_EQ(AppsModel::sortLabels(),
-              (QStringList{QStringLiteral("Nombre"), QStringLiteral("Tamaño"), QStringLiteral("Último uso")}));
+    EXPECT_EQ(AppsModel::sortLabels(), (QStringList{QStringLiteral("Nombre"), QStringLiteral("Tamaño"),
+                                                    QStringLiteral("Último uso")}));
 }
 
 TEST_F(AppsModelTest, TheRemovalStartsWithTheBundleAndUntickingLowersItsSize)
@@ -220,10 +224,13 @@ TEST(AppsOrder, AnUnknownLastUseIsTheDistantPastAndSystemAppsAreNeverUnused)
             out.append(one.name);
         return out.join(QLatin1Char(' '));
     };
-    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::LastUse)), QStringLiteral("Gamma Delta Alpha Beta"));
+    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::LastUse)),
+              QStringLiteral("Gamma Delta Alpha Beta"));
     // Equal sizes keep the name order they came in.
-    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::Size)), QStringLiteral("Beta Gamma Delta Alpha"));
-    EXPECT_EQ(names(AppsModel::arrange(list, QStringLiteral("ALP"), AppsModel::Sort::Name)), QStringLiteral("Alpha"));
+    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::Size)),
+              QStringLiteral("Beta Gamma Delta Alpha"));
+    EXPECT_EQ(names(AppsModel::arrange(list, QStringLiteral("ALP"), AppsModel::Sort::Name)),
+              QStringLiteral("Alpha"));
     // Exactly 90 days is not yet unused; a second more is.
     EXPECT_EQ(names(AppsModel::unusedOf(list, now)), QStringLiteral("Alpha Delta"));
 }

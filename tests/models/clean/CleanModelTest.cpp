@@ -1,10 +1,11 @@
-#include "../support/ModelWorld.h"
-
 #include "models/clean/CleanModel.h"
+
+#include "../support/ModelWorld.h"
 
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace nubo;
 using namespace nubo::test;
@@ -184,4 +185,18 @@ TEST_F(CleanModelTest, TheNewestScanOfACategoryWinsWhateverFinishesLast)
     ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isScanning(); }, 10000));
     QTest::qWait(100);
     EXPECT_EQ(ids(clean().items(id)), QStringList{fresh.id});
+}
+
+TEST_F(CleanModelTest, TheStateCanGoWhileRulesAreStillRunning)
+{
+    const QString id = categoriesSelectedByDefault(false).first();
+    std::atomic<bool> ran = false;
+    rule(id, [&ran] {
+        QThread::msleep(200);
+        ran = true;
+        return QList<CleanItem>();
+    });
+    clean().scan();
+    m_state.reset(); // waits for the rule, whose result then has nowhere to land
+    EXPECT_TRUE(ran.load());
 }

@@ -1,13 +1,12 @@
-#include "../support/ModelWorld.h"
+#include "models/map/MapModel.h"
 
+#include "../support/ModelWorld.h"
 #include "core/files/NativePath.h"
 #include "core/scanner/FileNode.h"
-#include "models/map/MapModel.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -64,7 +63,8 @@ protected:
 TEST_F(MapModelTest, AScanLandsItsTreeAndCopiesProgressOnlyWhenItChanges)
 {
     QList<qint64> files;
-    QObject::connect(&map(), &MapModel::scannedFilesChanged, &map(), [&] { files.append(map().scannedFiles()); });
+    QObject::connect(&map(), &MapModel::scannedFilesChanged, &map(),
+                     [&] { files.append(map().scannedFiles()); });
     QSignalSpy revision(&map(), &MapModel::revisionChanged);
     QSignalSpy scanning(&map(), &MapModel::isScanningChanged);
 
@@ -125,7 +125,7 @@ TEST_F(MapModelTest, OnlyAllowedNodesInsideTheRootCanBeMarked)
 
     QSignalSpy marked(&map(), &MapModel::markedChanged);
     map().toggleMark(aggregate);
-    map().toggleMark(library);    // a protected place
+    map().toggleMark(library); // a protected place
     map().toggleMark(map().root());
     map().toggleMark(nullptr);
     EXPECT_EQ(marked.count(), 0);

@@ -13,8 +13,9 @@ void ModelWorld::SetUp()
     ASSERT_TRUE(m_dir.isValid());
     for (const char* name : {"home/Library/Caches", "home/Applications", "Library", "tmp", "Applications"})
         folder(QString::fromUtf8(name));
-    m_roots = SystemRoots{path(QStringLiteral("home")), path(QStringLiteral("Library")), path(QStringLiteral("tmp")),
-                          path(QStringLiteral("Applications")), path(QStringLiteral("System/Applications"))};
+    m_roots = SystemRoots{path(QStringLiteral("home")), path(QStringLiteral("Library")),
+                          path(QStringLiteral("tmp")), path(QStringLiteral("Applications")),
+                          path(QStringLiteral("System/Applications"))};
     m_volume.answer = {1'000'000'000'000, 250'000'000'000, 200'000'000'000};
     m_safety = std::make_unique<Safety>(m_roots);
     m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
@@ -53,7 +54,8 @@ void ModelWorld::SetUp()
             [this](const RunningApplication& app) {
                 ++m_quitRequests;
                 if (m_quitObeys)
-                    m_workspace.running.removeIf([&app](const RunningApplication& other) { return other.pid == app.pid; });
+                    m_workspace.running.removeIf(
+                        [&app](const RunningApplication& other) { return other.pid == app.pid; });
             },
         .haptics = [this](Feedback) { ++m_feedback; },
         .progressInterval = std::chrono::milliseconds(120),
@@ -96,9 +98,11 @@ bool ModelWorld::exists(const QString& relative) const
 bool ModelWorld::pin(const QString& relative)
 {
 #ifdef Q_OS_MACOS
-    const ShellResult done = Shell::run(QStringLiteral("/usr/bin/chflags"), {QStringLiteral("schg"), path(relative)});
+    const ShellResult done =
+        Shell::run(QStringLiteral("/usr/bin/chflags"), {QStringLiteral("schg"), path(relative)});
 #else
-    const ShellResult done = Shell::run(QStringLiteral("/usr/bin/chattr"), {QStringLiteral("+i"), path(relative)});
+    const ShellResult done =
+        Shell::run(QStringLiteral("/usr/bin/chattr"), {QStringLiteral("+i"), path(relative)});
 #endif
     if (done.status != 0)
         return false;
@@ -140,7 +144,8 @@ void ModelWorld::rule(const QString& categoryId, CleanCategory::Scan scan)
 AppState& ModelWorld::state()
 {
     if (!m_state)
-        m_state = std::make_unique<AppState>(AppState::Services{m_privacy, m_volume, m_toast, m_services.get()});
+        m_state =
+            std::make_unique<AppState>(AppState::Services{m_privacy, m_volume, m_toast, m_services.get()});
     return *m_state;
 }
 

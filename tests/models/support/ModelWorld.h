@@ -14,12 +14,10 @@
 #include "platform/fake/FakeVolumeCapacity.h"
 #include "platform/fake/FakeWorkspace.h"
 
-#include <gtest/gtest.h>
-
 #include <QHash>
 #include <QTemporaryDir>
-
 #include <atomic>
+#include <gtest/gtest.h>
 #include <memory>
 #include <mutex>
 
@@ -38,7 +36,10 @@ protected:
 
     /// Absolute path of a path relative to the temporary root.
     [[nodiscard]] QString path(const QString& relative) const;
-    [[nodiscard]] QString home(const QString& relative) const { return path(QStringLiteral("home/") + relative); }
+    [[nodiscard]] QString home(const QString& relative) const
+    {
+        return path(QStringLiteral("home/") + relative);
+    }
     /// Writes a file of `bytes` real bytes, creating its folders.
     void file(const QString& relative, qint64 bytes) const;
     void folder(const QString& relative) const;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QFuture>
+#include <QFutureWatcher>
+#include <QList>
+#include <QObject>
+
+namespace nubo {
+
+/// The background jobs of one model. Each job's own future is kept so that the model's destructor
+/// can wait for the work that borrows its services. What a job hands back runs later on the
+/// model's thread and only while the model lives; it is never waited for, since the thread that
+/// would wait is the one that has to run it.
+class BackgroundWork
+{
+public:
+    /// Keeps `job` and has `done` receive its result on `owner`'s thread.
+    template <typename T, typename Done> void start(QObject* owner, QFuture<T> job, Done done)
+    {
+        add(QFuture<void>(job));
+        job.then(owner, std::move(done));
+    }
+
+    void add(QFuture<void> job)
+    {
+        m_jobs.removeIf([](const QFuture<void>& old) { return old.isFinished(); });
+        m_jobs.append(std::move(job));
+    }
+
+    void waitForAll()
+    {
+        for (QFuture<void>& job : m_jobs)
+            job.waitForFinished();
+        m_jobs.clear();
+    }
+
+private:
+    QList<QFuture<void>> m_jobs;
+};
+
+} // namespace nubo
