@@ -1,11 +1,31 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+
+#include <memory>
+#include <optional>
 
 namespace nubo {
 
-/// The desktop's workspace: opening addresses and settings pages (later also running
-/// applications, icons and display names). Core code uses it only through this interface.
+/// One application process as the workspace lists it.
+struct RunningApplication
+{
+    qint64 pid = 0;
+    QString name;
+    QString bundlePath; ///< the application bundle the process runs from; empty when it has none
+    bool hidden = false;
+    bool active = false;
+    bool regular = false; ///< an ordinary app with a window and a Dock icon, not a helper or agent
+
+    friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
+};
+
+/// The desktop's workspace: opening addresses and settings pages, the running applications and
+/// the registry of installed applications. Core code uses it only through this interface.
+///
+/// `runningApplications` and `applicationLocation` only read, and are safe from any thread: the
+/// leftover search calls them from background work.
 class Workspace
 {
 public:
@@ -14,6 +34,16 @@ public:
     /// Opens an address (a web page, a file, a settings page). Fire and forget: an address the
     /// platform cannot open does nothing.
     virtual void openUrl(const QString& url) = 0;
+
+    /// The application processes of this user, in the platform's order.
+    [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0;
+
+    /// Where the system's registry of applications places the application with this bundle
+    /// identifier, anywhere on the machine; none when it knows no such application.
+    [[nodiscard]] virtual std::optional<QString> applicationLocation(const QString& bundleIdentifier) const = 0;
 };
+
+/// The backend of the platform the program was built for.
+[[nodiscard]] std::unique_ptr<Workspace> makeWorkspace();
 
 } // namespace nubo

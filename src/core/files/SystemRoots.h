@@ -12,9 +12,21 @@ struct SystemRoots
     QString home;      ///< the user's home folder, no trailing slash
     QString library;   ///< the system-wide Library folder, "/Library" on a Mac
     QString temporary; ///< the per-user temporary folder as the system names it
+    /// The system-wide applications folder. Defaults keep older brace-initialised roots valid.
+    QString applications = QStringLiteral("/Applications");
+    /// The applications that come with the system (read-only on a Mac).
+    QString systemApplications = QStringLiteral("/System/Applications");
 
-    /// The real roots of this machine: `Home::url()`, "/Library" and the per-user temporary
-    /// folder (Darwin's per-user folder on a Mac, $TMPDIR or /tmp elsewhere).
+    /// The user's own applications folder, "Applications" in the home folder.
+    [[nodiscard]] QString userApplications() const { return home + QStringLiteral("/Applications"); }
+    /// The user's Library folder.
+    [[nodiscard]] QString userLibrary() const { return home + QStringLiteral("/Library"); }
+    /// The utilities inside the system-wide applications folder.
+    [[nodiscard]] QString utilities() const { return applications + QStringLiteral("/Utilities"); }
+
+    /// The real roots of this machine: `Home::url()`, "/Library", the per-user temporary folder
+    /// (Darwin's per-user folder on a Mac, $TMPDIR or /tmp elsewhere), "/Applications" and
+    /// "/System/Applications".
     [[nodiscard]] static SystemRoots system();
 };
 
