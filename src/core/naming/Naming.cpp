@@ -1,5 +1,7 @@
 #include "core/naming/Naming.h"
 
+#include "platform/Workspace.h"
+
 #include <QHash>
 #include <QRegularExpression>
 #include <QSet>
@@ -131,6 +133,13 @@ QString productOfIdentifier(const QString& name)
 } // namespace
 
 Naming::Naming(AppLookup lookup) : m_lookup(std::move(lookup)) {}
+
+Naming::AppLookup Naming::lookupIn(const Workspace& workspace)
+{
+    return [&workspace](const QString& bundleIdentifier) {
+        return workspace.applicationLocation(bundleIdentifier).value_or(QString());
+    };
+}
 
 QString Naming::tidy(const QString& raw)
 {
