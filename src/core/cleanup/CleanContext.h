@@ -24,6 +24,12 @@ class ToolRunner;
 /// that uses the context; the context itself is only read, from any number of threads at once.
 struct CleanContext
 {
+    CleanContext(const Safety& gate, const Privacy& guard, const Naming& names, const ToolRunner& runner,
+                 SystemRoots folders)
+        : safety(gate), privacy(guard), naming(names), tools(runner), roots(std::move(folders))
+    {
+    }
+
     const Safety& safety;
     const Privacy& privacy;
     const Naming& naming;
