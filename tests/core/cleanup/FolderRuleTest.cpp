@@ -8,6 +8,9 @@
 
 #include <QFile>
 
+#include <thread>
+#include <vector>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -218,4 +221,29 @@ TEST_F(FolderRuleTest, EveryCategoryIsBoundAndScansTheFixture)
     EXPECT_EQ(counts.value(QStringLiteral("runtimes")), 0);
     EXPECT_EQ(counts.value(QStringLiteral("docker")), 0);
     EXPECT_FALSE(CatalogRules::make(context)(QStringLiteral("unknown")));
+}
+
+TEST_F(FolderRuleTest, CategoriesScanningAtOnceFindWhatEachFindsAlone)
+{
+    for (int i = 0; i < 30; ++i) {
+        file(QStringLiteral("home/Library/Caches/com.vendor%1.app/blob").arg(i), 4096 * (i + 1));
+        file(QStringLiteral("home/.Trash/thrown%1").arg(i), 4096 * (i % 3 + 1));
+        age(file(QStringLiteral("home/Downloads/Setup%1.dmg").arg(i)), i * 5);
+    }
+    m_workspace.applications.insert(QStringLiteral("com.vendor3.app"), QStringLiteral("/Applications/Three.app"));
+    const CleanCatalog catalog(CatalogRules::make(std::make_shared<CleanContext>(*m_context)));
+
+    QList<QList<CleanItem>> alone;
+    for (const CleanCategory& category : catalog.all())
+        alone << category.scan();
+
+    QList<QList<CleanItem>> together(catalog.all().size());
+    std::vector<std::thread> threads;
+    for (qsizetype i = 0; i < catalog.all().size(); ++i)
+        threads.emplace_back([&, i] { together[i] = catalog.all().at(i).scan(); });
+    for (std::thread& thread : threads)
+        thread.join();
+
+    EXPECT_EQ(together, alone);
+    EXPECT_EQ(alone.at(0).size(), 30);
 }
