@@ -88,8 +88,12 @@ QList<CleanItem> unavailableSimulators(const CleanContext& context)
             const QString name = shown.isString() && !shown.toString().isEmpty() ? shown.toString()
                                                                                   : QStringLiteral("Simulador");
             const QString path = folder + udid;
+            const qint64 size = Location::allocatedSize(path);
+            // A device whose folder is gone or empty frees nothing worth a row.
+            if (size < 1)
+                continue;
             items << CleanItem(QStringLiteral("sim-") + udid, name + QStringLiteral(" (no disponible)"),
-                               Location::tildePath(path, context.roots.home), Location::allocatedSize(path),
+                               Location::tildePath(path, context.roots.home), size,
                                CleanItem::Command{xcrun(), {QStringLiteral("simctl"), QStringLiteral("delete"), udid}});
         }
     }

@@ -19,8 +19,9 @@ class ToolRunner;
 namespace CommandCleaners {
 
 /// Simulator devices the developer tools report as unavailable, each cleaned by
-/// "xcrun simctl delete <udid>". A device whose udid is not a plain UUID is never offered, so no
-/// odd listing can turn the command into "delete all" or an option.
+/// "xcrun simctl delete <udid>" and sized by its folder; a device whose folder holds nothing is
+/// left out. A device whose udid is not a plain UUID is never offered, so no odd listing can turn
+/// the command into "delete all" or an option.
 [[nodiscard]] QList<CleanItem> unavailableSimulators(const CleanContext& context);
 
 /// Installed simulator runtimes that may be deleted, each cleaned by

@@ -51,8 +51,7 @@ qint64 lastUse(const struct stat& info)
 QString monthAndYear(qint64 secondsSinceEpoch)
 {
     static const QLocale spanish(QLocale::Spanish, QLocale::Spain);
-    QString text = spanish.toString(QDateTime::fromSecsSinceEpoch(secondsSinceEpoch).date(), QStringLiteral("MMM yyyy"));
-    return text;
+    return spanish.toString(QDateTime::fromSecsSinceEpoch(secondsSinceEpoch).date(), QStringLiteral("MMM yyyy"));
 }
 
 } // namespace

@@ -49,8 +49,10 @@ TEST_F(CommandCleanersTest, UnavailableDevicesBecomeDeleteCommands)
 {
     // GIVEN the tool's listing: devices keyed by runtime, one without a name, one without a udid,
     // and udids that would widen or redirect the delete command
-    file(QStringLiteral("home/Library/Developer/CoreSimulator/Devices/") + QLatin1String(kUdid1) + QStringLiteral("/data"),
-         40960);
+    for (const char* udid : {kUdid1, kUdid2}) {
+        file(QStringLiteral("home/Library/Developer/CoreSimulator/Devices/") + QLatin1String(udid) + QStringLiteral("/data"),
+             40960);
+    }
     m_tools.script(kDevices, ok(QStringLiteral(R"({"devices": {
         "com.apple.CoreSimulator.SimRuntime.iOS-16-0": [
           {"udid": "%1", "name": "iPhone 14", "isAvailable": false, "state": "Shutdown"},
@@ -60,10 +62,12 @@ TEST_F(CommandCleanersTest, UnavailableDevicesBecomeDeleteCommands)
           {"udid": "-h", "name": "option"},
           42
         ],
-        "com.apple.CoreSimulator.SimRuntime.watchOS-9-0": [ {"udid": "%2", "name": 7} ],
+        "com.apple.CoreSimulator.SimRuntime.watchOS-9-0": [ {"udid": "%2", "name": 7},
+                                                            {"udid": "%3", "name": "folder gone"} ],
         "broken": "not a list"
     }})")
-                                      .arg(QLatin1String(kUdid1), QLatin1String(kUdid2))));
+                                      .arg(QLatin1String(kUdid1), QLatin1String(kUdid2),
+                                           QStringLiteral("00000000-1111-4222-8333-444444444444"))));
 
     const QList<CleanItem> items = CommandCleaners::unavailableSimulators(*m_context);
 
@@ -78,7 +82,7 @@ TEST_F(CommandCleanersTest, UnavailableDevicesBecomeDeleteCommands)
                                 QStringLiteral("/usr/bin/xcrun"),
                                 {QStringLiteral("simctl"), QStringLiteral("delete"), QLatin1String(kUdid1)}}));
     EXPECT_EQ(other.name, QStringLiteral("Simulador (no disponible)"));
-    EXPECT_EQ(other.size, 0); // its folder is gone: nothing measured, nothing invented
+    EXPECT_EQ(other.id, QStringLiteral("sim-") + QLatin1String(kUdid2));
     ASSERT_EQ(m_tools.calls().size(), 1);
     EXPECT_EQ(m_tools.calls().first().timeout, 20s);
 }
