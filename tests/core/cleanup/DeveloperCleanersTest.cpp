@@ -113,7 +113,7 @@ TEST_F(DeveloperCleanersTest, NodeModulesOfProjectsUntouchedForThirtyDays)
     EXPECT_EQ(items.first().id, old->id); // it holds the nested folder too, so it is the largest
 }
 
-TEST_F(DeveloperCleanersTest, NodeModulesWalkSkipsGatedFoldersAndLinks)
+TEST_F(DeveloperCleanersTest, NodeModulesWalkSkipsGatedFoldersLinksAndNamesThatAreNotText)
 {
     const auto stale = [this](const QString& at) {
         file(at + QStringLiteral("/node_modules/m.js"));
@@ -124,12 +124,30 @@ TEST_F(DeveloperCleanersTest, NodeModulesWalkSkipsGatedFoldersAndLinks)
     ASSERT_EQ(::symlink(QFile::encodeName(base(QStringLiteral("outside"))).constData(),
                         QFile::encodeName(home(QStringLiteral("linked"))).constData()),
               0);
+    // A project whose folder name is not text could only be offered under a wrong name: here,
+    // that of its twin whose name is the replacement character, which is offered once, as itself.
+    stale(QStringLiteral("home/bad\uFFFD"));
+    const QByteArray notText = QFile::encodeName(m_roots.home) + QByteArray("/bad\xff");
+    ASSERT_EQ(::mkdir(notText.constData(), 0755), 0);
+    ASSERT_EQ(::mkdir((notText + "/node_modules").constData(), 0755), 0);
+    const int fd = ::open((notText + "/node_modules/m.js").constData(), O_CREAT | O_WRONLY, 0644);
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(::write(fd, "module", 6), 6);
+    ::close(fd);
+    const timespec old[2] = {{time_t(QDateTime::currentSecsSinceEpoch() - 90 * 86400), 0},
+                             {time_t(QDateTime::currentSecsSinceEpoch() - 90 * 86400), 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, notText.constData(), old, 0), 0);
+
     m_fullDiskAccess = false;
     m_privacy->refresh();
-    EXPECT_TRUE(DeveloperCleaners::staleNodeModules(*m_context).isEmpty());
+    EXPECT_EQ(relative(DeveloperCleaners::staleNodeModules(*m_context)),
+              QStringList{QStringLiteral("home/bad\uFFFD/node_modules")});
     m_fullDiskAccess = true;
     m_privacy->refresh();
-    EXPECT_EQ(relative(DeveloperCleaners::staleNodeModules(*m_context)), list({"home/Documents/proj/node_modules"}));
+    QStringList found = relative(DeveloperCleaners::staleNodeModules(*m_context));
+    found.sort();
+    EXPECT_EQ(found, (QStringList{QStringLiteral("home/Documents/proj/node_modules"),
+                                  QStringLiteral("home/bad\uFFFD/node_modules")}));
 }
 
 TEST_F(DeveloperCleanersTest, LargeOldFilesAtTheSizeAndAgeLimits)
