@@ -196,47 +196,30 @@ TEST_F(FolderRuleTest, OddNamesAreOfferedExactlyAndNamesThatAreNotTextNever)
     EXPECT_EQ(offered, expected);
 }
 
-TEST_F(FolderRuleTest, EveryCategoryIsBoundAndScansTheFixture)
+TEST_F(FolderRuleTest, EveryCategoryIsBoundAndScansAtOnceAsItDoesAlone)
 {
-    // GIVEN one thing for each folder category and the scripted tools silent
-    file(QStringLiteral("home/Library/Logs/DiagnosticReports/crash.ips"));
-    file(QStringLiteral("home/Library/Developer/CoreSimulator/Caches/dyld/cache"));
-    m_context->orphans = [] {
-        return QList<CleanItem>{CleanItem(QStringLiteral("/x"), QStringLiteral("Gone"), QStringLiteral("~/x"), 9,
-                                          CleanItem::Remove{QStringLiteral("/x")})};
-    };
-    auto context = std::make_shared<CleanContext>(*m_context);
-    const CleanCatalog catalog(CatalogRules::make(context));
-
-    // WHEN every category scans
-    QHash<QString, qsizetype> counts;
-    for (const CleanCategory& category : catalog.all())
-        counts.insert(category.id, category.scan().size());
-
-    // THEN each finds what is there for it, and the tools' categories nothing
-    EXPECT_EQ(counts.size(), 18);
-    EXPECT_EQ(counts.value(QStringLiteral("logs")), 1);
-    EXPECT_EQ(counts.value(QStringLiteral("simulators")), 1);
-    EXPECT_EQ(counts.value(QStringLiteral("orphans")), 1);
-    EXPECT_EQ(counts.value(QStringLiteral("runtimes")), 0);
-    EXPECT_EQ(counts.value(QStringLiteral("docker")), 0);
-    EXPECT_FALSE(CatalogRules::make(context)(QStringLiteral("unknown")));
-}
-
-TEST_F(FolderRuleTest, CategoriesScanningAtOnceFindWhatEachFindsAlone)
-{
+    // GIVEN something for several categories and the scripted tools silent
     for (int i = 0; i < 30; ++i) {
         file(QStringLiteral("home/Library/Caches/com.vendor%1.app/blob").arg(i), 4096 * (i + 1));
         file(QStringLiteral("home/.Trash/thrown%1").arg(i), 4096 * (i % 3 + 1));
         age(file(QStringLiteral("home/Downloads/Setup%1.dmg").arg(i)), i * 5);
     }
+    file(QStringLiteral("home/Library/Developer/CoreSimulator/Caches/dyld/cache"));
     m_workspace.applications.insert(QStringLiteral("com.vendor3.app"), QStringLiteral("/Applications/Three.app"));
-    const CleanCatalog catalog(CatalogRules::make(std::make_shared<CleanContext>(*m_context)));
+    m_context->orphans = [] {
+        return QList<CleanItem>{CleanItem(QStringLiteral("/x"), QStringLiteral("Gone"), QStringLiteral("~/x"), 9,
+                                          CleanItem::Remove{QStringLiteral("/x")})};
+    };
+    const auto context = std::make_shared<CleanContext>(*m_context);
+    const CleanCatalog catalog(CatalogRules::make(context));
 
+    // WHEN every category scans alone, then all at once
+    QHash<QString, qsizetype> counts;
     QList<QList<CleanItem>> alone;
-    for (const CleanCategory& category : catalog.all())
+    for (const CleanCategory& category : catalog.all()) {
         alone << category.scan();
-
+        counts.insert(category.id, alone.last().size());
+    }
     QList<QList<CleanItem>> together(catalog.all().size());
     std::vector<std::thread> threads;
     for (qsizetype i = 0; i < catalog.all().size(); ++i)
@@ -244,6 +227,13 @@ TEST_F(FolderRuleTest, CategoriesScanningAtOnceFindWhatEachFindsAlone)
     for (std::thread& thread : threads)
         thread.join();
 
+    // THEN each found what is there for it, the tools' categories nothing, and at once the same
+    EXPECT_EQ(counts.size(), 18);
+    EXPECT_EQ(counts.value(QStringLiteral("caches")), 30);
+    EXPECT_EQ(counts.value(QStringLiteral("simulators")), 1);
+    EXPECT_EQ(counts.value(QStringLiteral("orphans")), 1);
+    EXPECT_EQ(counts.value(QStringLiteral("runtimes")), 0);
+    EXPECT_EQ(counts.value(QStringLiteral("docker")), 0);
     EXPECT_EQ(together, alone);
-    EXPECT_EQ(alone.at(0).size(), 30);
+    EXPECT_FALSE(CatalogRules::make(context)(QStringLiteral("unknown")));
 }
