@@ -200,6 +200,9 @@ Naming::Resolved Naming::resolve(const QString& folder) const
             QString name = app.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
             if (name.endsWith(QLatin1String(".app"), Qt::CaseInsensitive))
                 name.chop(4);
+            // Linux desktops register an application as a desktop entry named by its identifier.
+            if (name.endsWith(QLatin1String(".desktop")))
+                name = tidy(name.chopped(8));
             return {name.isEmpty() ? tidy(key) : name, {}, app};
         }
     }

@@ -125,6 +125,9 @@ TEST(Naming, TheWorkspaceRegistryFindsOwners)
               (Naming::Resolved{QStringLiteral("Figma"), {}, QStringLiteral("/Applications/Figma.app")}));
     // The registry is asked by exact identifier; an unknown one falls back to the tidied name.
     EXPECT_EQ(naming.resolve(QStringLiteral("com.figma.agent")), (Naming::Resolved{QStringLiteral("Figma"), {}, {}}));
+    workspace.applications.insert(QStringLiteral("org.gnome.Nautilus"),
+                                  QStringLiteral("/usr/share/applications/org.gnome.Nautilus.desktop"));
+    EXPECT_EQ(naming.resolve(QStringLiteral("org.gnome.Nautilus")).name, QStringLiteral("Nautilus"));
     EXPECT_EQ(naming.resolve(QStringLiteral("com.jetbrains.intellij-ce")).name, QStringLiteral("Intellij Ce"));
     EXPECT_EQ(naming.resolve(QStringLiteral("snake_case_tool")).name, QStringLiteral("Snake Case Tool"));
 }
