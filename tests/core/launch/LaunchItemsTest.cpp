@@ -1,4 +1,5 @@
 #include "core/launch/LaunchItems.h"
+
 #include "core/admin/ShellQuote.h"
 #include "core/deletion/Deleter.h"
 #include "core/naming/Naming.h"
@@ -8,21 +9,16 @@
 #include "platform/fake/FakeAdminRunner.h"
 #include "platform/fake/FakeWorkspace.h"
 #include "platform/fake/ScriptedToolRunner.h"
-
 #include "support/AppleScriptText.h"
-
-#include <gtest/gtest.h>
-
-#include <plist/plist.h>
+#include "support/FixtureFiles.h"
+#include "support/PlistWriter.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <cstdlib>
-#include <memory>
-
 #include <fcntl.h>
+#include <gtest/gtest.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,28 +39,12 @@ namespace {
 
 QByteArray xmlPlist(const QByteArray& body)
 {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-           "<plist version=\"1.0\"><dict>" +
-           body + "</dict></plist>\n";
+    return test::plistDict(body, test::PlistFormat::xml);
 }
 
-// The same dictionary in the binary form launchd also reads, written by libplist itself.
 QByteArray binaryPlist(const QByteArray& body)
 {
-    const QByteArray xml = xmlPlist(body);
-    plist_t node = nullptr;
-    plist_from_xml(xml.constData(), uint32_t(xml.size()), &node);
-    if (!node)
-        return {};
-    char* bytes = nullptr;
-    uint32_t length = 0;
-    plist_to_bin(node, &bytes, &length);
-    QByteArray binary(bytes, qsizetype(length));
-    std::free(bytes);
-    plist_free(node);
-    return binary;
+    return test::plistDict(body, test::PlistFormat::binary);
 }
 
 // A temporary Mac: a home with its agents, the system-wide agents and daemons, and a stand-in
@@ -85,18 +65,17 @@ protected:
         m_tools.daemons = path("Library/LaunchDaemons");
 
         const QByteArray dir = shellQuote(m_dir.path()).toUtf8();
-        write("launchctl", "#!/bin/sh\n"
-                           "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
-                           "printf '%s\\n' \"$line\" >> " +
-                               dir +
-                               "/log\n"
-                               "f=" +
-                               dir +
-                               "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
-                               "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
-                               "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
-                               "exit 0\n");
-        ASSERT_EQ(::chmod(QFile::encodeName(path("launchctl")).constData(), 0755), 0);
+        test::writeScript(path("launchctl"),
+                          "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
+                          "printf '%s\\n' \"$line\" >> " +
+                              dir +
+                              "/log\n"
+                              "f=" +
+                              dir +
+                              "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
+                              "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
+                              "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
+                              "exit 0\n");
 
         m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
@@ -112,9 +91,7 @@ protected:
 
     void write(const char* relative, const QByteArray& bytes) const
     {
-        QFile file(path(relative));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        test::writeBytes(path(relative), bytes);
     }
 
     // What the stand-in prints (and how it exits) when called with these arguments.
@@ -292,11 +269,7 @@ TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
 TEST_F(LaunchItemsTest, NameThatIsNotUtf8IsNeverOffered)
 {
     const QByteArray odd = QFile::encodeName(path("Library/LaunchAgents")) + "/bad\xff\xfe.plist";
-    const int fd = ::open(odd.constData(), O_WRONLY | O_CREAT, 0644);
-    ASSERT_GE(fd, 0);
-    const QByteArray body = xmlPlist("<key>Label</key><string>com.odd</string>");
-    ASSERT_EQ(::write(fd, body.constData(), size_t(body.size())), ssize_t(body.size()));
-    ::close(fd);
+    test::writeBytes(odd, xmlPlist("<key>Label</key><string>com.odd</string>"));
     write("Library/LaunchAgents/a'b\n-c.plist", xmlPlist("<key>Label</key><string>-a'b\"c\\d</string>"));
 
     const QList<LaunchItem> loaded = items().load();
