@@ -64,11 +64,16 @@ DiskScanner::Services servicesWith(int helpers)
     return services;
 }
 
-std::unique_ptr<FileNode> scan(const QString& root, int helpers = 2)
+std::unique_ptr<FileNode> scan(const QString& root, const DiskScanner::Services& services)
 {
-    DiskScanner scanner(servicesWith(helpers));
+    DiskScanner scanner(services);
     ScanProgress progress;
     return scanner.scan(root, progress);
+}
+
+std::unique_ptr<FileNode> scan(const QString& root, int helpers = 2)
+{
+    return scan(root, servicesWith(helpers));
 }
 
 QStringList childNames(const FileNode& node)
@@ -264,9 +269,7 @@ TEST(DiskScanner, RootNameTopLevelPackagesAndVolumesFollowTheSystemsAnswers)
     services.displayName = [](const QString& path) {
         return QStringLiteral("Inicio de ") + QDir(path).dirName();
     };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto root = scanner.scan(tree.root(), progress);
+    const auto root = scan(tree.root(), services);
     EXPECT_EQ(root->name(), QStringLiteral("Inicio de ") + QDir(tree.root()).dirName());
     EXPECT_TRUE(find(*root, QStringLiteral("/Plain"))->isPackage());
     EXPECT_FALSE(find(*root, QStringLiteral("/Odd.bundle"))->isPackage());
@@ -341,8 +344,7 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     // A gated root is a folder of nothing.
     DiskScanner::Services all;
     all.isGated = [](const QString&) { return true; };
-    DiskScanner closed(all);
-    const auto gated = closed.scan(root, progress);
+    const auto gated = scan(root, all);
     EXPECT_EQ(gated->size(), 0);
     EXPECT_EQ(gated->itemCount(), 1);
     EXPECT_TRUE(gated->children().empty());
@@ -373,9 +375,7 @@ TEST(DiskScanner, TheWholeDiskIsCalledMacintoshHDAndOtherVolumesAreNotEntered)
         return path != QLatin1String("/") && path != QLatin1String("/proc") && path != QLatin1String("/sys");
     };
     services.displayName = [](const QString&) { return QStringLiteral("never asked for the disk"); };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto disk = scanner.scan(QStringLiteral("/"), progress);
+    const auto disk = scan(QStringLiteral("/"), services);
     EXPECT_EQ(disk->name(), QStringLiteral("Macintosh HD"));
     EXPECT_EQ(disk->path(), QStringLiteral("/"));
     struct stat rootInfo
@@ -444,9 +444,7 @@ TEST(DiskScanner, AFolderThatVanishesDuringTheScanCountsNothing)
             QDir(path).removeRecursively();
         return false;
     };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto node = scanner.scan(root, progress);
+    const auto node = scan(root, services);
     expectConsistent(*node);
     EXPECT_EQ(node->size(), blocksOf(tree.rootBytes() + "/Keep/big"));
     EXPECT_EQ(node->size(), tree.expectedBytes());
@@ -465,9 +463,7 @@ TEST(DiskScanner, UnreadableFoldersCountAsEmpty)
 
     const QString root = tree.root();
     const QByteArray answer = nubo::test::runUnprivileged([&root] {
-        DiskScanner scanner(servicesWith(0));
-        ScanProgress progress;
-        const auto node = scanner.scan(root, progress);
+        const auto node = scan(root, 0);
         const FileNode* closed = find(*node, QStringLiteral("/Open/deep/Closed"));
         return QByteArray::number(node->size()) + ' ' + QByteArray::number(closed ? closed->size() : -1) +
                ' ' + QByteArray::number(node->fileCount());
