@@ -37,15 +37,8 @@ void PrintTo(const LaunchItem& item, std::ostream* out)
 
 namespace {
 
-QByteArray xmlPlist(const QByteArray& body)
-{
-    return test::plistDict(body, test::PlistFormat::xml);
-}
-
-QByteArray binaryPlist(const QByteArray& body)
-{
-    return test::plistDict(body, test::PlistFormat::binary);
-}
+using test::plistDict;
+using test::PlistFormat;
 
 // A temporary Mac: a home with its agents, the system-wide agents and daemons, and a stand-in
 // launchctl that logs every call (arguments joined by "|") and prints the listings a test wrote.
@@ -187,22 +180,23 @@ TEST(LaunchListings, LoadedLabelsSkipTheHeaderAndJunk)
 TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
 {
     write("home/Library/LaunchAgents/com.example.sync.plist",
-          xmlPlist("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
-                   "<array><string>/Applications/Sync "
-                   "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
+          plistDict("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
+                    "<array><string>/Applications/Sync "
+                    "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
     write("home/Library/LaunchAgents/nolabel.plist",
-          binaryPlist("<key>Program</key><string>/usr/local/bin/thing</string>"));
+          plistDict("<key>Program</key><string>/usr/local/bin/thing</string>", PlistFormat::binary));
     write("home/Library/LaunchAgents/broken.plist", "<?xml version=\"1.0\"?><plist><dict><key>Label");
-    write("home/Library/LaunchAgents/notes.txt", xmlPlist("<key>Label</key><string>not.a.job</string>"));
+    write("home/Library/LaunchAgents/notes.txt", plistDict("<key>Label</key><string>not.a.job</string>"));
     write("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist",
-          binaryPlist(
-              "<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>"));
+          plistDict("<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>",
+                    PlistFormat::binary));
     write("Library/LaunchAgents/com.acme.helper.plist",
-          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+          plistDict("<key>Label</key><string>com.acme.helper</string>"));
     write("Library/LaunchDaemons/com.spotify.client.plist",
-          binaryPlist("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>"));
+          plistDict("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>",
+                    PlistFormat::binary));
     write("Library/LaunchDaemons/com.acme.helper.plist",
-          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+          plistDict("<key>Label</key><string>com.acme.helper</string>"));
     m_workspace.applications.insert(QStringLiteral("com.spotify.client"),
                                     QStringLiteral("/Applications/Spotify.app"));
 
@@ -250,7 +244,7 @@ TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
 
 TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
 {
-    write("Library/LaunchDaemons/com.acme.d.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    write("Library/LaunchDaemons/com.acme.d.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
     ScriptedToolRunner scripted; // every call fails, as when launchctl is missing or hangs
     const QList<LaunchItem> loaded = items(scripted).load();
     ASSERT_EQ(loaded.size(), 1);
@@ -269,8 +263,8 @@ TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
 TEST_F(LaunchItemsTest, NameThatIsNotUtf8IsNeverOffered)
 {
     const QByteArray odd = QFile::encodeName(path("Library/LaunchAgents")) + "/bad\xff\xfe.plist";
-    test::writeBytes(odd, xmlPlist("<key>Label</key><string>com.odd</string>"));
-    write("Library/LaunchAgents/a'b\n-c.plist", xmlPlist("<key>Label</key><string>-a'b\"c\\d</string>"));
+    test::writeBytes(odd, plistDict("<key>Label</key><string>com.odd</string>"));
+    write("Library/LaunchAgents/a'b\n-c.plist", plistDict("<key>Label</key><string>-a'b\"c\\d</string>"));
 
     const QList<LaunchItem> loaded = items().load();
     ASSERT_EQ(loaded.size(), 1);
@@ -335,7 +329,7 @@ TEST_F(LaunchItemsTest, DaemonCommandLinesKeepAQuotedLabelOneArgument)
 
 TEST_F(LaunchItemsTest, RefusedPromptChangesNothing)
 {
-    write("Library/LaunchDaemons/daemon.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
     const LaunchItem item = daemon(QStringLiteral("com.acme.d"));
     m_admin.outcome = AdminOutcome::Failed;
 
@@ -348,8 +342,8 @@ TEST_F(LaunchItemsTest, RefusedPromptChangesNothing)
 
 TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)
 {
-    write("home/Library/LaunchAgents/com.me.plist", xmlPlist("<key>Label</key><string>com.me</string>"));
-    write("Library/LaunchDaemons/daemon.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    write("home/Library/LaunchAgents/com.me.plist", plistDict("<key>Label</key><string>com.me</string>"));
+    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
     LaunchItem mine;
     mine.url = path("home/Library/LaunchAgents/com.me.plist");
     mine.label = QStringLiteral("com.me");
