@@ -1,9 +1,8 @@
 #include "core/files/NativePath.h"
 
-#include "support/FixtureFiles.h"
+#include "support/TempTree.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace NativePath = nubo::NativePath;
@@ -34,8 +33,8 @@ TEST(NativePath, EveryByteSequenceComesBackExactly)
 
 TEST(NativePath, ADecodedNameStillReachesItsFile)
 {
-    QTemporaryDir dir;
-    const QByteArray path = QFile::encodeName(dir.path()) + "/r\xe9sum\xe9 \xff.txt";
+    nubo::test::TempTree tree; // removed by its bytes, which Qt cannot name
+    const QByteArray path = tree.bytes("r\xe9sum\xe9 \xff.txt");
     nubo::test::writeBytes(path, {});
     EXPECT_TRUE(nubo::test::exists(NativePath::encode(NativePath::decode(path))));
     // What Qt's own conversion would have produced does not reach it.
