@@ -4,6 +4,7 @@
 #include "core/privacy/Privacy.h"
 #include "core/safety/Safety.h"
 #include "platform/linux/DesktopMetadata.h"
+#include "support/FixtureFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -32,10 +33,8 @@ TEST(DesktopWorkspace, ARealProcessIsTheRunningInstanceOfItsBundle)
 {
     QTemporaryDir dir;
     const QString bundle = dir.filePath(QStringLiteral("Applications/Sleeper.app"));
-    const QString executable = bundle + QStringLiteral("/Contents/MacOS/Sleeper");
-    ASSERT_TRUE(QDir().mkpath(bundle + QStringLiteral("/Contents/MacOS")));
-    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), executable));
-    ASSERT_TRUE(QFile::setPermissions(executable, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString executable =
+        test::copyProgram(QStringLiteral("/bin/sleep"), bundle + QStringLiteral("/Contents/MacOS/Sleeper"));
 
     QProcess process;
     process.start(executable, {QStringLiteral("30")});
@@ -72,14 +71,11 @@ TEST(DesktopWorkspace, TheRegistryOfApplicationsIsTheDesktopFiles)
     QTemporaryDir dir;
     const QByteArray previous = qgetenv("XDG_DATA_HOME");
     qputenv("XDG_DATA_HOME", QFile::encodeName(dir.path()));
-    ASSERT_TRUE(QDir().mkpath(dir.filePath(QStringLiteral("applications"))));
-    QFile entry(dir.filePath(QStringLiteral("applications/org.example.Tool.desktop")));
-    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
-    entry.write("[Desktop Entry]\nType=Application\nName=Tool\nExec=true\n");
-    entry.close();
+    const QString entry = dir.filePath(QStringLiteral("applications/org.example.Tool.desktop"));
+    test::writeBytes(entry, "[Desktop Entry]\nType=Application\nName=Tool\nExec=true\n");
 
     const DesktopWorkspace workspace;
-    EXPECT_EQ(workspace.applicationLocation(QStringLiteral("org.example.Tool")), entry.fileName());
+    EXPECT_EQ(workspace.applicationLocation(QStringLiteral("org.example.Tool")), entry);
     EXPECT_FALSE(workspace.applicationLocation(QStringLiteral("org.example.Missing")));
     EXPECT_FALSE(workspace.applicationLocation(QStringLiteral("../applications/org.example.Tool")));
     EXPECT_FALSE(workspace.applicationLocation(QString()));
