@@ -15,7 +15,7 @@ struct RunningApplication
     QString bundlePath; ///< the application bundle the process runs from; empty when it has none
     bool hidden = false;
     bool active = false;
-    bool regular = false; ///< an ordinary app with a window and a Dock icon, not a helper or agent
+    bool regular = false;    ///< an ordinary app with a window and a Dock icon, not a helper or agent
     bool terminated = false; ///< it has ended although the system still lists it
 
     friend bool operator==(const RunningApplication&, const RunningApplication&) = default;

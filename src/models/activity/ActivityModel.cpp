@@ -10,7 +10,6 @@
 #include <QFutureWatcher>
 #include <QVariantMap>
 #include <QtConcurrent>
-
 #include <algorithm>
 #include <mutex>
 
@@ -20,7 +19,8 @@ namespace nubo {
 // mid-refresh leaves the job a live sampler; the job's result is then simply never published.
 struct ActivityModel::Sampling
 {
-    Sampling(const Workspace& apps, const ProcessTable& table) : workspace(apps), processes(table), sampler(table)
+    Sampling(const Workspace& apps, const ProcessTable& table)
+        : workspace(apps), processes(table), sampler(table)
     {
     }
 
@@ -29,7 +29,8 @@ struct ActivityModel::Sampling
         QList<RunningApplication> kept;
         for (const RunningApplication& app : workspace.runningApplications()) {
             // Background agents, accessory apps and helpers have no place in the list.
-            if (app.regular && !app.terminated && app.pid > 0 && app.pid <= std::numeric_limits<qint32>::max())
+            if (app.regular && !app.terminated && app.pid > 0 &&
+                app.pid <= std::numeric_limits<qint32>::max())
                 kept << app;
         }
         QList<UsageSampler::App> pairs;
@@ -48,8 +49,8 @@ struct ActivityModel::Sampling
         snapshot.apps.reserve(kept.size());
         for (const RunningApplication& app : kept) {
             const UsageSampler::Usage figures = usage.value(qint32(app.pid));
-            snapshot.apps.append(
-                {qint32(app.pid), app.name, app.bundlePath, figures.cpu, figures.memory, app.hidden, app.active});
+            snapshot.apps.append({qint32(app.pid), app.name, app.bundlePath, figures.cpu, figures.memory,
+                                  app.hidden, app.active});
         }
         return snapshot;
     }
@@ -99,8 +100,7 @@ std::optional<ActivityModel::Sort> ActivityModel::sortFromLabel(const QString& t
 }
 
 ActivityModel::ActivityModel(Services services, QObject* parent)
-    : QObject(parent),
-      m_services(services),
+    : QObject(parent), m_services(services),
       m_sampling(std::make_shared<Sampling>(services.workspace, services.processes)),
       m_launchAtLogin(services.loginItem.isRegistered()),
       m_lastAccessibility(services.accessibility.isTrusted())
@@ -119,7 +119,8 @@ QList<AppUsage> ActivityModel::sorted() const
 {
     QList<AppUsage> list = m_apps;
     if (m_sort == Sort::cpu)
-        std::stable_sort(list.begin(), list.end(), [](const AppUsage& a, const AppUsage& b) { return a.cpu > b.cpu; });
+        std::stable_sort(list.begin(), list.end(),
+                         [](const AppUsage& a, const AppUsage& b) { return a.cpu > b.cpu; });
     else
         std::stable_sort(list.begin(), list.end(),
                          [](const AppUsage& a, const AppUsage& b) { return a.memory > b.memory; });
@@ -241,19 +242,27 @@ const AppUsage* ActivityModel::listed(int pid) const
 
 std::optional<RunningApplication> ActivityModel::lookUp(const AppUsage& app) const
 {
+    return lookUp(app, m_services.workspace.runningApplications());
+}
+
+std::optional<RunningApplication> ActivityModel::lookUp(const AppUsage& app,
+                                                        const QList<RunningApplication>& all)
+{
     // The id alone could name another program by now; the bundle must still match.
     const QString bundle = app.bundleURL.isEmpty() ? QString() : QDir::cleanPath(app.bundleURL);
-    for (const RunningApplication& running : m_services.workspace.runningApplications()) {
+    for (const RunningApplication& running : all) {
         if (running.pid != app.pid || running.terminated)
             continue;
-        const QString runningBundle = running.bundlePath.isEmpty() ? QString() : QDir::cleanPath(running.bundlePath);
+        const QString runningBundle =
+            running.bundlePath.isEmpty() ? QString() : QDir::cleanPath(running.bundlePath);
         if (bundle.isEmpty() || runningBundle == bundle)
             return running;
     }
     return std::nullopt;
 }
 
-void ActivityModel::act(const AppUsage& app, void (Workspace::*action)(const RunningApplication&), bool supported)
+void ActivityModel::act(const AppUsage& app, void (Workspace::*action)(const RunningApplication&),
+                        bool supported)
 {
     if (!supported)
         return;
@@ -353,10 +362,7 @@ void ActivityModel::hideAll()
     for (const AppUsage& app : m_apps) {
         if (app.pid == m_services.ownPid)
             continue;
-        const auto found = std::find_if(running.begin(), running.end(), [&app](const RunningApplication& r) {
-            return r.pid == app.pid && !r.terminated;
-        });
-        if (found != running.end())
+        if (const std::optional<RunningApplication> found = lookUp(app, running))
             m_services.workspace.hide(*found);
     }
     bump();

@@ -8,7 +8,6 @@
 #include <QTimer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
-
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -50,7 +49,11 @@ class ActivityModel : public QObject
 
 public:
     /// The orders `sorted` can list the applications in; the label is what the picker shows.
-    enum class Sort { cpu, memory };
+    enum class Sort
+    {
+        cpu,
+        memory
+    };
 
     [[nodiscard]] static QString label(Sort sort);
     /// The order with this label ("CPU", "Memoria"); none for any other text.
@@ -147,6 +150,8 @@ private:
     void publish(const Snapshot& snapshot);
     [[nodiscard]] const AppUsage* listed(int pid) const;
     [[nodiscard]] std::optional<RunningApplication> lookUp(const AppUsage& app) const;
+    [[nodiscard]] static std::optional<RunningApplication> lookUp(const AppUsage& app,
+                                                                  const QList<RunningApplication>& all);
     void act(const AppUsage& app, void (Workspace::*action)(const RunningApplication&), bool supported);
     bool trusted();
     void minimizeOnPool(QList<qint64> pids);

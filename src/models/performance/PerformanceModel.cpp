@@ -5,7 +5,6 @@
 
 #include <QFutureWatcher>
 #include <QtConcurrent>
-
 #include <algorithm>
 
 namespace nubo {
@@ -14,8 +13,7 @@ namespace {
 
 // Runs `work` on the thread pool and hands its result to `done` on `context`'s thread; when the
 // context is destroyed first, the result is dropped.
-template<typename Work, typename Done>
-void inBackground(QObject* context, Work work, Done done)
+template <typename Work, typename Done> void inBackground(QObject* context, Work work, Done done)
 {
     using Result = std::invoke_result_t<Work>;
     auto* watcher = new QFutureWatcher<Result>(context);
@@ -63,7 +61,8 @@ QVariantMap PerformanceModel::outcomesMap() const
 {
     QVariantMap map;
     for (auto it = m_outcomes.cbegin(); it != m_outcomes.cend(); ++it)
-        map.insert(it.key(), QVariantMap{{QStringLiteral("ok"), it->ok}, {QStringLiteral("message"), it->message}});
+        map.insert(it.key(),
+                   QVariantMap{{QStringLiteral("ok"), it->ok}, {QStringLiteral("message"), it->message}});
     return map;
 }
 
@@ -81,7 +80,9 @@ void PerformanceModel::load()
     const MaintenanceCatalog& maintenance = m_maintenance;
     inBackground(
         this,
-        [&launchItems, &maintenance] { return Loaded{launchItems.load(), maintenance.localSnapshotCount()}; },
+        [&launchItems, &maintenance] {
+            return Loaded{launchItems.load(), maintenance.localSnapshotCount()};
+        },
         [this, generation](const Loaded& loaded) {
             // An older load that ends after a newer one started would show a stale list.
             if (generation == m_loadGeneration) {

@@ -3,7 +3,6 @@
 #include "platform/Accessibility.h"
 
 #include <QList>
-
 #include <atomic>
 #include <mutex>
 

@@ -5,9 +5,9 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QStandardPaths>
 #include <QUrl>
-#include <QHash>
 #include <climits>
 #include <csignal>
 #include <limits>

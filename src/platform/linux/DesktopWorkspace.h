@@ -17,9 +17,9 @@ namespace nubo {
 ///
 /// Quit is SIGTERM and force quit SIGKILL, sent only to a process of this user that still runs
 /// from the application's bundle. Bringing to the front, hiding and showing need the window
-/// manager and are not supported: they do nothing. The registry of installed applications is the freedesktop one:
-/// an application with identifier org.example.Tool is installed when "org.example.Tool.desktop"
-/// lies in one of the desktop's application folders.
+/// manager and are not supported: they do nothing. The registry of installed applications is the freedesktop
+/// one: an application with identifier org.example.Tool is installed when "org.example.Tool.desktop" lies in
+/// one of the desktop's application folders.
 class DesktopWorkspace final : public Workspace
 {
 public:

@@ -37,7 +37,8 @@ public:
             if (CFGetTypeID(windows) == CFArrayGetTypeID()) {
                 const auto list = static_cast<CFArrayRef>(windows);
                 for (CFIndex i = 0; i < CFArrayGetCount(list); ++i) {
-                    const auto window = static_cast<AXUIElementRef>(const_cast<void*>(CFArrayGetValueAtIndex(list, i)));
+                    const auto window =
+                        static_cast<AXUIElementRef>(const_cast<void*>(CFArrayGetValueAtIndex(list, i)));
                     AXUIElementSetAttributeValue(window, kAXMinimizedAttribute, kCFBooleanTrue);
                 }
             }

@@ -1,5 +1,4 @@
 #include "models/activity/ActivityModel.h"
-
 #include "platform/fake/FakeLoginItem.h"
 #include "platform/linux/DesktopWorkspace.h"
 #include "platform/linux/ProcFsProcessTable.h"
@@ -46,7 +45,8 @@ TEST(ActivityModelLinux, ARealAppIsListedMeasuredAndQuit)
     ProcFsProcessTable processes;
     UnsupportedAccessibility accessibility;
     FakeLoginItem login;
-    ActivityModel model({workspace, processes, accessibility, login, QCoreApplication::applicationPid(), 1h, 50ms});
+    ActivityModel model(
+        {workspace, processes, accessibility, login, QCoreApplication::applicationPid(), 1h, 50ms});
     EXPECT_FALSE(model.canHide());
     EXPECT_FALSE(model.canMinimize());
     QSignalSpy refreshed(&model, &ActivityModel::refreshed);

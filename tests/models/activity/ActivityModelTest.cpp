@@ -7,9 +7,8 @@
 
 #include <QSignalSpy>
 #include <QTest>
-#include <gtest/gtest.h>
-
 #include <atomic>
+#include <gtest/gtest.h>
 #include <thread>
 
 using namespace nubo;
@@ -73,10 +72,12 @@ protected:
         agent.regular = false;
         RunningApplication ended = regularApp(50, QStringLiteral("Ended"));
         ended.terminated = true;
-        m_workspace.running = {regularApp(20, QStringLiteral("Zeta")), regularApp(30, QStringLiteral("Alpha")),
-                               agent, ended, regularApp(kOwnPid, QStringLiteral("Nubo"))};
+        m_workspace.running = {regularApp(20, QStringLiteral("Zeta")),
+                               regularApp(30, QStringLiteral("Alpha")), agent, ended,
+                               regularApp(kOwnPid, QStringLiteral("Nubo"))};
         for (const RunningApplication& app : m_workspace.running)
-            m_table.inner.add(qint32(app.pid), (app.bundlePath + QStringLiteral("/Contents/MacOS/x")).toUtf8(), 0,
+            m_table.inner.add(qint32(app.pid),
+                              (app.bundlePath + QStringLiteral("/Contents/MacOS/x")).toUtf8(), 0,
                               app.pid == kOwnPid ? 1000 : 5000);
         // A helper inside Alpha's bundle adds to Alpha's processor time but not to the list.
         m_table.inner.add(31, "/Applications/Alpha.app/Contents/Frameworks/Helper", 0, 0);
@@ -167,9 +168,10 @@ TEST_F(ActivityModelTest, ActionsFindTheAppAgainAndIgnoreOneThatIsGone)
     model.hide(30);
     model.unhide(30);
     model.activate(20);
-    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("terminate 20"), QStringLiteral("forceTerminate 30"),
-                                                QStringLiteral("hide 30"), QStringLiteral("unhide 30"),
-                                                QStringLiteral("activate 20")}));
+    EXPECT_EQ(
+        m_workspace.actions,
+        (QStringList{QStringLiteral("terminate 20"), QStringLiteral("forceTerminate 30"),
+                     QStringLiteral("hide 30"), QStringLiteral("unhide 30"), QStringLiteral("activate 20")}));
     EXPECT_TRUE(spy.wait(2000)); // the bump
 
     // Zeta has quit and its id now belongs to something else; Alpha is gone altogether.

@@ -16,9 +16,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
-
 #include <memory>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -35,7 +33,8 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        for (const char* folder : {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
+        for (const char* folder :
+             {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
             ASSERT_TRUE(QDir().mkpath(path(folder)));
         m_tools.userId = 501;
         m_tools.launchctl = path("launchctl");
@@ -53,7 +52,8 @@ protected:
         const QByteArray fail = shellQuote(path("fail")).toUtf8();
         tool("sh", "i=0; while [ ! -e " + gate + " ] && [ ! -e " + fail +
                        " ] && [ $i -lt 400 ]; do sleep 0.05; i=$((i+1)); done\n"
-                       "[ -e " + gate + " ]\n");
+                       "[ -e " +
+                       gate + " ]\n");
         release();
         plist("home/Library/LaunchAgents/com.me.agent.plist", "com.me.agent");
         plist("Library/LaunchDaemons/com.sys.daemon.plist", "com.sys.daemon");
@@ -66,7 +66,10 @@ protected:
         m_model = std::make_unique<PerformanceModel>(*m_launchItems, *m_maintenance);
     }
 
-    [[nodiscard]] QString path(const char* relative) const { return m_dir.filePath(QString::fromUtf8(relative)); }
+    [[nodiscard]] QString path(const char* relative) const
+    {
+        return m_dir.filePath(QString::fromUtf8(relative));
+    }
 
     void tool(const char* name, const QByteArray& body) const
     {
@@ -191,7 +194,8 @@ TEST_F(PerformanceModelTest, RunningATaskAgainHidesItsOutcomeUntilItEnds)
     m_model->run(QStringLiteral("verify"));
     EXPECT_TRUE(m_model->running().contains(QStringLiteral("verify")));
     QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
-    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("verify")), (MaintenanceTask::Outcome{true, QStringLiteral("Sin errores")}));
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("verify")),
+              (MaintenanceTask::Outcome{true, QStringLiteral("Sin errores")}));
 
     // WHEN it runs a second time THEN no outcome shows while it runs, and a second click is ignored.
     hold();
@@ -215,7 +219,8 @@ TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
     m_model->run(QStringLiteral("snapshots")); // behind the (accepting) prompt, then recounted
     QTRY_VERIFY_WITH_TIMEOUT(m_model->outcomes().contains(QStringLiteral("snapshots")), 10000);
     EXPECT_EQ(m_model->snapshotCount(), 2);
-    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("snapshots")), (MaintenanceTask::Outcome{true, QStringLiteral("Hecho")}));
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("snapshots")),
+              (MaintenanceTask::Outcome{true, QStringLiteral("Hecho")}));
     EXPECT_TRUE(m_model->running().contains(QStringLiteral("dock")));
 
     // A command that fails without a word reads "Error"; a refused prompt reads "Cancelado".
@@ -223,8 +228,10 @@ TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
     m_model->run(QStringLiteral("purge"));
     QFile(path("fail")).open(QIODevice::WriteOnly);
     QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
-    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("purge")), (MaintenanceTask::Outcome{false, QStringLiteral("Cancelado")}));
-    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("dock")), (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("purge")),
+              (MaintenanceTask::Outcome{false, QStringLiteral("Cancelado")}));
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("dock")),
+              (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
 }
 
 } // namespace
