@@ -1,5 +1,6 @@
-// Opening at login through the Service Management framework's main-app service (macOS 13 and
-// later). Calls only; the model reads the status back after every change.
+// Opening at login through the Service Management framework's main-app service. It exists from
+// macOS 13 on; on older systems nothing is registered and the switch reads off. Calls only; the
+// model reads the status back after every change.
 #include "platform/LoginItem.h"
 
 #import <ServiceManagement/ServiceManagement.h>
@@ -13,23 +14,33 @@ class MainAppLoginItem final : public LoginItem
 public:
     bool isRegistered() const override
     {
-        return SMAppService.mainAppService.status == SMAppServiceStatusEnabled;
+        if (@available(macOS 13.0, *))
+            return SMAppService.mainAppService.status == SMAppServiceStatusEnabled;
+        return false;
     }
 
     bool registerApp() override
     {
-        @autoreleasepool {
-            NSError* error = nil;
-            return [SMAppService.mainAppService registerAndReturnError:&error];
+        if (@available(macOS 13.0, *)) {
+            @autoreleasepool {
+                NSError* error = nil;
+                return [SMAppService.mainAppService registerAndReturnError:&error];
+            }
         }
+        return false;
     }
 
     bool unregisterApp() override
     {
-        @autoreleasepool {
-            NSError* error = nil;
-            return [SMAppService.mainAppService unregisterAndReturnError:&error];
+        if (@available(macOS 13.0, *)) {
+            @autoreleasepool {
+                // Unregistering what is not registered reports an error; the status read
+                // afterwards is what counts.
+                NSError* error = nil;
+                return [SMAppService.mainAppService unregisterAndReturnError:&error];
+            }
         }
+        return false;
     }
 };
 
