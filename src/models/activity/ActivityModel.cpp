@@ -113,7 +113,13 @@ ActivityModel::ActivityModel(Services services, QObject* parent)
     connect(&m_bump, &QTimer::timeout, this, &ActivityModel::refresh);
 }
 
-ActivityModel::~ActivityModel() = default;
+ActivityModel::~ActivityModel()
+{
+    // Both kinds of job are short and use the borrowed services, which may go right after us.
+    m_refreshJob.waitForFinished();
+    for (QFuture<void>& job : m_minimizeJobs)
+        job.waitForFinished();
+}
 
 QList<AppUsage> ActivityModel::sorted() const
 {
@@ -201,7 +207,8 @@ void ActivityModel::refresh()
         watcher->deleteLater();
         publish(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run([sampling = m_sampling] { return sampling->take(); }));
+    m_refreshJob = QtConcurrent::run([sampling = m_sampling] { return sampling->take(); });
+    watcher->setFuture(m_refreshJob);
 }
 
 void ActivityModel::publish(const Snapshot& snapshot)
@@ -383,7 +390,8 @@ void ActivityModel::minimizeOnPool(QList<qint64> pids)
         return;
     // Each window is a message to another application that may be slow to answer.
     Accessibility& accessibility = m_services.accessibility;
-    (void)QtConcurrent::run([&accessibility, pids = std::move(pids)] {
+    m_minimizeJobs.removeIf([](const QFuture<void>& job) { return job.isFinished(); });
+    m_minimizeJobs << QtConcurrent::run([&accessibility, pids = std::move(pids)] {
         for (const qint64 pid : pids)
             accessibility.minimizeWindows(pid);
     });

@@ -3,6 +3,7 @@
 #include "core/activity/AppUsage.h"
 #include "core/activity/UsageSampler.h"
 
+#include <QFuture>
 #include <QList>
 #include <QObject>
 #include <QTimer>
@@ -59,8 +60,8 @@ public:
     /// The order with this label ("CPU", "Memoria"); none for any other text.
     [[nodiscard]] static std::optional<Sort> sortFromLabel(const QString& label);
 
-    /// What the model drives, all borrowed: they must outlive the model and any refresh or
-    /// minimising it has started. `ownPid` is the program's own process, which the "all"
+    /// What the model drives, all borrowed: they must outlive the model, which waits for its
+    /// own background work when it goes. `ownPid` is the program's own process, which the "all"
     /// actions leave alone.
     struct Services
     {
@@ -169,6 +170,8 @@ private:
     bool m_refreshAgain = false;
     QTimer m_loop;
     QTimer m_bump;
+    QFuture<Snapshot> m_refreshJob;
+    QList<QFuture<void>> m_minimizeJobs;
 };
 
 } // namespace nubo
