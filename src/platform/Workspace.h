@@ -15,7 +15,8 @@ struct RunningApplication
     QString bundlePath; ///< the application bundle the process runs from; empty when it has none
     bool hidden = false;
     bool active = false;
-    bool regular = false; ///< an ordinary app with a window and a Dock icon, not a helper or agent
+    bool regular = false;    ///< an ordinary app with a window and a Dock icon, not a helper or agent
+    bool terminated = false; ///< it has ended although the system still lists it
 
     friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
 };
@@ -41,6 +42,21 @@ public:
     /// identifier, anywhere on the machine; none when it knows no such application.
     [[nodiscard]] virtual std::optional<QString>
     applicationLocation(const QString& bundleIdentifier) const = 0;
+
+    /// Whether this platform can bring an application to the front, and hide and show it again.
+    /// Where it cannot, `activate`, `hide` and `unhide` do nothing and views leave those actions out.
+    [[nodiscard]] virtual bool canActivate() const = 0;
+    [[nodiscard]] virtual bool canHide() const = 0;
+
+    /// Actions on one running application, named by an entry `runningApplications` gave. Fire
+    /// and forget: an application that has ended meanwhile is ignored. `terminate` asks it to
+    /// quit (it may ask to save documents, or refuse); `forceTerminate` ends it at once. Called
+    /// on the user-interface thread.
+    virtual void activate(const RunningApplication& app) = 0;
+    virtual void hide(const RunningApplication& app) = 0;
+    virtual void unhide(const RunningApplication& app) = 0;
+    virtual void terminate(const RunningApplication& app) = 0;
+    virtual void forceTerminate(const RunningApplication& app) = 0;
 };
 
 /// The backend of the platform the program was built for.

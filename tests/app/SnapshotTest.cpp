@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QLocale>
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
+#include <QSignalSpy>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSet>
@@ -130,4 +132,53 @@ TEST_F(SnapshotTest, SidebarListsTheSixPanesAndTheDetailShowsTheSelectedOne)
         const QImage map = snapshot(*m_window, size, QStringLiteral("main-map-") + suffix);
         EXPECT_NE(map, home);
     }
+}
+
+namespace {
+
+// The shared pieces the feature screens use, laid out on one page so their looks can be checked.
+constexpr const char* kGallery = R"(
+import QtQuick
+import QtQuick.Controls
+import Nubo
+ApplicationWindow {
+    width: 640; height: 420; visible: true
+    color: Theme.windowBackground
+    Row {
+        x: 24; y: 24; spacing: 16
+        CheckCircle { objectName: "off"; mode: "off" }
+        CheckCircle { objectName: "partial"; mode: "partial" }
+        CheckCircle { objectName: "on"; mode: "on"; tint: Theme.green }
+    }
+    DeleteConfirmation { objectName: "confirmation"; count: 3; size: 1200000000 }
+}
+)";
+
+} // namespace
+
+TEST_F(SnapshotTest, SharedPiecesCheckCirclesAndTheDeleteConfirmation)
+{
+    QQmlComponent component(&m_engine);
+    component.setData(kGallery, QUrl(QStringLiteral("qrc:/gallery.qml")));
+    std::unique_ptr<QObject> root(component.create());
+    ASSERT_NE(root, nullptr) << component.errorString().toStdString();
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    ASSERT_NE(window, nullptr);
+
+    QObject* confirmation = root->findChild<QObject*>(QStringLiteral("confirmation"));
+    ASSERT_NE(confirmation, nullptr);
+    QMetaObject::invokeMethod(confirmation, "open");
+    snapshot(*window, QSize(640, 420), QStringLiteral("shared-pieces"));
+
+    auto* title = root->findChild<QQuickItem*>(QStringLiteral("confirmationTitle"));
+    ASSERT_NE(title, nullptr);
+    EXPECT_EQ(title->property("text").toString(), QStringLiteral("¿Eliminar 3 elementos (1,2 GB)?"));
+
+    QSignalSpy confirmed(confirmation, SIGNAL(confirmed()));
+    auto* button = root->findChild<QQuickItem*>(QStringLiteral("confirmButton"));
+    ASSERT_NE(button, nullptr);
+    QMetaObject::invokeMethod(button, "clicked");
+    EXPECT_EQ(confirmed.count(), 1);
+    QTest::qWait(Settle);
+    EXPECT_FALSE(confirmation->property("visible").toBool()); // the confirmation closes itself
 }

@@ -4,11 +4,14 @@
 #include "core/privacy/Privacy.h"
 #include "core/safety/Safety.h"
 #include "platform/linux/DesktopMetadata.h"
+#include "support/FixtureFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace nubo;
@@ -32,10 +35,8 @@ TEST(DesktopWorkspace, ARealProcessIsTheRunningInstanceOfItsBundle)
 {
     QTemporaryDir dir;
     const QString bundle = dir.filePath(QStringLiteral("Applications/Sleeper.app"));
-    const QString executable = bundle + QStringLiteral("/Contents/MacOS/Sleeper");
-    ASSERT_TRUE(QDir().mkpath(bundle + QStringLiteral("/Contents/MacOS")));
-    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), executable));
-    ASSERT_TRUE(QFile::setPermissions(executable, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString executable =
+        test::copyProgram(QStringLiteral("/bin/sleep"), bundle + QStringLiteral("/Contents/MacOS/Sleeper"));
 
     QProcess process;
     process.start(executable, {QStringLiteral("30")});
@@ -72,14 +73,11 @@ TEST(DesktopWorkspace, TheRegistryOfApplicationsIsTheDesktopFiles)
     QTemporaryDir dir;
     const QByteArray previous = qgetenv("XDG_DATA_HOME");
     qputenv("XDG_DATA_HOME", QFile::encodeName(dir.path()));
-    ASSERT_TRUE(QDir().mkpath(dir.filePath(QStringLiteral("applications"))));
-    QFile entry(dir.filePath(QStringLiteral("applications/org.example.Tool.desktop")));
-    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
-    entry.write("[Desktop Entry]\nType=Application\nName=Tool\nExec=true\n");
-    entry.close();
+    const QString entry = dir.filePath(QStringLiteral("applications/org.example.Tool.desktop"));
+    test::writeBytes(entry, "[Desktop Entry]\nType=Application\nName=Tool\nExec=true\n");
 
     const DesktopWorkspace workspace;
-    EXPECT_EQ(workspace.applicationLocation(QStringLiteral("org.example.Tool")), entry.fileName());
+    EXPECT_EQ(workspace.applicationLocation(QStringLiteral("org.example.Tool")), entry);
     EXPECT_FALSE(workspace.applicationLocation(QStringLiteral("org.example.Missing")));
     EXPECT_FALSE(workspace.applicationLocation(QStringLiteral("../applications/org.example.Tool")));
     EXPECT_FALSE(workspace.applicationLocation(QString()));
@@ -87,4 +85,77 @@ TEST(DesktopWorkspace, TheRegistryOfApplicationsIsTheDesktopFiles)
         qunsetenv("XDG_DATA_HOME");
     else
         qputenv("XDG_DATA_HOME", previous);
+}
+
+namespace {
+
+// A bundle whose main program is a shell that starts a second program from the same bundle.
+struct ShellBundle
+{
+    QTemporaryDir dir;
+    QString bundle = dir.filePath(QStringLiteral("Pair.app"));
+    QString macos = bundle + QStringLiteral("/Contents/MacOS");
+
+    bool copy(const char* from, const char* name) const
+    {
+        const QString to = macos + QLatin1Char('/') + QString::fromLatin1(name);
+        return QDir().mkpath(macos) && QFile::copy(QString::fromLatin1(from), to) &&
+               QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+};
+
+QList<RunningApplication> ofBundle(const Workspace& workspace, const QString& bundle)
+{
+    QList<RunningApplication> found;
+    for (const RunningApplication& app : workspace.runningApplications()) {
+        if (app.bundlePath == bundle)
+            found << app;
+    }
+    return found;
+}
+
+} // namespace
+
+// The outer process of a bundle is its one regular application; the helper it starts from its
+// own bundle is listed but not regular.
+TEST(DesktopWorkspace, AHelperFromTheSameBundleIsNotASecondApplication)
+{
+    ShellBundle pair;
+    ASSERT_TRUE(pair.copy("/bin/sh", "Pair"));
+    ASSERT_TRUE(pair.copy("/bin/sleep", "helper"));
+    QProcess process;
+    // "; exit" keeps the shell from replacing itself with the helper.
+    process.start(
+        pair.macos + QStringLiteral("/Pair"),
+        {QStringLiteral("-c"), QStringLiteral("\"$0\" 30; exit"), pair.macos + QStringLiteral("/helper")});
+    ASSERT_TRUE(process.waitForStarted());
+
+    DesktopWorkspace workspace;
+    QList<RunningApplication> apps;
+    for (int i = 0; i < 100 && apps.size() < 2; ++i) {
+        QThread::msleep(20);
+        apps = ofBundle(workspace, pair.bundle);
+    }
+    ASSERT_EQ(apps.size(), 2);
+    const auto main =
+        std::find_if(apps.begin(), apps.end(), [&](const auto& a) { return a.pid == process.processId(); });
+    ASSERT_NE(main, apps.end());
+    EXPECT_TRUE(main->regular);
+    EXPECT_EQ(main->name, QStringLiteral("Pair"));
+    const RunningApplication helper = apps.at(main == apps.begin() ? 1 : 0);
+    EXPECT_FALSE(helper.regular);
+
+    // A quit aimed at the helper's id under another bundle's name is not sent: the id may have
+    // been taken over by another program since the list was read.
+    RunningApplication stale = helper;
+    stale.bundlePath = pair.dir.filePath(QStringLiteral("Other.app"));
+    workspace.forceTerminate(stale);
+    QThread::msleep(100);
+    EXPECT_EQ(ofBundle(workspace, pair.bundle).size(), 2);
+
+    workspace.terminate(helper); // the shell then exits by itself
+    ASSERT_TRUE(process.waitForFinished(5000));
+    EXPECT_TRUE(ofBundle(workspace, pair.bundle).isEmpty());
+    EXPECT_FALSE(workspace.canHide());
+    EXPECT_FALSE(workspace.canActivate());
 }

@@ -2,14 +2,13 @@
 #include "core/disk/DiskInfo.h"
 #include "platform/linux/PkexecAdminRunner.h"
 #include "platform/linux/StorageVolumeCapacity.h"
-
-#include <gtest/gtest.h>
+#include "support/FixtureFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 using namespace nubo;
@@ -23,13 +22,7 @@ protected:
     // command it is given ("$@" is /bin/sh -c <command line>).
     void installPkexec(const QByteArray& body)
     {
-        const QString path = m_dir.path() + QStringLiteral("/bin/pkexec");
-        ASSERT_TRUE(QDir(m_dir.path()).mkpath(QStringLiteral("bin")));
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\n" + body + "\n");
-        file.close();
-        ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0755), 0);
+        test::writeScript(m_dir.path() + QStringLiteral("/bin/pkexec"), body);
     }
 
     QString folder() const { return m_dir.path() + QStringLiteral("/bin"); }

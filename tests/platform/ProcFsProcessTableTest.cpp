@@ -1,19 +1,17 @@
 #include "platform/linux/ProcFsProcessTable.h"
 
 #include "core/activity/UsageSampler.h"
-
-#include <gtest/gtest.h>
+#include "support/FixtureFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
-
-#include <unistd.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <limits>
+#include <unistd.h>
 #include <vector>
 
 using namespace nubo;
@@ -22,12 +20,7 @@ namespace {
 
 const QByteArray kStat = "42 (a) (b c) S 1 42 42 0 -1 4194560 100 0 0 0 250 50 0 0 20 0 1 0 100 1000 10\n";
 
-void write(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
+using nubo::test::writeBytes;
 
 } // namespace
 
@@ -37,10 +30,8 @@ TEST(ProcFsProcessTable, ABusyProcessInsideABundleIsCreditedAboutOneCoreAndForgo
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QString bundle = dir.filePath(QStringLiteral("X.app"));
-    ASSERT_TRUE(QDir().mkpath(bundle + QStringLiteral("/Contents/MacOS")));
-    const QString shell = bundle + QStringLiteral("/Contents/MacOS/busy");
-    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sh"), shell));
-    ASSERT_TRUE(QFile::setPermissions(shell, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString shell =
+        test::copyProgram(QStringLiteral("/bin/sh"), bundle + QStringLiteral("/Contents/MacOS/busy"));
     QProcess child;
     child.start(shell, {QStringLiteral("-c"), QStringLiteral("while :; do :; done")});
     ASSERT_TRUE(child.waitForStarted());
@@ -81,14 +72,13 @@ TEST(ProcFsProcessTable, ReadsAProcTreeByteForByte)
     for (const char* name : {"1", "42", "12abc", "99999999999", "sys", "self"})
         ASSERT_TRUE(proc.mkdir(QString::fromLatin1(name)));
     const QByteArray target = "/opt/Caf\xff.app/Contents/MacOS/-x \"\\\n";
-    ASSERT_EQ(
-        ::symlink(target.constData(), QFile::encodeName(proc.filePath(QStringLiteral("42/exe"))).constData()),
-        0);
-    write(proc.filePath(QStringLiteral("42/stat")), kStat);
-    write(proc.filePath(QStringLiteral("42/status")),
-          "Name:\tx\nVmRSS:\t  9000 kB\nRssAnon:\t    3000 kB\nRssFile:\t 6000 kB\nVmSwap:\t     100 kB\n");
-    write(proc.filePath(QStringLiteral("meminfo")),
-          "MemTotal:       16000000 kB\nMemFree:         1000000 kB\nMemAvailable:    6000000 kB\n");
+    test::makeLink(target, QFile::encodeName(proc.filePath(QStringLiteral("42/exe"))));
+    writeBytes(proc.filePath(QStringLiteral("42/stat")), kStat);
+    writeBytes(
+        proc.filePath(QStringLiteral("42/status")),
+        "Name:\tx\nVmRSS:\t  9000 kB\nRssAnon:\t    3000 kB\nRssFile:\t 6000 kB\nVmSwap:\t     100 kB\n");
+    writeBytes(proc.filePath(QStringLiteral("meminfo")),
+               "MemTotal:       16000000 kB\nMemFree:         1000000 kB\nMemAvailable:    6000000 kB\n");
     const ProcFsProcessTable table(QFile::encodeName(root.path()));
 
     // THEN only the process ids are listed, and never more than the buffer holds

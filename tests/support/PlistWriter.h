@@ -72,4 +72,28 @@ inline QByteArray plistBytes(const QVariant& value, PlistFormat format)
     return bytes;
 }
 
+/// A dictionary written by hand as the XML between <dict> and </dict> (as launchd jobs and apps
+/// ship them), in the XML form or converted to the binary form by libplist.
+inline QByteArray plistDict(const QByteArray& body, PlistFormat format = PlistFormat::xml)
+{
+    const QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                           "<plist version=\"1.0\"><dict>" +
+                           body + "</dict></plist>\n";
+    if (format == PlistFormat::xml)
+        return xml;
+    plist_t node = nullptr;
+    plist_from_xml(xml.constData(), uint32_t(xml.size()), &node);
+    if (!node)
+        return {};
+    char* out = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(node, &out, &length);
+    QByteArray binary(out, qsizetype(length));
+    std::free(out);
+    plist_free(node);
+    return binary;
+}
+
 } // namespace nubo::test

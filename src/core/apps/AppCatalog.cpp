@@ -1,5 +1,6 @@
 #include "core/apps/AppCatalog.h"
 
+#include "core/files/Location.h"
 #include "core/files/NativePath.h"
 #include "core/apps/BundleInfo.h"
 #include "core/apps/BundleWalk.h"
@@ -31,22 +32,6 @@ QString baseName(const QString& path)
     if (dot >= 0)
         name.truncate(dot);
     return name;
-}
-
-std::optional<QDateTime> accessDate(const QString& path)
-{
-    struct stat info
-    {
-    };
-    if (::lstat(NativePath::encode(path).constData(), &info) != 0)
-        return std::nullopt;
-#ifdef __APPLE__
-    const timespec& stamp = info.st_atimespec;
-#else
-    const timespec& stamp = info.st_atim;
-#endif
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(stamp.tv_sec) * 1000 +
-                                          stamp.tv_nsec / 1'000'000);
 }
 
 } // namespace
@@ -107,7 +92,7 @@ std::optional<InstalledApp> AppCatalog::describe(const QString& url) const
     app.version = BundleInfo::text(info, QStringLiteral("CFBundleShortVersionString"));
     app.lastUsed = m_metadata.lastUsedDate(url);
     if (!app.lastUsed)
-        app.lastUsed = accessDate(url);
+        app.lastUsed = Location::accessDate(url);
     // The receipt is only tested for existence: it tells where the app came from, nothing more.
     app.isStore = QFileInfo::exists(url + QStringLiteral("/Contents/_MASReceipt/receipt"));
     return app;

@@ -62,18 +62,34 @@ qint64 allocatedSize(const QString& path)
     return total;
 }
 
-std::optional<QDateTime> modificationDate(const QString& path)
+namespace {
+
+enum class Stamp { Modified, Accessed };
+
+std::optional<QDateTime> dateOf(const QString& path, Stamp which)
 {
     struct stat info {};
     if (lstat(NativePath::encode(path).constData(), &info) != 0)
         return std::nullopt;
 #ifdef __APPLE__
-    const timespec& stamp = info.st_mtimespec;
+    const timespec& stamp = which == Stamp::Modified ? info.st_mtimespec : info.st_atimespec;
 #else
-    const timespec& stamp = info.st_mtim;
+    const timespec& stamp = which == Stamp::Modified ? info.st_mtim : info.st_atim;
 #endif
     const qint64 ms = static_cast<qint64>(stamp.tv_sec) * 1000 + stamp.tv_nsec / 1'000'000;
     return QDateTime::fromMSecsSinceEpoch(ms);
+}
+
+} // namespace
+
+std::optional<QDateTime> modificationDate(const QString& path)
+{
+    return dateOf(path, Stamp::Modified);
+}
+
+std::optional<QDateTime> accessDate(const QString& path)
+{
+    return dateOf(path, Stamp::Accessed);
 }
 
 } // namespace nubo::Location

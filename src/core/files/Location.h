@@ -20,4 +20,7 @@ namespace nubo::Location {
 /// The content-modification date of the item itself (a link is not followed), none when unreadable.
 [[nodiscard]] std::optional<QDateTime> modificationDate(const QString& path);
 
+/// The last-access date of the item itself, none when unreadable.
+[[nodiscard]] std::optional<QDateTime> accessDate(const QString& path);
+
 } // namespace nubo::Location

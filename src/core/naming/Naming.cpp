@@ -1,5 +1,7 @@
 #include "core/naming/Naming.h"
 
+#include "platform/Workspace.h"
+
 #include <QHash>
 #include <QRegularExpression>
 #include <QSet>
@@ -132,6 +134,13 @@ QString productOfIdentifier(const QString& name)
 
 Naming::Naming(AppLookup lookup) : m_lookup(std::move(lookup)) {}
 
+Naming::AppLookup Naming::lookupIn(const Workspace& workspace)
+{
+    return [&workspace](const QString& bundleIdentifier) {
+        return workspace.applicationLocation(bundleIdentifier).value_or(QString());
+    };
+}
+
 QString Naming::tidy(const QString& raw)
 {
     QString name = raw.trimmed();
@@ -191,6 +200,9 @@ Naming::Resolved Naming::resolve(const QString& folder) const
             QString name = app.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
             if (name.endsWith(QLatin1String(".app"), Qt::CaseInsensitive))
                 name.chop(4);
+            // Linux desktops register an application as a desktop entry named by its identifier.
+            if (name.endsWith(QLatin1String(".desktop")))
+                name = tidy(name.chopped(8));
             return {name.isEmpty() ? tidy(key) : name, {}, app};
         }
     }

@@ -6,6 +6,8 @@
 
 namespace nubo {
 
+class Workspace;
+
 /// Turns the names of Library folders, files and launch labels ("com.spotify.client",
 /// "node-gyp", "homebrew.mxcl.postgresql@15") into what a person recognises: the owning
 /// application's name where one can be found, a known product name, or a tidied form of the
@@ -25,6 +27,10 @@ public:
     };
 
     explicit Naming(AppLookup lookup = {});
+
+    /// Owners looked up in the system's registry of applications; `workspace` must outlive every
+    /// use of the lookup.
+    [[nodiscard]] static AppLookup lookupIn(const Workspace& workspace);
 
     /// The fixed names first, then Apple's own components, then the installed application the
     /// name stands for, then the tidied name.

@@ -1,23 +1,12 @@
 #include "models/app/Backends.h"
 
-#include "core/format/CheckedMath.h"
+#include "core/cleanup/CatalogRules.h"
+#include "core/shell/Shell.h"
 #include "core/shell/ShellToolRunner.h"
 
-#include <csignal>
-#include <sys/types.h>
+#include <QCoreApplication>
 
 namespace nubo {
-
-namespace {
-
-// The polite request to quit, which the application may answer in its own time.
-void askToQuit(const RunningApplication& app)
-{
-    if (app.pid > 0)
-        ::kill(pid_t(app.pid), SIGTERM);
-}
-
-} // namespace
 
 Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides overrides)
     : m_roots(std::move(roots)), m_admin(overrides.admin ? std::move(overrides.admin) : makeAdminRunner()),
@@ -25,9 +14,21 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_metadata(overrides.metadata ? std::move(overrides.metadata) : makeMetadata()),
       m_tools(overrides.tools ? std::move(overrides.tools) : std::make_unique<ShellToolRunner>()),
       m_safety(m_roots), m_deleter(m_safety, *m_admin), m_scanner(privacy),
-      m_catalog(std::move(overrides.rules)), m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata)
+      m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
+      m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context)),
+      m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata)
 {
     const ToolRunner& tools = *m_tools;
+    m_context->findTool = [](const QString& name) { return Shell::which(name); };
+    m_context->orphans = [this] { return m_apps.orphanedLeftovers(); };
+    // The workspace acts on applications from the user-interface thread only; the removal that
+    // asks comes from background work and does not wait for the answer, it watches for the quit.
+    Workspace& workspace = *m_workspace;
+    ModelServices::Quitter quit = [&workspace](const RunningApplication& app) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [&workspace, app] { workspace.terminate(app); },
+            Qt::QueuedConnection);
+    };
     m_services.emplace(ModelServices{
         .home = m_roots.home,
         .safety = m_safety,
@@ -35,25 +36,11 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
         .scanner = m_scanner,
         .catalog = m_catalog,
         .apps = m_apps,
-        .runCommands = [&tools](const QList<CleanItem>& items) { return runCommands(tools, items); },
-        .quit = overrides.quit ? std::move(overrides.quit) : ModelServices::Quitter(askToQuit),
+        .runCommands =
+            [&tools](const QList<CleanItem>& items) { return CommandCleaners::runCommandsNow(tools, items); },
+        .quit = overrides.quit ? std::move(overrides.quit) : std::move(quit),
         .haptics = {},
     });
-}
-
-CommandOutcome Backends::runCommands(const ToolRunner& tools, const QList<CleanItem>& items)
-{
-    CommandOutcome outcome;
-    for (const CleanItem& item : items) {
-        const auto* command = std::get_if<CleanItem::Command>(&item.action);
-        if (!command)
-            continue;
-        if (tools.run(command->program, command->arguments, std::chrono::minutes(10)).status == 0)
-            outcome.freed = checkedAdd(outcome.freed, item.size);
-        else
-            outcome.failed.append(item.name);
-    }
-    return outcome;
 }
 
 } // namespace nubo

@@ -2,8 +2,10 @@
 
 #include "core/apps/AppCatalog.h"
 #include "core/cleanup/CleanCatalog.h"
+#include "core/cleanup/CleanContext.h"
 #include "core/deletion/Deleter.h"
 #include "core/files/SystemRoots.h"
+#include "core/naming/Naming.h"
 #include "core/safety/Safety.h"
 #include "core/scanner/DiskScanner.h"
 #include "core/shell/ToolRunner.h"
@@ -32,8 +34,10 @@ public:
         std::unique_ptr<Workspace> workspace;
         std::unique_ptr<Metadata> metadata;
         std::unique_ptr<ToolRunner> tools;
-        /// The discovery rules of the cleanup categories; none yet leaves every category empty.
+        /// The discovery rules of the cleanup categories; by default the catalogue's own, over
+        /// these roots.
         CleanCatalog::Rules rules;
+        /// By default the workspace's polite request, made on the user-interface thread.
         ModelServices::Quitter quit;
     };
 
@@ -46,10 +50,6 @@ public:
     [[nodiscard]] const Safety& safety() const { return m_safety; }
     [[nodiscard]] const CleanCatalog& catalog() const { return m_catalog; }
 
-    /// Runs command items one after another through `tools`, ten minutes each at most: status 0
-    /// frees the size announced at discovery, anything else fails the item by name.
-    [[nodiscard]] static CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items);
-
 private:
     SystemRoots m_roots;
     std::unique_ptr<AdminRunner> m_admin;
@@ -59,6 +59,8 @@ private:
     Safety m_safety;
     Deleter m_deleter;
     DiskScanner m_scanner;
+    Naming m_naming;
+    std::shared_ptr<CleanContext> m_context;
     CleanCatalog m_catalog;
     AppCatalog m_apps;
     std::optional<ModelServices> m_services;

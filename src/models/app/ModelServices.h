@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/cleanup/CleanItem.h"
+#include "core/cleanup/CommandCleaners.h"
 #include "platform/Workspace.h"
 
 #include <QList>
@@ -24,13 +25,7 @@ enum class Feedback
     Commit
 };
 
-/// What running a batch of command items achieved: the sizes announced for the commands that
-/// succeeded, and the names of those that did not.
-struct CommandOutcome
-{
-    qint64 freed = 0;
-    QStringList failed;
-};
+using CommandCleaners::CommandOutcome;
 
 /// Everything the map, cleanup and apps models need from the machine, borrowed: each service must
 /// outlive the models. Production builds them in `Backends`; tests build real core services on a

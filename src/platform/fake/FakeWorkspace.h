@@ -24,10 +24,27 @@ public:
         return *found;
     }
 
+    bool canActivate() const override { return windowActions; }
+    bool canHide() const override { return windowActions; }
+    void activate(const RunningApplication& app) override { record("activate", app); }
+    void hide(const RunningApplication& app) override { record("hide", app); }
+    void unhide(const RunningApplication& app) override { record("unhide", app); }
+    void terminate(const RunningApplication& app) override { record("terminate", app); }
+    void forceTerminate(const RunningApplication& app) override { record("forceTerminate", app); }
+
     QStringList openedUrls;
     QList<RunningApplication> running;
+    bool windowActions = true;
+    /// The actions asked for, in order, as "<action> <pid>" ("hide 42").
+    QStringList actions;
     /// Bundle identifier (exact case) → application location, as the system's registry would say.
     QHash<QString, QString> applications;
+
+private:
+    void record(const char* action, const RunningApplication& app)
+    {
+        actions << QString::fromLatin1(action) + QLatin1Char(' ') + QString::number(app.pid);
+    }
 };
 
 } // namespace nubo

@@ -5,9 +5,12 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QStandardPaths>
 #include <QUrl>
 #include <climits>
+#include <csignal>
+#include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,6 +40,40 @@ QString processName(const QString& pidFolder)
     return QString::fromUtf8(comm.readAll()).trimmed();
 }
 
+// The parent process id: the field after the command name, whose parentheses may enclose
+// spaces and ")" themselves, so the last ")" ends it.
+qint64 parentOf(const QString& pidFolder)
+{
+    QFile stat(pidFolder + QStringLiteral("/stat"));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray line = stat.read(4096);
+    const qsizetype close = line.lastIndexOf(')');
+    if (close < 0)
+        return 0;
+    const QList<QByteArray> fields = line.mid(close + 1).simplified().split(' ');
+    return fields.size() >= 2 ? fields.at(1).toLongLong() : 0;
+}
+
+// Sends `signal` to the application's process, but only to a process of this user that still
+// runs from the same bundle: the id may have been reused since the list was read, and an id of
+// 0 or below would signal whole process groups.
+void signalApplication(const RunningApplication& app, int signal)
+{
+    if (app.pid <= 1 || app.pid > std::numeric_limits<pid_t>::max())
+        return;
+    const QString folder = QStringLiteral("/proc/") + QString::number(app.pid);
+    struct stat info
+    {
+    };
+    if (::stat(NativePath::encode(folder).constData(), &info) != 0 || info.st_uid != ::getuid())
+        return;
+    const QString executable = readLink(NativePath::encode(folder + QStringLiteral("/exe")));
+    if (executable.isEmpty() || DesktopWorkspace::bundleOfExecutable(executable) != app.bundlePath)
+        return;
+    ::kill(pid_t(app.pid), signal); // a process that ended meanwhile is nothing to report
+}
+
 } // namespace
 
 void DesktopWorkspace::openUrl(const QString& url)
@@ -62,14 +99,22 @@ QString DesktopWorkspace::bundleOfExecutable(const QString& executable)
 
 QList<RunningApplication> DesktopWorkspace::runningApplications() const
 {
-    QList<RunningApplication> result;
+    struct Process
+    {
+        qint64 pid;
+        qint64 parent;
+        QString bundle;
+        QString folder;
+    };
+    QList<Process> processes;
+    QHash<qint64, qsizetype> byPid;
     const uid_t me = ::getuid();
     const QStringList pids =
         QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
     for (const QString& entry : pids) {
         bool numeric = false;
         const qint64 pid = entry.toLongLong(&numeric);
-        if (!numeric)
+        if (!numeric || pid <= 0)
             continue;
         const QString folder = QStringLiteral("/proc/") + entry;
         struct stat info
@@ -80,19 +125,54 @@ QList<RunningApplication> DesktopWorkspace::runningApplications() const
         const QString executable = readLink(NativePath::encode(folder + QStringLiteral("/exe")));
         if (executable.isEmpty())
             continue; // kernel threads and processes that are already gone
+        byPid.insert(pid, processes.size());
+        processes.append({pid, parentOf(folder), bundleOfExecutable(executable), folder});
+    }
+
+    QList<RunningApplication> result;
+    result.reserve(processes.size());
+    for (const Process& process : processes) {
         RunningApplication app;
-        app.pid = pid;
-        app.bundlePath = bundleOfExecutable(executable);
-        app.regular = !app.bundlePath.isEmpty();
-        if (app.regular) {
+        app.pid = process.pid;
+        app.bundlePath = process.bundle;
+        if (!app.bundlePath.isEmpty()) {
+            // Only the outermost process of a bundle is the application; the copies and helpers
+            // it starts from its own bundle are its helpers, and the sampler credits them to it.
+            const auto parent = byPid.constFind(process.parent);
+            app.regular = parent == byPid.constEnd() || processes.at(*parent).bundle != app.bundlePath;
             const QString file = app.bundlePath.mid(app.bundlePath.lastIndexOf(QLatin1Char('/')) + 1);
             app.name = file.chopped(4);
         } else {
-            app.name = processName(folder);
+            app.name = processName(process.folder);
         }
         result << app;
     }
     return result;
+}
+
+bool DesktopWorkspace::canActivate() const
+{
+    return false;
+}
+
+bool DesktopWorkspace::canHide() const
+{
+    return false;
+}
+
+// Window actions need the desktop's window manager, which offers no common interface.
+void DesktopWorkspace::activate(const RunningApplication&) {}
+void DesktopWorkspace::hide(const RunningApplication&) {}
+void DesktopWorkspace::unhide(const RunningApplication&) {}
+
+void DesktopWorkspace::terminate(const RunningApplication& app)
+{
+    signalApplication(app, SIGTERM);
+}
+
+void DesktopWorkspace::forceTerminate(const RunningApplication& app)
+{
+    signalApplication(app, SIGKILL);
 }
 
 std::optional<QString> DesktopWorkspace::applicationLocation(const QString& bundleIdentifier) const

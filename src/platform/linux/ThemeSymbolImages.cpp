@@ -42,6 +42,8 @@ const QHash<QString, QStringList>& symbolTable()
         add("doc.fill", {"text-x-generic-symbolic", "text-x-generic"});
         add("checkmark.circle.fill", {"emblem-ok-symbolic", "emblem-default-symbolic", "emblem-default"});
         add("exclamationmark.triangle.fill", {"dialog-warning-symbolic", "dialog-warning"});
+        add("checkmark", {"object-select-symbolic", "emblem-ok-symbolic"});
+        add("minus", {"list-remove-symbolic", "value-decrease-symbolic"});
         return t;
     }();
     return table;

@@ -39,6 +39,7 @@ public:
                 entry.hidden = app.hidden;
                 entry.active = app.active;
                 entry.regular = app.activationPolicy == NSApplicationActivationPolicyRegular;
+                entry.terminated = app.terminated;
                 result << entry;
             }
         }
@@ -56,6 +57,53 @@ public:
                 return std::nullopt;
             return path;
         }
+    }
+
+    bool canActivate() const override { return true; }
+    bool canHide() const override { return true; }
+
+    void activate(const RunningApplication& app) override
+    {
+        @autoreleasepool {
+            [running(app) activateWithOptions:0];
+        }
+    }
+
+    void hide(const RunningApplication& app) override
+    {
+        @autoreleasepool {
+            [running(app) hide];
+        }
+    }
+
+    void unhide(const RunningApplication& app) override
+    {
+        @autoreleasepool {
+            [running(app) unhide];
+        }
+    }
+
+    void terminate(const RunningApplication& app) override
+    {
+        @autoreleasepool {
+            [running(app) terminate];
+        }
+    }
+
+    void forceTerminate(const RunningApplication& app) override
+    {
+        @autoreleasepool {
+            [running(app) forceTerminate];
+        }
+    }
+
+private:
+    // nil when the application has ended; messages to nil do nothing.
+    static NSRunningApplication* running(const RunningApplication& app)
+    {
+        if (app.pid <= 0)
+            return nil;
+        return [NSRunningApplication runningApplicationWithProcessIdentifier:pid_t(app.pid)];
     }
 };
 

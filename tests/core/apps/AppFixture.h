@@ -9,28 +9,15 @@
 #include "core/safety/Safety.h"
 #include "platform/fake/FakeMetadata.h"
 #include "platform/fake/FakeWorkspace.h"
+#include "support/FixtureFiles.h"
 #include "support/PlistWriter.h"
+#include "support/TempTree.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSet>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <memory>
-#include <ostream>
-#include <unistd.h>
-
-QT_BEGIN_NAMESPACE
-// Readable failure messages for Qt's text types.
-inline void PrintTo(const QString& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
-inline void PrintTo(const QStringList& list, std::ostream* out)
-{
-    *out << '{' << list.join(QStringLiteral(", ")).toStdString() << '}';
-}
-QT_END_NAMESPACE
 
 namespace nubo::test {
 
@@ -39,7 +26,7 @@ class AppTree : public ::testing::Test
 protected:
     AppTree()
     {
-        const QString base = m_dir.path();
+        const QString base = m_tree.root();
         roots.home = base + QStringLiteral("/Users/ana");
         roots.library = base + QStringLiteral("/Library");
         roots.temporary = base + QStringLiteral("/tmp");
@@ -54,35 +41,29 @@ protected:
     {
         if (path.startsWith(QLatin1String("~/")))
             return roots.home + path.mid(1);
-        return m_dir.path() + path;
+        return m_tree.root() + path;
     }
 
     QString folder(const QString& path) const
     {
-        const QString full = at(path);
-        EXPECT_TRUE(QDir().mkpath(full)) << full.toStdString();
-        return full;
+        makeDir(at(path));
+        return at(path);
     }
 
     QString file(const QString& path, qint64 bytes = 1000) const
     {
-        const QString full = at(path);
-        QDir().mkpath(full.left(full.lastIndexOf(QLatin1Char('/'))));
-        QFile out(full);
-        EXPECT_TRUE(out.open(QIODevice::WriteOnly)) << full.toStdString();
-        out.write(QByteArray(bytes, 'x'));
-        return full;
+        writeFile(at(path), bytes);
+        return at(path);
     }
 
     QString rawFile(const QString& path, const QByteArray& content) const
     {
-        const QString full = at(path);
-        QDir().mkpath(full.left(full.lastIndexOf(QLatin1Char('/'))));
-        QFile out(full);
-        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(content);
-        return full;
+        writeBytes(at(path), content);
+        return at(path);
     }
+
+    /// A symbolic link at `path` to `target`, both fixture paths.
+    void link(const QString& target, const QString& path) const { makeLink(at(target), at(path)); }
 
     /// A bundle with an information dictionary in the given format and an executable inside.
     QString bundle(const QString& path, const QVariantMap& info, PlistFormat format = PlistFormat::xml) const
@@ -144,7 +125,7 @@ protected:
             EXPECT_GE(items.at(i - 1).size, items.at(i).size);
     }
 
-    QTemporaryDir m_dir;
+    TempTree m_tree; // removed by its bytes, names that are not UTF-8 included
     SystemRoots roots;
     FakeWorkspace workspace;
     FakeMetadata metadata;

@@ -47,13 +47,9 @@ TEST_F(InstalledApps, ListsBundlesTwoLevelsDownButNotThreeNorLinksNorOtherCases)
     // Inside a bundle nothing is listed: helpers are part of their app.
     app(QStringLiteral("/Applications/Top.app/Contents/Helpers/Helper.app"),
         QStringLiteral("com.acme.top.helper"));
-    ASSERT_EQ(::symlink(QFile::encodeName(at(QStringLiteral("/Applications/Top.app"))).constData(),
-                        QFile::encodeName(at(QStringLiteral("/Applications/Alias.app"))).constData()),
-              0);
+    link(QStringLiteral("/Applications/Top.app"), QStringLiteral("/Applications/Alias.app"));
     // A folder full of apps reached through a link is not walked either.
-    ASSERT_EQ(::symlink(QFile::encodeName(at(QStringLiteral("/Applications/Suite"))).constData(),
-                        QFile::encodeName(at(QStringLiteral("/Applications/Linked"))).constData()),
-              0);
+    link(QStringLiteral("/Applications/Suite"), QStringLiteral("/Applications/Linked"));
 
     EXPECT_EQ(names(catalog().load()), (QStringList{QStringLiteral("Nested"), QStringLiteral("Top")}));
 }
@@ -165,13 +161,10 @@ TEST_F(InstalledApps, BundleWhoseNameIsNotUtf8IsLeftAlone)
 {
     app(QStringLiteral("/Applications/Plain.app"), QStringLiteral("com.x.plain"));
     const QByteArray odd = nativePath(QStringLiteral("/Applications"), QByteArray("Caf\xe9.app"));
-    ASSERT_EQ(::mkdir(odd.constData(), 0755), 0);
+    makeDir(odd);
 
     EXPECT_EQ(names(catalog().load()), QStringList{QStringLiteral("Plain")});
-    struct stat info
-    {
-    };
-    EXPECT_EQ(::stat(odd.constData(), &info), 0);
+    EXPECT_TRUE(exists(odd));
 }
 
 TEST_F(InstalledApps, MissingRootsGiveNothing)

@@ -124,9 +124,7 @@ TEST_F(Orphans, NothingTheSafetyGateRefusesComesBack)
 {
     // Application Support is a link into the keychains: whatever is inside is protected.
     data(QStringLiteral("~/Library/Keychains/Vault/com.gone.secret"));
-    ASSERT_EQ(::symlink(QFile::encodeName(at(QStringLiteral("~/Library/Keychains/Vault"))).constData(),
-                        QFile::encodeName(at(QStringLiteral("~/Library/Application Support"))).constData()),
-              0);
+    link(QStringLiteral("~/Library/Keychains/Vault"), QStringLiteral("~/Library/Application Support"));
     const QString container = data(QStringLiteral("~/Library/Containers/com.gone.app"));
     const QList<CleanItem> items = catalog().orphanedLeftovers();
     EXPECT_EQ(paths(items), QStringList{container});
@@ -137,16 +135,9 @@ TEST_F(Orphans, NamesThatAreNotUtf8AreLeftAlone)
 {
     const QByteArray odd =
         nativePath(QStringLiteral("~/Library/Containers"), QByteArray("com.gone.\xfe\xff"));
-    ASSERT_EQ(::mkdir(odd.constData(), 0755), 0);
-    const int fd = ::open((odd + "/data").constData(), O_CREAT | O_WRONLY, 0644);
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(::write(fd, "data", 4), 4);
-    ::close(fd);
+    writeBytes(odd + "/data", "data");
     EXPECT_TRUE(found().isEmpty());
-    struct stat info
-    {
-    };
-    EXPECT_EQ(::stat(odd.constData(), &info), 0);
+    EXPECT_TRUE(exists(odd));
 }
 
 // A bundle whose name is not UTF-8 still declares an identifier: its data must not pass for an
@@ -154,21 +145,16 @@ TEST_F(Orphans, NamesThatAreNotUtf8AreLeftAlone)
 TEST_F(Orphans, IdentifiersOfBundlesWithOddNamesStillCount)
 {
     const QByteArray odd = nativePath(QStringLiteral("/Applications"), QByteArray("Od\xe9.app"));
-    ASSERT_EQ(::mkdir(odd.constData(), 0755), 0);
-    ASSERT_EQ(::mkdir((odd + "/Contents").constData(), 0755), 0);
-    const QByteArray plist = plistBytes(
-        QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.odd.app")}}, PlistFormat::xml);
-    const int fd = ::open((odd + "/Contents/Info.plist").constData(), O_CREAT | O_WRONLY, 0644);
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(::write(fd, plist.constData(), static_cast<size_t>(plist.size())), plist.size());
-    ::close(fd);
+    writeBytes(odd + "/Contents/Info.plist",
+               plistBytes(QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.odd.app")}},
+                          PlistFormat::xml));
     data(QStringLiteral("~/Library/Containers/com.odd.app"));
     EXPECT_TRUE(found().isEmpty());
 }
 
 TEST_F(Orphans, AMissingLibraryAndMissingRootsGiveNothing)
 {
-    QDir(m_dir.path()).removeRecursively();
+    QDir(m_tree.root()).removeRecursively();
     EXPECT_TRUE(found().isEmpty());
 }
 

@@ -1,34 +1,17 @@
 #include "core/cleanup/CleanItem.h"
 
+#include "support/FixtureFiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSet>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace nubo;
 
-namespace {
-
-qint64 blocksOf(const QString& path)
-{
-    struct stat info
-    {
-    };
-    EXPECT_EQ(::lstat(QFile::encodeName(path).constData(), &info), 0);
-    return static_cast<qint64>(info.st_blocks) * 512;
-}
-
-void writeFile(const QString& path, qint64 bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(QByteArray(bytes, 'x')), bytes);
-}
-
-} // namespace
+using nubo::test::blocksOf;
+using nubo::test::writeFile;
 
 TEST(CleanItem, PathItemMeasuresTheAllocatedSizeOfTheWholeTree)
 {

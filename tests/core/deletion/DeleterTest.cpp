@@ -1,16 +1,14 @@
 #include "DeletionFixture.h"
-
-#include "support/AppleScriptText.h"
 #include "core/deletion/Removal.h"
 #include "core/files/NativePath.h"
 #include "core/shell/Shell.h"
+#include "support/AppleScriptText.h"
+#include "support/OrdinaryUser.h"
 
 #include <QFile>
 #include <QThread>
-
 #include <cerrno>
 #include <cstring>
-
 #include <sys/resource.h>
 
 using namespace nubo;
@@ -32,20 +30,17 @@ TEST_F(DeleterTest, RemovesFilesFoldersAndLinksButNeverWhatLinksPointTo)
 {
     // GIVEN a file, a folder tree holding a link to a folder outside it, a dangling link, a link
     // to a file outside, and a path that does not exist; next to them things that must stay
-    makeFile("work/file", 100);
-    makeFolder("work/tree");
-    makeFolder("work/tree/deep");
-    makeFolder("work/tree/deep/empty");
-    makeFile("work/tree/deep/leaf", 5);
-    makeFolder("keep");
-    makeFile("keep/precious", 7);
-    makeLink(bytes("keep"), "work/tree/to-keep");
-    makeLink(bytes("work/gone-long-ago"), "work/dangling");
-    makeLink(bytes("keep/precious"), "work/to-precious");
-    makeLink(bytes("keep"), "work/slash");
-    makeLink(bytes("keep"), "work/dot");
-    makeFile("work/sibling");
-    const std::set<std::string> before = tree();
+    file("work/file", 100);
+    dir("work/tree/deep/empty");
+    file("work/tree/deep/leaf", 5);
+    file("keep/precious", 7);
+    link(bytes("keep"), "work/tree/to-keep");
+    link(bytes("work/gone-long-ago"), "work/dangling");
+    link(bytes("keep/precious"), "work/to-precious");
+    link(bytes("keep"), "work/slash");
+    link(bytes("keep"), "work/dot");
+    file("work/sibling");
+    const std::set<std::string> before = listing();
 
     // WHEN all of them are deleted in one batch
     const DeletionResult result = run({{path("work/file"), 4096},
@@ -61,12 +56,12 @@ TEST_F(DeleterTest, RemovesFilesFoldersAndLinksButNeverWhatLinksPointTo)
     // THEN everything given is gone in the caller's order, the missing path counts as deleted
     // without freeing anything, and only the given items left the disk
     EXPECT_EQ(result.deleted, (QStringList{path("work/file"), path("work/tree"), path("work/dangling"),
-                                           path("work/to-precious"), path("work/missing"), path("work/slash/"),
-                                           path("work/dot/.")}));
+                                           path("work/to-precious"), path("work/missing"),
+                                           path("work/slash/"), path("work/dot/.")}));
     EXPECT_TRUE(result.failed.isEmpty());
     EXPECT_EQ(result.freed, 4096 + 8192 + 1 + 2 + 3 + 4);
-    EXPECT_EQ(tree(), without(before, {"work/file", "work/tree", "work/dangling", "work/to-precious", "work/slash",
-                                       "work/dot"}));
+    EXPECT_EQ(listing(), without(before, {"work/file", "work/tree", "work/dangling", "work/to-precious",
+                                          "work/slash", "work/dot"}));
     EXPECT_TRUE(exists("keep/precious"));
 }
 
@@ -75,15 +70,14 @@ TEST_F(DeleterTest, DeepTreeGoesWholeEvenWithFewFileDescriptors)
     // GIVEN a tree 300 folders deep with files along the way, and a process that may hold only
     // 64 open files (a Mac app gets 256 by default)
     QByteArray relative = "work/deep";
-    makeFolder(relative);
     for (int depth = 0; depth < 300; ++depth) {
         relative += "/d";
-        makeFolder(relative);
         if (depth % 50 == 0)
-            makeFile(relative + "/f", 1);
+            file(relative + "/f", 1);
     }
-    makeFile("work/beside");
-    const std::set<std::string> before = tree();
+    dir(relative);
+    file("work/beside");
+    const std::set<std::string> before = listing();
     struct rlimit original = {};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &original), 0);
     struct rlimit few = original;
@@ -93,17 +87,18 @@ TEST_F(DeleterTest, DeepTreeGoesWholeEvenWithFewFileDescriptors)
     const DeletionResult result = run({{path("work/deep"), 1}}, false);
     ::setrlimit(RLIMIT_NOFILE, &original);
 
-    EXPECT_TRUE(result.failed.isEmpty()) << (result.failed.isEmpty() ? "" : result.failed[0].reason.toStdString());
+    EXPECT_TRUE(result.failed.isEmpty())
+        << (result.failed.isEmpty() ? "" : result.failed[0].reason.toStdString());
     EXPECT_EQ(result.deleted, QStringList{path("work/deep")});
-    EXPECT_EQ(tree(), without(before, {"work/deep"}));
+    EXPECT_EQ(listing(), without(before, {"work/deep"}));
 }
 
 TEST_F(DeleterTest, ProtectedPathsAreRefusedWithTheirReasonAndTouched)
 {
     // GIVEN the home folder with content, its cache container, and an allowed cache item
-    makeFile("home/Library/Caches/item", 3);
-    makeFile("home/notes");
-    const std::set<std::string> before = tree();
+    file("home/Library/Caches/item", 3);
+    file("home/notes");
+    const std::set<std::string> before = listing();
 
     const DeletionResult result = run({{path("home"), 10},
                                        {path("home/Library/Caches"), 10},
@@ -114,12 +109,14 @@ TEST_F(DeleterTest, ProtectedPathsAreRefusedWithTheirReasonAndTouched)
 
     ASSERT_EQ(result.failed.size(), 4);
     EXPECT_EQ(result.failed[0], (DeletionFailure{path("home"), QStringLiteral("Carpeta del sistema")}));
-    EXPECT_EQ(result.failed[1], (DeletionFailure{path("home/Library/Caches"), QStringLiteral("Carpeta del sistema")}));
+    EXPECT_EQ(result.failed[1],
+              (DeletionFailure{path("home/Library/Caches"), QStringLiteral("Carpeta del sistema")}));
     EXPECT_EQ(result.failed[2].reason, QStringLiteral("Carpeta del sistema"));
-    EXPECT_EQ(result.failed[3], (DeletionFailure{QStringLiteral("relative/path"), QStringLiteral("Ruta no válida")}));
+    EXPECT_EQ(result.failed[3],
+              (DeletionFailure{QStringLiteral("relative/path"), QStringLiteral("Ruta no válida")}));
     EXPECT_EQ(result.deleted, QStringList{path("home/Library/Caches/item")});
     EXPECT_EQ(result.freed, 3);
-    EXPECT_EQ(tree(), without(before, {"home/Library/Caches/item"}));
+    EXPECT_EQ(listing(), without(before, {"home/Library/Caches/item"}));
     EXPECT_TRUE(m_admin.requests().isEmpty());
 }
 
@@ -127,12 +124,11 @@ TEST_F(DeleterTest, NameThatIsNotUtf8IsNeverActedOnThroughItsLossyText)
 {
     // GIVEN a file whose name is not UTF-8 and a neighbour whose name is the replacement
     // character that the first one's text turns into
-    makeFolder("work/odd");
-    makeFile("work/odd/a\xff");
-    makeFile("work/odd/a\xef\xbf\xbd");
+    file("work/odd/a\xff");
+    file("work/odd/a\xef\xbf\xbd");
     const QString lossy = path("work/odd/a\xff");
     ASSERT_TRUE(lossy.contains(QChar::ReplacementCharacter));
-    const std::set<std::string> before = tree();
+    const std::set<std::string> before = listing();
 
     const DeletionResult result = run({{lossy, 10}}, true);
 
@@ -140,7 +136,7 @@ TEST_F(DeleterTest, NameThatIsNotUtf8IsNeverActedOnThroughItsLossyText)
     EXPECT_TRUE(result.deleted.isEmpty());
     EXPECT_EQ(result.failed, (QList<DeletionFailure>{{lossy, QStringLiteral("No se pudo borrar")}}));
     EXPECT_EQ(result.freed, 0);
-    EXPECT_EQ(tree(), before);
+    EXPECT_EQ(listing(), before);
     EXPECT_TRUE(m_admin.requests().isEmpty());
 }
 
@@ -148,10 +144,9 @@ TEST_F(DeleterTest, NameThatIsNotUtf8IsRemovedThroughTheScannersExactText)
 {
     // GIVEN the same pair, and the text the scanner and the listings give for the odd name,
     // which keeps its bytes
-    makeFolder("work/odd");
-    makeFile("work/odd/a\xff");
-    makeFile("work/odd/a\xef\xbf\xbd");
-    makeFile("work/odd/a?");
+    file("work/odd/a\xff");
+    file("work/odd/a\xef\xbf\xbd");
+    file("work/odd/a?");
     const QString exact = NativePath::decode(NativePath::encode(path("work/odd")) + "/a\xff");
     ASSERT_TRUE(NativePath::hasEscapedBytes(exact));
 
@@ -167,11 +162,12 @@ TEST_F(DeleterTest, NameThatIsNotUtf8IsRemovedThroughTheScannersExactText)
 
 TEST_F(DeleterTest, FreedAddsLargeSizesExactlyAndIgnoresNegativeOnes)
 {
-    makeFile("work/a");
-    makeFile("work/b");
-    makeFile("work/c");
+    file("work/a");
+    file("work/b");
+    file("work/c");
     const qint64 big = std::numeric_limits<qint64>::max() / 2;
-    const DeletionResult result = run({{path("work/a"), big}, {path("work/c"), -big}, {path("work/b"), big}}, false);
+    const DeletionResult result =
+        run({{path("work/a"), big}, {path("work/c"), -big}, {path("work/b"), big}}, false);
     EXPECT_EQ(result.freed, 2 * big);
     EXPECT_EQ(result.deleted.size(), 3);
 }
@@ -186,10 +182,8 @@ protected:
         DeletionFixture::SetUp();
         // "locked" belongs to someone else (root, or read-only for a non-root run); "mine" and
         // its content belong to the ordinary user.
-        makeFolder("work/locked");
-        makeFolder("work/locked/inner");
-        makeFolder("work/mine");
-        makeFile("work/mine/own", 50);
+        dir("work/locked/inner");
+        file("work/mine/own", 50);
         for (const char* relative : {"work/mine", "work/mine/own"})
             OrdinaryUser::handOver(bytes(relative));
     }
@@ -215,8 +209,8 @@ protected:
 
 TEST_F(DeleterRightsTest, WithoutAdminTheSystemsMessageIsTheReason)
 {
-    makeFile("work/locked/root-file", 20);
-    const std::set<std::string> before = tree();
+    file("work/locked/root-file", 20);
+    const std::set<std::string> before = listing();
 
     DeletionResult result;
     {
@@ -230,16 +224,16 @@ TEST_F(DeleterRightsTest, WithoutAdminTheSystemsMessageIsTheReason)
     EXPECT_EQ(result.deleted, QStringList{path("work/mine/own")});
     EXPECT_EQ(result.freed, 50);
     EXPECT_TRUE(m_admin.requests().isEmpty());
-    EXPECT_EQ(tree(), without(before, {"work/mine/own"}));
+    EXPECT_EQ(listing(), without(before, {"work/mine/own"}));
 }
 
 TEST_F(DeleterRightsTest, ItemBehindAFolderThatMayNotBeSearchedIsNotCalledGone)
 {
     // GIVEN a file inside a folder the user may not even look into: the system cannot say
     // whether it exists, which must never be read as "already gone"
-    makeFolder("work/sealed", 0700);
-    makeFile("work/sealed/secret", 9);
-    const std::set<std::string> before = tree();
+    dir("work/sealed", 0700);
+    file("work/sealed/secret", 9);
+    const std::set<std::string> before = listing();
 
     DeletionResult result;
     {
@@ -256,18 +250,18 @@ TEST_F(DeleterRightsTest, ItemBehindAFolderThatMayNotBeSearchedIsNotCalledGone)
     EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/sealed/secret"),
                                                       QString::fromLocal8Bit(std::strerror(EACCES))}}));
     EXPECT_EQ(result.freed, 0);
-    EXPECT_EQ(tree(), before);
+    EXPECT_EQ(listing(), before);
 }
 
 TEST_F(DeleterRightsTest, OneAdministratorRunForTheWholeBatch)
 {
     // GIVEN three items the user may not delete, in two folders, among others it may delete
-    makeFile("work/locked/one", 1);
-    makeFile("work/locked/inner/two", 2);
-    makeFolder("work/locked/inner/three");
-    makeFile("work/locked/inner/three/x", 3);
-    makeFile("work/locked/stays", 4);
-    const std::set<std::string> before = tree();
+    file("work/locked/one", 1);
+    file("work/locked/inner/two", 2);
+    dir("work/locked/inner/three");
+    file("work/locked/inner/three/x", 3);
+    file("work/locked/stays", 4);
+    const std::set<std::string> before = listing();
 
     DeletionResult result;
     {
@@ -283,47 +277,49 @@ TEST_F(DeleterRightsTest, OneAdministratorRunForTheWholeBatch)
 
     // THEN one prompt removed all three; the user's own item went without it
     ASSERT_EQ(m_admin.requests().size(), 1);
-    EXPECT_EQ(m_admin.requests().first().commandLine,
-              QStringLiteral("/bin/rm -rf -- '%1' '%2' '%3'")
-                  .arg(path("work/locked/one"), path("work/locked/inner/two"), path("work/locked/inner/three")));
+    EXPECT_EQ(
+        m_admin.requests().first().commandLine,
+        QStringLiteral("/bin/rm -rf -- '%1' '%2' '%3'")
+            .arg(path("work/locked/one"), path("work/locked/inner/two"), path("work/locked/inner/three")));
     EXPECT_NE(m_adminThread, QThread::currentThread());
     EXPECT_TRUE(result.failed.isEmpty()) << failedPaths(result).join(QLatin1Char(',')).toStdString();
-    EXPECT_EQ(result.deleted, (QStringList{path("work/mine/own"), path("work/locked/one"), path("work/locked/inner/two"),
-                                           path("work/locked/inner/three")}));
+    EXPECT_EQ(result.deleted, (QStringList{path("work/mine/own"), path("work/locked/one"),
+                                           path("work/locked/inner/two"), path("work/locked/inner/three")}));
     EXPECT_EQ(result.freed, 650);
-    EXPECT_EQ(tree(), without(before, {"work/mine/own", "work/locked/one", "work/locked/inner/two",
-                                       "work/locked/inner/three"}));
+    EXPECT_EQ(listing(), without(before, {"work/mine/own", "work/locked/one", "work/locked/inner/two",
+                                          "work/locked/inner/three"}));
 }
 
 TEST_F(DeleterRightsTest, RefusedPromptMarksEveryQueuedItem)
 {
-    makeFile("work/locked/one");
-    makeFile("work/locked/inner/two");
-    const std::set<std::string> before = tree();
+    file("work/locked/one");
+    file("work/locked/inner/two");
+    const std::set<std::string> before = listing();
     m_admin.outcome = AdminOutcome::Failed;
 
     DeletionResult result;
     {
         OrdinaryUser user(lockedFolders());
         ASSERT_TRUE(user.active());
-        result = run({{path("work/locked/one"), 1}, {path("work/locked/inner/two"), 2}, {path("work/mine/own"), 50}},
-                     true);
+        result = run(
+            {{path("work/locked/one"), 1}, {path("work/locked/inner/two"), 2}, {path("work/mine/own"), 50}},
+            true);
     }
 
     EXPECT_EQ(m_admin.requests().size(), 1);
     const QString denied = QStringLiteral("Permiso de administrador denegado");
-    EXPECT_EQ(result.failed,
-              (QList<DeletionFailure>{{path("work/locked/one"), denied}, {path("work/locked/inner/two"), denied}}));
+    EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/locked/one"), denied},
+                                                     {path("work/locked/inner/two"), denied}}));
     EXPECT_EQ(result.deleted, QStringList{path("work/mine/own")});
     EXPECT_EQ(result.freed, 50);
-    EXPECT_EQ(tree(), without(before, {"work/mine/own"}));
+    EXPECT_EQ(listing(), without(before, {"work/mine/own"}));
 }
 
 TEST_F(DeleterRightsTest, AdministratorRunThatLeavesItemsBehindIsReportedPerItem)
 {
     // GIVEN a runner that reports success (or could not even start the script) but removes nothing
-    makeFile("work/locked/one");
-    const std::set<std::string> before = tree();
+    file("work/locked/one");
+    const std::set<std::string> before = listing();
     for (const AdminOutcome outcome : {AdminOutcome::Succeeded, AdminOutcome::Unavailable}) {
         m_admin.outcome = outcome;
         DeletionResult result;
@@ -332,9 +328,10 @@ TEST_F(DeleterRightsTest, AdministratorRunThatLeavesItemsBehindIsReportedPerItem
             ASSERT_TRUE(user.active());
             result = run({{path("work/locked/one"), 1}}, true);
         }
-        EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/locked/one"), QStringLiteral("No se pudo borrar")}}));
+        EXPECT_EQ(result.failed,
+                  (QList<DeletionFailure>{{path("work/locked/one"), QStringLiteral("No se pudo borrar")}}));
         EXPECT_EQ(result.freed, 0);
-        EXPECT_EQ(tree(), before);
+        EXPECT_EQ(listing(), before);
     }
 }
 
@@ -342,17 +339,25 @@ TEST_F(DeleterRightsTest, OddNamesReachThePrivilegedRemovalIntact)
 {
     // GIVEN names with a double quote, a backslash, a single quote, a newline, a leading "-",
     // spaces and shell syntax, each next to a look-alike that must stay
-    const QList<QByteArray> names{"say \"hi\"", "back\\slash", "it's", "new\nline", "-rf", "two  spaces ",
-                                  "$(touch pwned) `touch pwned2`", "*", "\\\"", "ñandú"};
+    const QList<QByteArray> names{"say \"hi\"",
+                                  "back\\slash",
+                                  "it's",
+                                  "new\nline",
+                                  "-rf",
+                                  "two  spaces ",
+                                  "$(touch pwned) `touch pwned2`",
+                                  "*",
+                                  "\\\"",
+                                  "ñandú"};
     QList<DeletionItem> items;
     std::set<std::string> removed;
     for (const QByteArray& name : names) {
-        makeFile("work/locked/" + name, 1);
-        makeFile("work/locked/" + name + ".keep", 1);
+        file("work/locked/" + name, 1);
+        file("work/locked/" + name + ".keep", 1);
         items.append({path("work/locked/" + name), 1});
         removed.insert(("work/locked/" + name).toStdString());
     }
-    const std::set<std::string> before = tree();
+    const std::set<std::string> before = listing();
 
     DeletionResult result;
     {
@@ -366,22 +371,23 @@ TEST_F(DeleterRightsTest, OddNamesReachThePrivilegedRemovalIntact)
     EXPECT_TRUE(result.failed.isEmpty()) << failedPaths(result).join(QLatin1Char(',')).toStdString();
     EXPECT_EQ(result.deleted.size(), names.size());
     EXPECT_EQ(result.freed, names.size());
-    EXPECT_EQ(tree(), without(before, removed));
+    EXPECT_EQ(listing(), without(before, removed));
 }
 
 TEST_F(DeleterRightsTest, PrivilegedRemovalAsksTheGateAgain)
 {
-    makeFile("work/locked/one");
-    const std::set<std::string> before = tree();
+    file("work/locked/one");
+    const std::set<std::string> before = listing();
 
     // Only what the gate allows reaches the command; with nothing left there is no prompt.
     EXPECT_TRUE(m_deleter->removeAsAdmin({path("home"), path("work/locked/one"), path("home/Library")}));
     ASSERT_EQ(m_admin.requests().size(), 1);
-    EXPECT_EQ(m_admin.requests().first().commandLine, QStringLiteral("/bin/rm -rf -- '%1'").arg(path("work/locked/one")));
+    EXPECT_EQ(m_admin.requests().first().commandLine,
+              QStringLiteral("/bin/rm -rf -- '%1'").arg(path("work/locked/one")));
 
     EXPECT_FALSE(m_deleter->removeAsAdmin({path("home"), QStringLiteral("/")}));
     EXPECT_EQ(m_admin.requests().size(), 1);
-    EXPECT_EQ(tree(), before);
+    EXPECT_EQ(listing(), before);
 }
 
 TEST(RemovalTest, RightsFailuresAreThePermissionErrors)

@@ -2,9 +2,9 @@
 
 #include "core/scanner/FileNode.h"
 
-#include <gtest/gtest.h>
-
 #include <QSet>
+#include <gtest/gtest.h>
+#include <map>
 
 using nubo::FileKind;
 using nubo::FileNode;
@@ -17,8 +17,9 @@ class Tree
 {
 public:
     explicit Tree(const QString& rootPath = QStringLiteral("/Users/ana"))
-        : m_root(std::make_unique<FileNode>(rootPath == QLatin1String("/") ? QStringLiteral("Macintosh HD")
-                                                                           : rootPath.section(QLatin1Char('/'), -1),
+        : m_root(std::make_unique<FileNode>(rootPath == QLatin1String("/")
+                                                ? QStringLiteral("Macintosh HD")
+                                                : rootPath.section(QLatin1Char('/'), -1),
                                             rootPath, FileNode::Type::Directory))
     {
     }
@@ -46,104 +47,84 @@ public:
         return *current;
     }
 
-    FileKind file(const char* relative) { return classify(add(QString::fromUtf8(relative), FileNode::Type::File)); }
-    FileKind folder(const char* relative)
-    {
-        return classify(add(QString::fromUtf8(relative), FileNode::Type::Directory));
-    }
-
 private:
     std::unique_ptr<FileNode> m_root;
 };
 
 } // namespace
 
-TEST(FileKind, ExtensionIsLookedUpLowerCasedThenExactly)
+// One case per row: the root of the scan, a path below it (a trailing "/" makes it a folder) and
+// the kind it must get. Rows share one tree per root, as nodes of one scan do.
+TEST(FileKind, ClassifiesByExtensionThenNameThenNearestFolderRule)
 {
-    Tree tree;
-    EXPECT_EQ(tree.file("Projects/clip.MOV"), FileKind::Video);
-    EXPECT_EQ(tree.folder("Projects/App.dSYM"), FileKind::Developer);
-    EXPECT_EQ(tree.file("Projects/photo.DSYM"), FileKind::Other); // neither lookup matches
-    EXPECT_EQ(tree.file("Projects/backup.tar.gz"), FileKind::Archive);
-    EXPECT_EQ(tree.file("Projects/Report.PDF"), FileKind::Document);
-    EXPECT_EQ(tree.folder("Projects/Tool.app"), FileKind::Apps);
-}
-
-TEST(FileKind, NamesWithoutARealExtension)
-{
-    Tree tree;
-    EXPECT_EQ(tree.file("Projects/.o"), FileKind::Other);       // a leading dot is not an extension
-    EXPECT_EQ(tree.file("Projects/notes."), FileKind::Other);
-    EXPECT_EQ(tree.folder("Projects/.gradle"), FileKind::Developer); // by folder name, not extension
-}
-
-TEST(FileKind, ExtensionOverridesEveryFolderRule)
-{
-    Tree tree;
-    EXPECT_EQ(tree.file("Library/Caches/com.x/movie.mp4"), FileKind::Video);
-    EXPECT_EQ(tree.file("Music/cover.png"), FileKind::Image);
-    EXPECT_EQ(tree.file("Library/Developer/x/song.mp3"), FileKind::Audio);
-}
-
-TEST(FileKind, CacheAndDeveloperFoldersAreInheritedAtAnyDepth)
-{
-    Tree tree;
-    EXPECT_EQ(tree.file("Library/Caches/com.x/blob"), FileKind::Cache);
-    EXPECT_EQ(tree.file("Library/Caches/a/b/c/d/e/f/blob"), FileKind::Cache);
-    EXPECT_EQ(tree.file("Library/Developer/blob"), FileKind::Developer);
-    EXPECT_EQ(tree.file("Code/web/node_modules/left-pad/index"), FileKind::Developer);
-    EXPECT_EQ(tree.file(".Trash/old"), FileKind::Cache);
-    EXPECT_EQ(tree.folder("Work/Logs"), FileKind::Cache); // the node's own name counts
-    EXPECT_EQ(tree.file("Movies/raw"), FileKind::Video);
-}
-
-TEST(FileKind, NearestFolderRuleWins)
-{
-    Tree tree;
-    // A cache folder inside a developer folder: the cache is met first on the way up.
-    EXPECT_EQ(tree.file("Library/Developer/Xcode/DerivedData/App/Logs/build"), FileKind::Cache);
-    // A developer folder inside a cache folder: its parent test fires before the cache is reached.
-    EXPECT_EQ(tree.file("Library/Caches/Xcode/blob"), FileKind::Developer);
-    EXPECT_EQ(tree.file("Documents/Xcode/notes"), FileKind::Developer);
-    EXPECT_EQ(tree.file("Music/Downloads/untitled"), FileKind::Audio);
-}
-
-TEST(FileKind, DeveloperFolderNameComesBeforeTheUpwardWalk)
-{
-    Tree tree;
-    EXPECT_EQ(tree.folder("Documents/site/node_modules"), FileKind::Developer);
-    EXPECT_EQ(tree.folder("Library/Caches/Pods"), FileKind::Developer);
-}
-
-TEST(FileKind, SystemNamesCountOnlyAtTheTopTwoLevels)
-{
-    Tree tree;
-    EXPECT_EQ(tree.folder("Library"), FileKind::System);
-    EXPECT_EQ(tree.folder("Projects/old/Library"), FileKind::Folder);
-    EXPECT_EQ(tree.folder("Projects/usr"), FileKind::Folder);
-    EXPECT_EQ(tree.file("opt"), FileKind::System); // a file with a system name, directly below the root
-
-    Tree disk(QStringLiteral("/"));
-    EXPECT_EQ(disk.folder("System"), FileKind::System);
-    EXPECT_EQ(disk.folder("private/var/usr"), FileKind::Folder);
-}
-
-TEST(FileKind, TopLevelsWithoutARuleAreFolderOrOther)
-{
-    Tree tree;
-    EXPECT_EQ(classify(tree.root()), FileKind::Folder);
-    EXPECT_EQ(tree.folder("Projects"), FileKind::Folder);
-    EXPECT_EQ(tree.file("README"), FileKind::Other);
-    EXPECT_EQ(tree.folder("Projects/deep/er"), FileKind::Folder);
-    EXPECT_EQ(tree.file("Projects/deep/blob"), FileKind::Other);
-    EXPECT_EQ(tree.folder("Aplicaciones"), FileKind::Apps);
-    EXPECT_EQ(tree.folder("Desktop/inbox"), FileKind::Document);
-}
-
-TEST(FileKind, RootNamedAfterAWellKnownFolderColoursEverything)
-{
-    Tree caches(QStringLiteral("/Users/ana/Library/Caches"));
-    EXPECT_EQ(caches.file("com.x/blob"), FileKind::Cache);
+    struct Case
+    {
+        const char* root;
+        const char* relative;
+        FileKind expected;
+    };
+    const Case cases[] = {
+        // The extension is looked up lower-cased, then exactly.
+        {"/Users/ana", "Projects/clip.MOV", FileKind::Video},
+        {"/Users/ana", "Projects/App.dSYM/", FileKind::Developer},
+        {"/Users/ana", "Projects/photo.DSYM", FileKind::Other}, // neither lookup matches
+        {"/Users/ana", "Projects/backup.tar.gz", FileKind::Archive},
+        {"/Users/ana", "Projects/Report.PDF", FileKind::Document},
+        {"/Users/ana", "Projects/Tool.app/", FileKind::Apps},
+        // Names without a real extension.
+        {"/Users/ana", "Projects/.o", FileKind::Other}, // a leading dot is not an extension
+        {"/Users/ana", "Projects/notes.", FileKind::Other},
+        {"/Users/ana", "Projects/.gradle/", FileKind::Developer}, // by folder name, not extension
+        // The extension overrides every folder rule.
+        {"/Users/ana", "Library/Caches/com.x/movie.mp4", FileKind::Video},
+        {"/Users/ana", "Music/cover.png", FileKind::Image},
+        {"/Users/ana", "Library/Developer/x/song.mp3", FileKind::Audio},
+        // Cache and developer folders are inherited at any depth; the node's own name counts.
+        {"/Users/ana", "Library/Caches/com.x/blob", FileKind::Cache},
+        {"/Users/ana", "Library/Caches/a/b/c/d/e/f/blob", FileKind::Cache},
+        {"/Users/ana", "Library/Developer/blob", FileKind::Developer},
+        {"/Users/ana", "Code/web/node_modules/left-pad/index", FileKind::Developer},
+        {"/Users/ana", ".Trash/old", FileKind::Cache},
+        {"/Users/ana", "Work/Logs/", FileKind::Cache},
+        {"/Users/ana", "Movies/raw", FileKind::Video},
+        // The nearest folder rule wins: a cache inside a developer folder is met first on the
+        // way up; a developer folder's parent test fires before an enclosing cache is reached.
+        {"/Users/ana", "Library/Developer/Xcode/DerivedData/App/Logs/build", FileKind::Cache},
+        {"/Users/ana", "Library/Caches/Xcode/blob", FileKind::Developer},
+        {"/Users/ana", "Documents/Xcode/notes", FileKind::Developer},
+        {"/Users/ana", "Music/Downloads/untitled", FileKind::Audio},
+        // A developer folder's own name comes before the upward walk.
+        {"/Users/ana", "Documents/site/node_modules/", FileKind::Developer},
+        {"/Users/ana", "Library/Caches/Pods/", FileKind::Developer},
+        // System names count only at the top two levels.
+        {"/Users/ana", "Library/", FileKind::System},
+        {"/Users/ana", "Projects/old/Library/", FileKind::Folder},
+        {"/Users/ana", "Projects/usr/", FileKind::Folder},
+        {"/Users/ana", "opt", FileKind::System}, // a file with a system name, directly below the root
+        {"/", "System/", FileKind::System},
+        {"/", "private/var/usr/", FileKind::Folder},
+        // Top levels without a rule are a folder or other.
+        {"/Users/ana", "Projects/", FileKind::Folder},
+        {"/Users/ana", "README", FileKind::Other},
+        {"/Users/ana", "Projects/deep/er/", FileKind::Folder},
+        {"/Users/ana", "Projects/deep/blob", FileKind::Other},
+        {"/Users/ana", "Aplicaciones/", FileKind::Apps},
+        {"/Users/ana", "Desktop/inbox/", FileKind::Document},
+        // A root named after a well-known folder colours everything below it.
+        {"/Users/ana/Library/Caches", "com.x/blob", FileKind::Cache},
+    };
+    std::map<QString, Tree> trees;
+    for (const Case& c : cases) {
+        const QString root = QString::fromUtf8(c.root);
+        Tree& tree = trees.try_emplace(root, root).first->second;
+        QString relative = QString::fromUtf8(c.relative);
+        const bool folder = relative.endsWith(QLatin1Char('/'));
+        if (folder)
+            relative.chop(1);
+        const FileNode& node = tree.add(relative, folder ? FileNode::Type::Directory : FileNode::Type::File);
+        EXPECT_EQ(classify(node), c.expected) << c.root << " " << c.relative;
+    }
+    EXPECT_EQ(classify(trees.at(QStringLiteral("/Users/ana")).root()), FileKind::Folder);
 }
 
 TEST(FileKind, AggregatesAreAlwaysOther)

@@ -1,4 +1,5 @@
 #include "core/launch/LaunchItems.h"
+
 #include "core/admin/ShellQuote.h"
 #include "core/deletion/Deleter.h"
 #include "core/naming/Naming.h"
@@ -8,21 +9,16 @@
 #include "platform/fake/FakeAdminRunner.h"
 #include "platform/fake/FakeWorkspace.h"
 #include "platform/fake/ScriptedToolRunner.h"
-
 #include "support/AppleScriptText.h"
-
-#include <gtest/gtest.h>
-
-#include <plist/plist.h>
+#include "support/FixtureFiles.h"
+#include "support/PlistWriter.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <cstdlib>
-#include <memory>
-
 #include <fcntl.h>
+#include <gtest/gtest.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,31 +37,8 @@ void PrintTo(const LaunchItem& item, std::ostream* out)
 
 namespace {
 
-QByteArray xmlPlist(const QByteArray& body)
-{
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-           "<plist version=\"1.0\"><dict>" +
-           body + "</dict></plist>\n";
-}
-
-// The same dictionary in the binary form launchd also reads, written by libplist itself.
-QByteArray binaryPlist(const QByteArray& body)
-{
-    const QByteArray xml = xmlPlist(body);
-    plist_t node = nullptr;
-    plist_from_xml(xml.constData(), uint32_t(xml.size()), &node);
-    if (!node)
-        return {};
-    char* bytes = nullptr;
-    uint32_t length = 0;
-    plist_to_bin(node, &bytes, &length);
-    QByteArray binary(bytes, qsizetype(length));
-    std::free(bytes);
-    plist_free(node);
-    return binary;
-}
+using test::plistDict;
+using test::PlistFormat;
 
 // A temporary Mac: a home with its agents, the system-wide agents and daemons, and a stand-in
 // launchctl that logs every call (arguments joined by "|") and prints the listings a test wrote.
@@ -85,18 +58,17 @@ protected:
         m_tools.daemons = path("Library/LaunchDaemons");
 
         const QByteArray dir = shellQuote(m_dir.path()).toUtf8();
-        write("launchctl", "#!/bin/sh\n"
-                           "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
-                           "printf '%s\\n' \"$line\" >> " +
-                               dir +
-                               "/log\n"
-                               "f=" +
-                               dir +
-                               "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
-                               "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
-                               "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
-                               "exit 0\n");
-        ASSERT_EQ(::chmod(QFile::encodeName(path("launchctl")).constData(), 0755), 0);
+        test::writeScript(path("launchctl"),
+                          "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
+                          "printf '%s\\n' \"$line\" >> " +
+                              dir +
+                              "/log\n"
+                              "f=" +
+                              dir +
+                              "/\"$(printf '%s' \"$line\" | tr '/|' '__')\"\n"
+                              "[ -f \"$f.out\" ] && cat \"$f.out\"\n"
+                              "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
+                              "exit 0\n");
 
         m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
@@ -112,9 +84,7 @@ protected:
 
     void write(const char* relative, const QByteArray& bytes) const
     {
-        QFile file(path(relative));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        test::writeBytes(path(relative), bytes);
     }
 
     // What the stand-in prints (and how it exits) when called with these arguments.
@@ -210,22 +180,23 @@ TEST(LaunchListings, LoadedLabelsSkipTheHeaderAndJunk)
 TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
 {
     write("home/Library/LaunchAgents/com.example.sync.plist",
-          xmlPlist("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
-                   "<array><string>/Applications/Sync "
-                   "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
+          plistDict("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
+                    "<array><string>/Applications/Sync "
+                    "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
     write("home/Library/LaunchAgents/nolabel.plist",
-          binaryPlist("<key>Program</key><string>/usr/local/bin/thing</string>"));
+          plistDict("<key>Program</key><string>/usr/local/bin/thing</string>", PlistFormat::binary));
     write("home/Library/LaunchAgents/broken.plist", "<?xml version=\"1.0\"?><plist><dict><key>Label");
-    write("home/Library/LaunchAgents/notes.txt", xmlPlist("<key>Label</key><string>not.a.job</string>"));
+    write("home/Library/LaunchAgents/notes.txt", plistDict("<key>Label</key><string>not.a.job</string>"));
     write("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist",
-          binaryPlist(
-              "<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>"));
+          plistDict("<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>",
+                    PlistFormat::binary));
     write("Library/LaunchAgents/com.acme.helper.plist",
-          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+          plistDict("<key>Label</key><string>com.acme.helper</string>"));
     write("Library/LaunchDaemons/com.spotify.client.plist",
-          binaryPlist("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>"));
+          plistDict("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>",
+                    PlistFormat::binary));
     write("Library/LaunchDaemons/com.acme.helper.plist",
-          xmlPlist("<key>Label</key><string>com.acme.helper</string>"));
+          plistDict("<key>Label</key><string>com.acme.helper</string>"));
     m_workspace.applications.insert(QStringLiteral("com.spotify.client"),
                                     QStringLiteral("/Applications/Spotify.app"));
 
@@ -273,7 +244,7 @@ TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
 
 TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
 {
-    write("Library/LaunchDaemons/com.acme.d.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    write("Library/LaunchDaemons/com.acme.d.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
     ScriptedToolRunner scripted; // every call fails, as when launchctl is missing or hangs
     const QList<LaunchItem> loaded = items(scripted).load();
     ASSERT_EQ(loaded.size(), 1);
@@ -292,12 +263,8 @@ TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
 TEST_F(LaunchItemsTest, NameThatIsNotUtf8IsNeverOffered)
 {
     const QByteArray odd = QFile::encodeName(path("Library/LaunchAgents")) + "/bad\xff\xfe.plist";
-    const int fd = ::open(odd.constData(), O_WRONLY | O_CREAT, 0644);
-    ASSERT_GE(fd, 0);
-    const QByteArray body = xmlPlist("<key>Label</key><string>com.odd</string>");
-    ASSERT_EQ(::write(fd, body.constData(), size_t(body.size())), ssize_t(body.size()));
-    ::close(fd);
-    write("Library/LaunchAgents/a'b\n-c.plist", xmlPlist("<key>Label</key><string>-a'b\"c\\d</string>"));
+    test::writeBytes(odd, plistDict("<key>Label</key><string>com.odd</string>"));
+    write("Library/LaunchAgents/a'b\n-c.plist", plistDict("<key>Label</key><string>-a'b\"c\\d</string>"));
 
     const QList<LaunchItem> loaded = items().load();
     ASSERT_EQ(loaded.size(), 1);
@@ -362,7 +329,7 @@ TEST_F(LaunchItemsTest, DaemonCommandLinesKeepAQuotedLabelOneArgument)
 
 TEST_F(LaunchItemsTest, RefusedPromptChangesNothing)
 {
-    write("Library/LaunchDaemons/daemon.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
     const LaunchItem item = daemon(QStringLiteral("com.acme.d"));
     m_admin.outcome = AdminOutcome::Failed;
 
@@ -375,8 +342,8 @@ TEST_F(LaunchItemsTest, RefusedPromptChangesNothing)
 
 TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)
 {
-    write("home/Library/LaunchAgents/com.me.plist", xmlPlist("<key>Label</key><string>com.me</string>"));
-    write("Library/LaunchDaemons/daemon.plist", xmlPlist("<key>Label</key><string>com.acme.d</string>"));
+    write("home/Library/LaunchAgents/com.me.plist", plistDict("<key>Label</key><string>com.me</string>"));
+    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
     LaunchItem mine;
     mine.url = path("home/Library/LaunchAgents/com.me.plist");
     mine.label = QStringLiteral("com.me");

@@ -3,14 +3,12 @@
 #include "core/shell/ShellToolRunner.h"
 #include "platform/fake/FakeAdminRunner.h"
 #include "platform/fake/ScriptedToolRunner.h"
-
 #include "support/AppleScriptText.h"
-
-#include <gtest/gtest.h>
+#include "support/FixtureFiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 using namespace nubo;
@@ -30,12 +28,9 @@ protected:
     // A stand-in tool: a shell script that records its arguments and then runs `body`.
     void writeTool(const QString& path, const QByteArray& body) const
     {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\nprintf '%s\\n' \"$@\" > " +
-                   shellQuote(m_dir.filePath(QStringLiteral("args"))).toUtf8() + "\n" + body);
-        file.close();
-        ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0755), 0);
+        test::writeScript(path, "printf '%s\\n' \"$@\" > " +
+                                    shellQuote(m_dir.filePath(QStringLiteral("args"))).toUtf8() + "\n" +
+                                    body);
     }
 
     [[nodiscard]] QByteArray recordedArguments() const

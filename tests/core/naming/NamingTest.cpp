@@ -1,4 +1,5 @@
 #include "core/naming/Naming.h"
+#include "platform/fake/FakeWorkspace.h"
 
 #include <gtest/gtest.h>
 
@@ -113,4 +114,20 @@ TEST(Naming, HomebrewServicesAndDerivedData)
     EXPECT_EQ(Naming::derivedDataName(QStringLiteral("Tool-abc")), QStringLiteral("Tool-abc")); // not a hash
     EXPECT_EQ(Naming::derivedData(QStringLiteral("MyApp-bqzdhfkeyqxeojaytwqqhxxjlmct")).subtitle,
               QStringLiteral("Proyecto de Xcode"));
+}
+
+TEST(Naming, TheWorkspaceRegistryFindsOwners)
+{
+    nubo::FakeWorkspace workspace;
+    workspace.applications.insert(QStringLiteral("com.figma.Desktop"), QStringLiteral("/Applications/Figma.app"));
+    const Naming naming(Naming::lookupIn(workspace));
+    EXPECT_EQ(naming.resolve(QStringLiteral("com.figma.Desktop")),
+              (Naming::Resolved{QStringLiteral("Figma"), {}, QStringLiteral("/Applications/Figma.app")}));
+    // The registry is asked by exact identifier; an unknown one falls back to the tidied name.
+    EXPECT_EQ(naming.resolve(QStringLiteral("com.figma.agent")), (Naming::Resolved{QStringLiteral("Figma"), {}, {}}));
+    workspace.applications.insert(QStringLiteral("org.gnome.Nautilus"),
+                                  QStringLiteral("/usr/share/applications/org.gnome.Nautilus.desktop"));
+    EXPECT_EQ(naming.resolve(QStringLiteral("org.gnome.Nautilus")).name, QStringLiteral("Nautilus"));
+    EXPECT_EQ(naming.resolve(QStringLiteral("com.jetbrains.intellij-ce")).name, QStringLiteral("Intellij Ce"));
+    EXPECT_EQ(naming.resolve(QStringLiteral("snake_case_tool")).name, QStringLiteral("Snake Case Tool"));
 }

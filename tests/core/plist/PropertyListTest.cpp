@@ -1,5 +1,6 @@
 #include "core/plist/PropertyList.h"
 
+#include "support/FixtureFiles.h"
 #include "support/PlistWriter.h"
 
 #include <QDir>
@@ -151,10 +152,7 @@ TEST(PropertyList, FilesThatAreNotListsReadAsEmpty)
 {
     QTemporaryDir dir;
     const QString good = dir.filePath(QStringLiteral("Info.plist"));
-    QFile file(good);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(plistBytes(sample(), PlistFormat::binary));
-    file.close();
+    nubo::test::writeBytes(good, plistBytes(sample(), PlistFormat::binary));
     expectSample(PropertyList::readDictionary(good));
 
     EXPECT_TRUE(PropertyList::readDictionary(dir.filePath(QStringLiteral("missing.plist"))).isEmpty());

@@ -1,12 +1,11 @@
 #include "core/privacy/Permissions.h"
 
 #include "platform/fake/FakeWorkspace.h"
-
-#include <gtest/gtest.h>
+#include "support/FixtureFiles.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 using namespace nubo;
 
@@ -23,10 +22,7 @@ TEST(Permissions, ProtectedDataIsReadableThroughThePrivacyDatabaseOrSafari)
     EXPECT_TRUE(Permissions::canReadProtectedData(home.path()));
 
     QTemporaryDir other;
-    ASSERT_TRUE(QDir(other.path()).mkpath(QStringLiteral("Library/Application Support/com.apple.TCC")));
-    QFile database(other.path() + QStringLiteral("/Library/Application Support/com.apple.TCC/TCC.db"));
-    ASSERT_TRUE(database.open(QIODevice::WriteOnly));
-    database.close();
+    test::writeBytes(other.path() + QStringLiteral("/Library/Application Support/com.apple.TCC/TCC.db"), {});
     EXPECT_TRUE(Permissions::canReadProtectedData(other.path()));
 }
 
@@ -35,7 +31,8 @@ TEST(Permissions, SettingsPageIsOpenedThroughTheWorkspace)
     FakeWorkspace workspace;
     Permissions::openFullDiskAccessSettings(workspace);
     EXPECT_EQ(workspace.openedUrls,
-              QStringList{QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")});
+              QStringList{QStringLiteral(
+                  "x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")});
 }
 
 #ifndef __APPLE__

@@ -2,16 +2,12 @@
 
 #include "core/files/SystemRoots.h"
 #include "core/safety/Safety.h"
-
-#include <gtest/gtest.h>
+#include "support/FixtureFiles.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
-
+#include <gtest/gtest.h>
 #include <memory>
-
-#include <unistd.h>
 
 namespace nubo::testing {
 
@@ -25,7 +21,8 @@ protected:
         ASSERT_TRUE(m_base.isValid());
         for (const char* folder :
              {"home/Library/Caches/com.example", "home/Library/Mail/V10", "home/Library/Mobile Documents",
-              "home/Library/Application Support/com.apple.TCC", "home/Library/Developer/Xcode/DerivedData/Foo-abc",
+              "home/Library/Application Support/com.apple.TCC",
+              "home/Library/Developer/Xcode/DerivedData/Foo-abc",
               "home/Library/Containers/com.apple.mail/Data/Library/Mail Downloads", "home/Library/Existing",
               "home/Pictures/Photos Library.photoslibrary/media", "home/Projects/app", "Library/Caches",
               "Library/Apple/x", "tmp-user/T"}) {
@@ -42,11 +39,7 @@ protected:
         return relative.isEmpty() ? m_roots.home : m_roots.home + QLatin1Char('/') + relative;
     }
 
-    void link(const QString& target, const QString& at) const
-    {
-        ASSERT_EQ(::symlink(QFile::encodeName(target).constData(), QFile::encodeName(at).constData()), 0)
-            << at.toStdString();
-    }
+    void link(const QString& target, const QString& at) const { nubo::test::makeLink(target, at); }
 
     ::testing::AssertionResult denied(const QString& path, const char* reason) const
     {
@@ -54,8 +47,9 @@ protected:
         if (verdict == Verdict::denied(QString::fromUtf8(reason)))
             return ::testing::AssertionSuccess();
         return ::testing::AssertionFailure()
-               << path.toStdString() << " gave " << (verdict.isAllowed() ? "allowed" : verdict.reason().toStdString())
-               << ", expected " << reason;
+               << path.toStdString() << " gave "
+               << (verdict.isAllowed() ? "allowed" : verdict.reason().toStdString()) << ", expected "
+               << reason;
     }
 
     ::testing::AssertionResult allowed(const QString& path) const
@@ -63,7 +57,8 @@ protected:
         const Verdict verdict = m_safety->check(path);
         if (verdict.isAllowed())
             return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure() << path.toStdString() << " was denied: " << verdict.reason().toStdString();
+        return ::testing::AssertionFailure()
+               << path.toStdString() << " was denied: " << verdict.reason().toStdString();
     }
 
     QTemporaryDir m_base;

@@ -1,16 +1,15 @@
 #include "core/scanner/DiskScanner.h"
 
-#include "TempTree.h"
 #include "core/files/NativePath.h"
 #include "core/privacy/Privacy.h"
-
-#include <gtest/gtest.h>
+#include "support/OrdinaryUser.h"
+#include "support/TempTree.h"
 
 #include <QDir>
 #include <QFile>
-
 #include <atomic>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,14 +17,45 @@
 using nubo::DiskScanner;
 using nubo::FileNode;
 using nubo::ScanProgress;
-using nubo::test::TempTree;
 using nubo::test::blocksOf;
-using nubo::test::expectConsistent;
-using nubo::test::find;
+using nubo::test::TempTree;
 
 namespace {
 
 constexpr qint64 MiB = 1 << 20;
+
+// The node whose path ends in `suffix`, searched depth first; null when none.
+const FileNode* find(const FileNode& node, const QString& suffix)
+{
+    if (node.path().endsWith(suffix) && !node.isAggregate())
+        return &node;
+    for (const auto& child : node.children()) {
+        if (const FileNode* hit = find(*child, suffix))
+            return hit;
+    }
+    return nullptr;
+}
+
+// The invariants of a scanned tree at every level: sizes add up (collapsed folders keep theirs),
+// children largest first, parent links right.
+void expectConsistent(const FileNode& node)
+{
+    if (node.children().empty())
+        return;
+    qint64 sum = 0;
+    qint64 files = 0;
+    qint64 previous = node.children().front()->size();
+    for (const auto& child : node.children()) {
+        EXPECT_EQ(child->parent(), &node) << child->path().toStdString();
+        EXPECT_LE(child->size(), previous) << "children of " << node.path().toStdString() << " out of order";
+        previous = child->size();
+        sum += child->size();
+        files += child->fileCount();
+        expectConsistent(*child);
+    }
+    EXPECT_EQ(node.size(), sum) << node.path().toStdString();
+    EXPECT_EQ(node.fileCount(), files) << node.path().toStdString();
+}
 
 DiskScanner::Services servicesWith(int helpers)
 {
@@ -34,11 +64,16 @@ DiskScanner::Services servicesWith(int helpers)
     return services;
 }
 
-std::unique_ptr<FileNode> scan(const QString& root, int helpers = 2)
+std::unique_ptr<FileNode> scan(const QString& root, const DiskScanner::Services& services)
 {
-    DiskScanner scanner(servicesWith(helpers));
+    DiskScanner scanner(services);
     ScanProgress progress;
     return scanner.scan(root, progress);
+}
+
+std::unique_ptr<FileNode> scan(const QString& root, int helpers = 2)
+{
+    return scan(root, servicesWith(helpers));
 }
 
 QStringList childNames(const FileNode& node)
@@ -155,8 +190,8 @@ TEST(DiskScanner, SmallFilesBecomeOneAggregatePerFolder)
     const FileNode* many = find(*root, QStringLiteral("/Many"));
     ASSERT_TRUE(many);
     // Equal sizes keep folders before the aggregate (both hold two 4 KiB blocks here).
-    EXPECT_EQ(childNames(*many),
-              (QStringList{QStringLiteral("Big"), QStringLiteral("Deeper"), QStringLiteral("3 archivos pequeños")}));
+    EXPECT_EQ(childNames(*many), (QStringList{QStringLiteral("Big"), QStringLiteral("Deeper"),
+                                              QStringLiteral("3 archivos pequeños")}));
     EXPECT_EQ(many->itemCount(), 6);
     EXPECT_EQ(DiskScanner::aggregateName(1), QStringLiteral("1 archivo pequeño"));
     EXPECT_EQ(DiskScanner::aggregateName(1234), QStringLiteral("1234 archivos pequeños"));
@@ -205,8 +240,8 @@ TEST(DiskScanner, PackagesAreSingleBlocksThatCountTheirContents)
     const auto root = scan(tree.root());
     expectConsistent(*root);
     EXPECT_EQ(root->size(), tree.expectedBytes());
-    for (const auto& [suffix, bytes] : {std::pair{QStringLiteral("/Tool.app"), inDeep},
-                                        std::pair{QStringLiteral("/Editor.app"), atTop}}) {
+    for (const auto& [suffix, bytes] :
+         {std::pair{QStringLiteral("/Tool.app"), inDeep}, std::pair{QStringLiteral("/Editor.app"), atTop}}) {
         const FileNode* package = find(*root, suffix);
         ASSERT_TRUE(package) << suffix.toStdString();
         EXPECT_TRUE(package->isPackage());
@@ -231,10 +266,10 @@ TEST(DiskScanner, RootNameTopLevelPackagesAndVolumesFollowTheSystemsAnswers)
     DiskScanner::Services services;
     services.isPackage = [](const QString& path) { return path.endsWith(QLatin1String("/Plain")); };
     services.isVolume = [](const QString& path) { return path.endsWith(QLatin1String("/Mounted")); };
-    services.displayName = [](const QString& path) { return QStringLiteral("Inicio de ") + QDir(path).dirName(); };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto root = scanner.scan(tree.root(), progress);
+    services.displayName = [](const QString& path) {
+        return QStringLiteral("Inicio de ") + QDir(path).dirName();
+    };
+    const auto root = scan(tree.root(), services);
     EXPECT_EQ(root->name(), QStringLiteral("Inicio de ") + QDir(tree.root()).dirName());
     EXPECT_TRUE(find(*root, QStringLiteral("/Plain"))->isPackage());
     EXPECT_FALSE(find(*root, QStringLiteral("/Odd.bundle"))->isPackage());
@@ -273,7 +308,7 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     tree.file("Library/Keep/deep/Secret/big", 5 * MiB);
     tree.file("Library/Keep/deep/Skip/big", 5 * MiB);
     tree.file("Skipped/big", 5 * MiB);
-    tree.file("sleepimage", 5 * MiB);                    // files can be skipped too, at the top…
+    tree.file("sleepimage", 5 * MiB);                      // files can be skipped too, at the top…
     tree.file("Library/Keep/deep/vm/sleepimage", 5 * MiB); // …and in the deep walk
     tree.file("Library/Keep/deep/vm/swapfile", 1'000);
     const QString root = tree.root();
@@ -302,15 +337,14 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     EXPECT_FALSE(find(*node, QStringLiteral("/sleepimage")));
     EXPECT_EQ(progress.snapshot().files, 2);
     // The gate is asked for every folder reached, at the top and in the deep walk.
-    for (const char* folder : {"/Library", "/Library/Keep", "/Library/Mail", "/Library/Keep/deep",
-                               "/Library/Keep/deep/Secret"})
+    for (const char* folder :
+         {"/Library", "/Library/Keep", "/Library/Mail", "/Library/Keep/deep", "/Library/Keep/deep/Secret"})
         EXPECT_TRUE(asked.contains(root + QString::fromUtf8(folder))) << folder;
 
     // A gated root is a folder of nothing.
     DiskScanner::Services all;
     all.isGated = [](const QString&) { return true; };
-    DiskScanner closed(all);
-    const auto gated = closed.scan(root, progress);
+    const auto gated = scan(root, all);
     EXPECT_EQ(gated->size(), 0);
     EXPECT_EQ(gated->itemCount(), 1);
     EXPECT_TRUE(gated->children().empty());
@@ -341,13 +375,15 @@ TEST(DiskScanner, TheWholeDiskIsCalledMacintoshHDAndOtherVolumesAreNotEntered)
         return path != QLatin1String("/") && path != QLatin1String("/proc") && path != QLatin1String("/sys");
     };
     services.displayName = [](const QString&) { return QStringLiteral("never asked for the disk"); };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto disk = scanner.scan(QStringLiteral("/"), progress);
+    const auto disk = scan(QStringLiteral("/"), services);
     EXPECT_EQ(disk->name(), QStringLiteral("Macintosh HD"));
     EXPECT_EQ(disk->path(), QStringLiteral("/"));
-    struct stat rootInfo {};
-    struct stat procInfo {};
+    struct stat rootInfo
+    {
+    };
+    struct stat procInfo
+    {
+    };
     ASSERT_EQ(::stat("/", &rootInfo), 0);
     if (::stat("/proc", &procInfo) != 0 || procInfo.st_dev == rootInfo.st_dev)
         GTEST_SKIP() << "/proc is not another file system here";
@@ -398,7 +434,7 @@ TEST(DiskScanner, AFolderThatVanishesDuringTheScanCountsNothing)
 {
     TempTree tree;
     tree.file("Keep/big", 5 * MiB);
-    tree.file("Keep/Vanishing/inner/big", 5 * MiB); // listed at the top, gone by its walk
+    tree.file("Keep/Vanishing/inner/big", 5 * MiB);     // listed at the top, gone by its walk
     tree.file("Top/deep/Vanishing/inner/big", 5 * MiB); // met inside a deep walk
     const QString root = tree.root();
     DiskScanner::Services services;
@@ -408,9 +444,7 @@ TEST(DiskScanner, AFolderThatVanishesDuringTheScanCountsNothing)
             QDir(path).removeRecursively();
         return false;
     };
-    DiskScanner scanner(services);
-    ScanProgress progress;
-    const auto node = scanner.scan(root, progress);
+    const auto node = scan(root, services);
     expectConsistent(*node);
     EXPECT_EQ(node->size(), blocksOf(tree.rootBytes() + "/Keep/big"));
     EXPECT_EQ(node->size(), tree.expectedBytes());
@@ -420,21 +454,19 @@ TEST(DiskScanner, UnreadableFoldersCountAsEmpty)
 {
     TempTree tree;
     tree.file("Open/big", 5 * MiB);
-    tree.file("Closed/big", 5 * MiB);             // listed at depth 1
-    tree.file("Open/deep/big", 5 * MiB);           // keeps deep open, so Closed shows
-    tree.file("Open/deep/Closed/big", 5 * MiB);    // met in the deep walk
+    tree.file("Closed/big", 5 * MiB);           // listed at depth 1
+    tree.file("Open/deep/big", 5 * MiB);        // keeps deep open, so Closed shows
+    tree.file("Open/deep/Closed/big", 5 * MiB); // met in the deep walk
     tree.file("Open/deep/Closed/more/big", 5 * MiB);
     ::chmod(tree.rootBytes() + "/Closed", 0);
     ::chmod(tree.rootBytes() + "/Open/deep/Closed", 0);
 
     const QString root = tree.root();
     const QByteArray answer = nubo::test::runUnprivileged([&root] {
-        DiskScanner scanner(servicesWith(0));
-        ScanProgress progress;
-        const auto node = scanner.scan(root, progress);
+        const auto node = scan(root, 0);
         const FileNode* closed = find(*node, QStringLiteral("/Open/deep/Closed"));
-        return QByteArray::number(node->size()) + ' ' + QByteArray::number(closed ? closed->size() : -1) + ' ' +
-               QByteArray::number(node->fileCount());
+        return QByteArray::number(node->size()) + ' ' + QByteArray::number(closed ? closed->size() : -1) +
+               ' ' + QByteArray::number(node->fileCount());
     });
     ::chmod(tree.rootBytes() + "/Closed", 0755);
     ::chmod(tree.rootBytes() + "/Open/deep/Closed", 0755);
@@ -466,7 +498,9 @@ TEST(DiskScanner, AChainOfTwoThousandNestedFolders)
     const int file = ::openat(level, "bottom", O_CREAT | O_WRONLY, 0644);
     ASSERT_GE(file, 0);
     ASSERT_TRUE(nubo::test::fill(file, 5 * MiB));
-    struct stat info {};
+    struct stat info
+    {
+    };
     ::fstat(file, &info);
     ::close(file);
     ::close(level);
@@ -489,11 +523,11 @@ TEST(DiskScanner, AChainOfTwoThousandNestedFolders)
 TEST(DiskScanner, NamesThatAreNotUtf8KeepAPathThatReachesTheFile)
 {
     TempTree tree;
-    const QByteArray latin1Folder = "Caf\xe9";       // "Café" written in Latin-1
+    const QByteArray latin1Folder = "Caf\xe9";        // "Café" written in Latin-1
     const QByteArray brokenFile = "clip\xff\xfe.mov"; // two bytes that never occur in UTF-8
     const qint64 big = tree.file(latin1Folder + "/deep/" + brokenFile, 3 * MiB);
     tree.file(latin1Folder + "/deep/clip\xff\xfd.mov", 3 * MiB); // differs only in the bad byte
-    tree.file("ok/x\xc3\xa9/big", 5 * MiB);                       // valid UTF-8 "é"
+    tree.file("ok/x\xc3\xa9/big", 5 * MiB);                      // valid UTF-8 "é"
 
     const auto root = scan(tree.root());
     expectConsistent(*root);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/cleanup/CleanCatalog.h"
+#include "core/cleanup/CleanContext.h"
+
+#include <memory>
+
+namespace nubo::CatalogRules {
+
+/// The rule of every category of the catalogue, bound to `context`, for `CleanCatalog`'s
+/// constructor. Each scan reads the shared context only, so any number may run at once.
+[[nodiscard]] CleanCatalog::Rules make(std::shared_ptr<const CleanContext> context);
+
+} // namespace nubo::CatalogRules

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "core/cleanup/CleanItem.h"
+#include "core/files/SystemRoots.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace nubo {
+
+class Naming;
+class Privacy;
+class Safety;
+class ToolRunner;
+
+/// What the discovery rules of the cleanup categories work from: the folders of this machine, the
+/// gates every path passes, the folder naming, and the way tools are run and found. Production
+/// builds one from the real services (`SystemRoots::system()`, `ShellToolRunner`, `Shell::which`);
+/// tests point it at a prepared tree and a scripted runner. The services must outlive every rule
+/// that uses the context; the context itself is only read, from any number of threads at once.
+struct CleanContext
+{
+    CleanContext(const Safety& gate, const Privacy& guard, const Naming& names, const ToolRunner& runner,
+                 SystemRoots folders)
+        : safety(gate), privacy(guard), naming(names), tools(runner), roots(std::move(folders))
+    {
+    }
+
+    const Safety& safety;
+    const Privacy& privacy;
+    const Naming& naming;
+    const ToolRunner& tools;
+    SystemRoots roots;
+    /// The shared temporary folder where every user leaves files; only the user's own are offered.
+    QString sharedTemporary = QStringLiteral("/private/tmp");
+    /// Our own bundle identifier: our cache folder is never offered while we run. Empty when unknown.
+    QString ownBundleIdentifier;
+    /// Finds a tool by name on the tool search path (`Shell::which` in production).
+    std::function<std::optional<QString>(const QString& name)> findTool;
+    /// The leftovers of removed applications, ready as items (the application catalogue's).
+    std::function<QList<CleanItem>()> orphans;
+    /// The current time; age limits are measured back from it. The clock when unset.
+    std::function<QDateTime()> now;
+
+    [[nodiscard]] QDateTime currentTime() const { return now ? now() : QDateTime::currentDateTimeUtc(); }
+    /// `relative` joined to the home folder ("Library/Caches" gives "<home>/Library/Caches").
+    [[nodiscard]] QString home(const QString& relative) const { return roots.home + QLatin1Char('/') + relative; }
+};
+
+} // namespace nubo

@@ -1,0 +1,105 @@
+#include "core/cleanup/FolderCategories.h"
+
+#include "core/cleanup/FolderRule.h"
+
+namespace nubo::FolderCategories {
+
+const QSet<QString>& packageCacheNames()
+{
+    static const QSet<QString> names = {
+        QStringLiteral("Homebrew"),  QStringLiteral("pip"),      QStringLiteral("Yarn"),
+        QStringLiteral("CocoaPods"), QStringLiteral("org.swift.swiftpm"), QStringLiteral("go-build"),
+        QStringLiteral("pnpm"),
+    };
+    return names;
+}
+
+QList<CleanItem> caches(const CleanContext& context)
+{
+    QSet<QString> excluding = packageCacheNames();
+    // An empty name matches no entry, so a program without an identifier excludes nothing more.
+    excluding.insert(context.ownBundleIdentifier);
+    return FolderRule(context).children(context.home(QStringLiteral("Library/Caches")), excluding);
+}
+
+QList<CleanItem> logs(const CleanContext& context)
+{
+    return FolderRule(context).children(context.home(QStringLiteral("Library/Logs")));
+}
+
+QList<CleanItem> temp(const CleanContext& context)
+{
+    const FolderRule rule(context);
+    QList<CleanItem> items = rule.children(context.roots.temporary, {}, 3, false);
+    // Every user writes to the shared folder: only what is ours is ours to remove.
+    items << rule.children(context.sharedTemporary, {}, 3, true);
+    return items;
+}
+
+QList<CleanItem> trash(const CleanContext& context)
+{
+    return FolderRule(context).children(context.home(QStringLiteral(".Trash")));
+}
+
+QList<CleanItem> mail(const CleanContext& context)
+{
+    return FolderRule(context).children(
+        context.home(QStringLiteral("Library/Containers/com.apple.mail/Data/Library/Mail Downloads")));
+}
+
+QList<CleanItem> derivedData(const CleanContext& context)
+{
+    return FolderRule(context).children(context.home(QStringLiteral("Library/Developer/Xcode/DerivedData")));
+}
+
+QList<CleanItem> deviceSupport(const CleanContext& context)
+{
+    const FolderRule rule(context);
+    QList<CleanItem> items;
+    for (const char* platform : {"iOS", "watchOS", "tvOS", "visionOS", "macOS"}) {
+        items << rule.children(context.home(QStringLiteral("Library/Developer/Xcode/") + QLatin1String(platform) +
+                                            QStringLiteral(" DeviceSupport")));
+    }
+    return items;
+}
+
+QList<CleanItem> simulatorCaches(const CleanContext& context)
+{
+    return FolderRule(context).children(context.home(QStringLiteral("Library/Developer/CoreSimulator/Caches")));
+}
+
+QList<CleanItem> archives(const CleanContext& context)
+{
+    return FolderRule(context).children(context.home(QStringLiteral("Library/Developer/Xcode/Archives")), {},
+                                        std::nullopt, false, 1);
+}
+
+QList<CleanItem> installers(const CleanContext& context)
+{
+    QList<CleanItem> items = FolderRule(context).children(context.home(QStringLiteral("Downloads")));
+    items.removeIf([](const CleanItem& item) {
+        const QString path = item.url().value_or(QString());
+        const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
+        const qsizetype dot = path.lastIndexOf(QLatin1Char('.'));
+        // A dot that begins the name (".pkg") starts no extension.
+        if (dot <= slash + 1)
+            return true;
+        const QString extension = path.mid(dot + 1).toLower();
+        return extension != QLatin1String("dmg") && extension != QLatin1String("pkg") &&
+               extension != QLatin1String("xip") && extension != QLatin1String("mpkg");
+    });
+    return items;
+}
+
+QList<CleanItem> oldDownloads(const CleanContext& context)
+{
+    return FolderRule(context).children(context.home(QStringLiteral("Downloads")), {}, 90, false);
+}
+
+QList<CleanItem> backups(const CleanContext& context)
+{
+    return FolderRule(context).children(
+        context.home(QStringLiteral("Library/Application Support/MobileSync/Backup")));
+}
+
+} // namespace nubo::FolderCategories

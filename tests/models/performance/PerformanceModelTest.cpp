@@ -1,0 +1,237 @@
+#include "models/performance/PerformanceModel.h"
+
+#include "core/admin/ShellQuote.h"
+#include "core/deletion/Deleter.h"
+#include "core/launch/LaunchItems.h"
+#include "core/maintenance/MaintenanceCatalog.h"
+#include "core/naming/Naming.h"
+#include "core/safety/Safety.h"
+#include "core/shell/ShellToolRunner.h"
+#include "platform/fake/FakeAdminRunner.h"
+#include "platform/fake/FakeWorkspace.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace nubo;
+
+namespace {
+
+// A temporary Mac behind the real runner: launch folders with one agent of the user's and one
+// daemon, a launchctl that accepts everything, a tmutil that lists two snapshots and a shell that
+// stands in for every maintenance command, holding a task until the test lets it finish.
+class PerformanceModelTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        for (const char* folder :
+             {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
+            ASSERT_TRUE(QDir().mkpath(path(folder)));
+        m_tools.userId = 501;
+        m_tools.launchctl = path("launchctl");
+        m_tools.tmutil = path("tmutil");
+        m_tools.shell = path("sh");
+        m_tools.userAgents = path("home/Library/LaunchAgents");
+        m_tools.agents = path("Library/LaunchAgents");
+        m_tools.daemons = path("Library/LaunchDaemons");
+        tool("launchctl", "exit 0\n");
+        tool("tmutil", "echo 'Snapshots for disk /:'\n"
+                       "echo com.apple.TimeMachine.2026-01-01-000000.local\n"
+                       "echo com.apple.TimeMachine.2026-01-02-000000.local\n");
+        // A held command ends when the test releases it (success) or fails it (status 1, no output).
+        const QByteArray gate = shellQuote(path("release")).toUtf8();
+        const QByteArray fail = shellQuote(path("fail")).toUtf8();
+        tool("sh", "i=0; while [ ! -e " + gate + " ] && [ ! -e " + fail +
+                       " ] && [ $i -lt 400 ]; do sleep 0.05; i=$((i+1)); done\n"
+                       "[ -e " +
+                       gate + " ]\n");
+        release();
+        plist("home/Library/LaunchAgents/com.me.agent.plist", "com.me.agent");
+        plist("Library/LaunchDaemons/com.sys.daemon.plist", "com.sys.daemon");
+
+        m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
+        m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
+        m_launchItems =
+            std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
+        m_maintenance = std::make_unique<MaintenanceCatalog>(m_tools, m_shell, m_admin);
+        m_model = std::make_unique<PerformanceModel>(*m_launchItems, *m_maintenance);
+    }
+
+    [[nodiscard]] QString path(const char* relative) const
+    {
+        return m_dir.filePath(QString::fromUtf8(relative));
+    }
+
+    void tool(const char* name, const QByteArray& body) const
+    {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + body);
+        file.close();
+        ASSERT_EQ(::chmod(QFile::encodeName(path(name)).constData(), 0755), 0);
+    }
+
+    void plist(const char* relative, const QByteArray& label) const
+    {
+        QFile file(path(relative));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                   "<key>Label</key><string>" +
+                   label + "</string><key>Program</key><string>/usr/bin/true</string></dict></plist>\n");
+    }
+
+    void release() const { QFile(path("release")).open(QIODevice::WriteOnly); }
+    void hold() const { QFile::remove(path("release")); }
+
+    void loaded()
+    {
+        QSignalSpy spy(m_model.get(), &PerformanceModel::isLoadingChanged);
+        m_model->load();
+        EXPECT_TRUE(m_model->isLoading());
+        ASSERT_TRUE(spy.wait(10000));
+        ASSERT_FALSE(m_model->isLoading());
+        ASSERT_EQ(m_model->items().size(), 2);
+    }
+
+    [[nodiscard]] const LaunchItem& item(const char* label) const
+    {
+        for (const LaunchItem& listed : m_model->items()) {
+            if (listed.label == QLatin1String(label))
+                return listed;
+        }
+        static const LaunchItem none;
+        ADD_FAILURE() << "not listed: " << label;
+        return none;
+    }
+
+    QTemporaryDir m_dir;
+    SystemTools m_tools;
+    ShellToolRunner m_shell;
+    FakeAdminRunner m_admin;
+    FakeWorkspace m_workspace;
+    Naming m_naming;
+    std::unique_ptr<Safety> m_safety;
+    std::unique_ptr<Deleter> m_deleter;
+    std::unique_ptr<LaunchItems> m_launchItems;
+    std::unique_ptr<MaintenanceCatalog> m_maintenance;
+    std::unique_ptr<PerformanceModel> m_model;
+};
+
+TEST_F(PerformanceModelTest, LoadFillsTheItemsAndTheSnapshotCount)
+{
+    EXPECT_EQ(m_model->snapshotCount(), 0);
+    loaded();
+    EXPECT_EQ(m_model->snapshotCount(), 2);
+    EXPECT_EQ(m_model->itemsList().size(), 2);
+}
+
+TEST_F(PerformanceModelTest, AToggleChangesTheListOnlyWhenTheSystemTookIt)
+{
+    loaded();
+    QSignalSpy failed(m_model.get(), &PerformanceModel::actionFailed);
+    QSignalSpy changed(m_model.get(), &PerformanceModel::itemsChanged);
+
+    // WHEN the password prompt for the daemon is refused THEN it stays enabled.
+    m_admin.outcome = AdminOutcome::Failed;
+    m_model->toggle(item("com.sys.daemon").url);
+    ASSERT_TRUE(failed.wait(10000));
+    EXPECT_TRUE(item("com.sys.daemon").isEnabled);
+    EXPECT_EQ(changed.count(), 0);
+
+    // The user's agent switches off in place; nothing else about it changes.
+    const LaunchItem before = item("com.me.agent");
+    m_model->toggle(before.url);
+    ASSERT_TRUE(changed.wait(10000));
+    LaunchItem expected = before;
+    expected.isEnabled = false;
+    EXPECT_EQ(item("com.me.agent"), expected);
+    EXPECT_EQ(m_model->items().size(), 2);
+}
+
+TEST_F(PerformanceModelTest, AnItemThatCannotBeDeletedStaysListed)
+{
+    loaded();
+    QSignalSpy failed(m_model.get(), &PerformanceModel::actionFailed);
+    QSignalSpy changed(m_model.get(), &PerformanceModel::itemsChanged);
+    m_admin.outcome = AdminOutcome::Failed;
+
+    // A daemon whose stop was refused at the password prompt.
+    m_model->remove(item("com.sys.daemon").url);
+    ASSERT_TRUE(failed.wait(10000));
+    EXPECT_EQ(m_model->items().size(), 2);
+    EXPECT_TRUE(QFile::exists(path("Library/LaunchDaemons/com.sys.daemon.plist")));
+
+    // An agent in a folder the user may not write to, with the administrator's help refused.
+    const QString folder = path("home/Library/LaunchAgents");
+    if (::geteuid() != 0) {
+        ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        m_model->remove(item("com.me.agent").url);
+        ASSERT_TRUE(failed.wait(10000));
+        EXPECT_EQ(m_model->items().size(), 2);
+        ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    }
+
+    // Once nothing stands in the way the same removal goes through.
+    m_model->remove(item("com.me.agent").url);
+    ASSERT_TRUE(changed.wait(10000));
+    ASSERT_EQ(m_model->items().size(), 1);
+    EXPECT_EQ(m_model->items().at(0).label, QStringLiteral("com.sys.daemon"));
+    EXPECT_FALSE(QFile::exists(path("home/Library/LaunchAgents/com.me.agent.plist")));
+}
+
+TEST_F(PerformanceModelTest, RunningATaskAgainHidesItsOutcomeUntilItEnds)
+{
+    QSignalSpy running(m_model.get(), &PerformanceModel::runningChanged);
+    m_model->run(QStringLiteral("verify"));
+    EXPECT_TRUE(m_model->running().contains(QStringLiteral("verify")));
+    QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("verify")),
+              (MaintenanceTask::Outcome{true, QStringLiteral("Sin errores")}));
+
+    // WHEN it runs a second time THEN no outcome shows while it runs, and a second click is ignored.
+    hold();
+    m_model->run(QStringLiteral("verify"));
+    m_model->run(QStringLiteral("verify"));
+    m_model->run(QStringLiteral("no-such-task"));
+    EXPECT_FALSE(m_model->outcomes().contains(QStringLiteral("verify")));
+    EXPECT_EQ(m_model->runningList(), QStringList{QStringLiteral("verify")});
+    QTest::qWait(200);
+    EXPECT_FALSE(m_model->outcomes().contains(QStringLiteral("verify")));
+    release();
+    QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
+    EXPECT_EQ(m_model->outcomesMap().value(QStringLiteral("verify")).toMap().value(QStringLiteral("message")),
+              QStringLiteral("Sin errores"));
+}
+
+TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
+{
+    hold();
+    m_model->run(QStringLiteral("dock"));
+    m_model->run(QStringLiteral("snapshots")); // behind the (accepting) prompt, then recounted
+    QTRY_VERIFY_WITH_TIMEOUT(m_model->outcomes().contains(QStringLiteral("snapshots")), 10000);
+    EXPECT_EQ(m_model->snapshotCount(), 2);
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("snapshots")),
+              (MaintenanceTask::Outcome{true, QStringLiteral("Hecho")}));
+    EXPECT_TRUE(m_model->running().contains(QStringLiteral("dock")));
+
+    // A command that fails without a word reads "Error"; a refused prompt reads "Cancelado".
+    m_admin.outcome = AdminOutcome::Failed;
+    m_model->run(QStringLiteral("purge"));
+    QFile(path("fail")).open(QIODevice::WriteOnly);
+    QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("purge")),
+              (MaintenanceTask::Outcome{false, QStringLiteral("Cancelado")}));
+    EXPECT_EQ(m_model->outcomes().value(QStringLiteral("dock")),
+              (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
+}
+
+} // namespace

@@ -1,0 +1,93 @@
+#include "platform/linux/XdgLoginItem.h"
+
+#include "core/files/NativePath.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace nubo;
+
+namespace {
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+TEST(XdgLoginItem, RegisteringWritesAnEntryThatStartsThisExecutable)
+{
+    QTemporaryDir home;
+    XdgLoginItem item(home.path(), QStringLiteral("/opt/Nubo 2/bin/nubo"));
+    EXPECT_FALSE(item.isRegistered());
+    EXPECT_TRUE(item.unregisterApp()); // nothing there is already "off"
+
+    ASSERT_TRUE(item.registerApp());
+    EXPECT_TRUE(item.isRegistered());
+    EXPECT_EQ(item.entryPath(), home.path() + QStringLiteral("/.config/autostart/nubo.desktop"));
+    EXPECT_EQ(contents(item.entryPath()), QByteArray("[Desktop Entry]\nType=Application\nName=Nubo\n"
+                                                     "Exec=\"/opt/Nubo 2/bin/nubo\"\n"
+                                                     "X-GNOME-Autostart-enabled=true\n"));
+
+    // Another copy of the program does not count the entry as its own.
+    EXPECT_FALSE(XdgLoginItem(home.path(), QStringLiteral("/usr/bin/nubo")).isRegistered());
+
+    ASSERT_TRUE(item.unregisterApp());
+    EXPECT_FALSE(item.isRegistered());
+    EXPECT_FALSE(QFile::exists(item.entryPath()));
+}
+
+TEST(XdgLoginItem, ExecQuotesWhatTheLauncherWouldReadOtherwise)
+{
+    // Inside quotes \, ", ` and $ get a backslash; the entry's string escaping doubles every
+    // backslash; % is doubled so it is no field code.
+    EXPECT_EQ(XdgLoginItem::execValue(QStringLiteral("/a/it's \"x\" $HOME `y` 100% \\z")),
+              QStringLiteral("\"/a/it's \\\\\"x\\\\\" \\\\$HOME \\\\`y\\\\` 100%% \\\\\\\\z\""));
+    EXPECT_EQ(XdgLoginItem::execValue(QStringLiteral("/-leading/dash")),
+              QStringLiteral("\"/-leading/dash\""));
+    // Paths an entry cannot carry faithfully.
+    EXPECT_TRUE(XdgLoginItem::execValue(QStringLiteral("/a/new\nline")).isEmpty());
+    EXPECT_TRUE(XdgLoginItem::execValue(QStringLiteral("relative/nubo")).isEmpty());
+    EXPECT_TRUE(XdgLoginItem::execValue(NativePath::decode("/a/\xff/nubo")).isEmpty());
+}
+
+TEST(XdgLoginItem, AnEntrySwitchedOffOrUnusableReadsAsOff)
+{
+    QTemporaryDir home;
+    XdgLoginItem item(home.path(), QStringLiteral("/opt/nubo"));
+    ASSERT_TRUE(item.registerApp());
+    const QByteArray entry = contents(item.entryPath());
+
+    for (const QByteArray& extra :
+         {QByteArray("Hidden=true\n"), QByteArray("X-GNOME-Autostart-enabled=false\n")}) {
+        QFile file(item.entryPath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(entry + extra);
+        file.close();
+        EXPECT_FALSE(item.isRegistered()) << extra.constData();
+    }
+    // The same keys in another group say nothing about the entry.
+    {
+        QFile file(item.entryPath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(entry + "[Desktop Action x]\nHidden=true\n");
+    }
+    EXPECT_TRUE(item.isRegistered());
+
+    // A newline in the path would smuggle a second line into the entry: never registered.
+    XdgLoginItem odd(home.path(), QStringLiteral("/opt/x\nHidden=false"));
+    EXPECT_FALSE(odd.registerApp());
+    EXPECT_FALSE(odd.isRegistered());
+
+    // A folder in the entry's place is neither removed nor taken for an entry.
+    ASSERT_TRUE(QFile::remove(item.entryPath()));
+    ASSERT_TRUE(QDir().mkpath(item.entryPath()));
+    EXPECT_FALSE(item.registerApp());
+    EXPECT_FALSE(item.isRegistered());
+    EXPECT_TRUE(item.unregisterApp());
+    EXPECT_TRUE(QFileInfo(item.entryPath()).isDir());
+}
