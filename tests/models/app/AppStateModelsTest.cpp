@@ -1,5 +1,4 @@
 #include "../support/ModelWorld.h"
-#include "core/files/FolderListing.h"
 #include "core/format/Bytes.h"
 #include "models/app/Backends.h"
 
@@ -27,18 +26,6 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return !state().isAnalyzing(); }, 10000));
     }
 };
-
-// Every entry of a fixture folder as a removable item, the way a discovery rule offers them.
-CleanCategory::Scan listing(const QString& folder, const QString& home)
-{
-    return [folder, home] {
-        QList<CleanItem> items;
-        for (const QString& name :
-             QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name))
-            items.append(CleanItem::atPath(folder + QLatin1Char('/') + name, home));
-        return items;
-    };
-}
 
 } // namespace
 
@@ -115,8 +102,8 @@ TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
         "overflow");
 }
 
-// The whole program over a prepared home: the real backends, rules that list the fixture's own
-// folders, analyse, clean what is safe, and look at the disk.
+// The whole program over a prepared home: the real backends with the catalogue's own rules (fakes
+// only for the prompt, the workspace and the dates), analyse, clean what is safe, and look at the disk.
 TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
 {
     QTemporaryDir dir;
@@ -143,18 +130,10 @@ TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
     Privacy privacy(roots.home, [] { return true; });
     FakeVolumeCapacity volume;
     volume.answer = {1'000'000'000'000, 250'000'000'000, 200'000'000'000};
-    const QHash<QString, QString> folders{
-        {QStringLiteral("caches"), roots.home + QStringLiteral("/Library/Caches")},
-        {QStringLiteral("logs"), roots.home + QStringLiteral("/Library/Logs")},
-        {QStringLiteral("olddownloads"), roots.home + QStringLiteral("/Downloads")},
-    };
     Backends::Overrides overrides;
     overrides.admin = std::make_unique<FakeAdminRunner>();
     overrides.workspace = std::make_unique<FakeWorkspace>();
     overrides.metadata = std::make_unique<FakeMetadata>();
-    overrides.rules = [&folders, home = roots.home](const QString& id) {
-        return folders.contains(id) ? listing(folders.value(id), home) : CleanCategory::Scan();
-    };
     Backends backends(roots, privacy, std::move(overrides));
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     {
