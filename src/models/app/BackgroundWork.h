@@ -5,6 +5,8 @@
 #include <QList>
 #include <QObject>
 
+#include <type_traits>
+
 namespace nubo {
 
 /// The background jobs of one model. Each job's own future is kept so that the model's destructor
@@ -18,7 +20,20 @@ public:
     template <typename T, typename Done> void start(QObject* owner, QFuture<T> job, Done done)
     {
         add(QFuture<void>(job));
-        job.then(owner, std::move(done));
+        // A continuation attached to a job that has already finished runs at once, inside this
+        // call; the extra hop through the owner's event loop keeps every result arriving later,
+        // after the caller has finished setting up, however fast the job was.
+        if constexpr (std::is_void_v<T>) {
+            job.then(owner, [owner, done = std::move(done)]() mutable {
+                QMetaObject::invokeMethod(owner, std::move(done), Qt::QueuedConnection);
+            });
+        } else {
+            job.then(owner, [owner, done = std::move(done)](T result) mutable {
+                QMetaObject::invokeMethod(
+                    owner, [done = std::move(done), result = std::move(result)]() mutable { done(result); },
+                    Qt::QueuedConnection);
+            });
+        }
     }
 
     void add(QFuture<void> job)
