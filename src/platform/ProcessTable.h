@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -65,5 +66,8 @@ public:
     /// The current page counts, or nothing when the statistics cannot be read.
     [[nodiscard]] virtual std::optional<MemoryPages> memoryPages() const = 0;
 };
+
+/// The process table of the platform the program was built for.
+[[nodiscard]] std::unique_ptr<ProcessTable> makeProcessTable();
 
 } // namespace nubo

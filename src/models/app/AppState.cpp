@@ -31,10 +31,20 @@ AppState::AppState(Services services, QObject* parent)
     connect(m_clean.get(), &CleanModel::isScanningChanged, this, &AppState::isAnalyzingChanged);
     connect(m_apps.get(), &AppsModel::isLoadingChanged, this, &AppState::isAnalyzingChanged);
     connect(m_clean.get(), &CleanModel::categoriesChanged, this, &AppState::safeSizeChanged);
+
+    if (m_backends) {
+        m_activity = std::make_unique<ActivityModel>(m_backends->activityServices(), this);
+        m_performance =
+            std::make_unique<PerformanceModel>(m_backends->launchItems(), m_backends->maintenance(), this);
+        // The only periodic work that begins at launch: every analysis waits for the user.
+        m_activity->start();
+    }
 }
 
 AppState::~AppState()
 {
+    m_performance.reset();
+    m_activity.reset();
     m_apps.reset();
     m_clean.reset();
     m_map.reset();

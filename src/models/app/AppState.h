@@ -3,9 +3,11 @@
 #include "core/disk/DiskInfo.h"
 #include "models/app/Pane.h"
 #include "models/app/Toast.h"
+#include "models/activity/ActivityModel.h"
 #include "models/apps/AppsModel.h"
 #include "models/clean/CleanModel.h"
 #include "models/map/MapModel.h"
+#include "models/performance/PerformanceModel.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -51,6 +53,8 @@ class AppState : public QObject
     Q_PROPERTY(MapModel* map READ map CONSTANT)
     Q_PROPERTY(CleanModel* clean READ clean CONSTANT)
     Q_PROPERTY(AppsModel* apps READ apps CONSTANT)
+    Q_PROPERTY(ActivityModel* activity READ activity CONSTANT)
+    Q_PROPERTY(PerformanceModel* performance READ performance CONSTANT)
     Q_PROPERTY(bool isAnalyzing READ isAnalyzing NOTIFY isAnalyzingChanged)
     Q_PROPERTY(QStringList safeCategories READ safeCategories CONSTANT)
     Q_PROPERTY(qint64 safeSize READ safeSize NOTIFY safeSizeChanged)
@@ -121,6 +125,10 @@ public:
     [[nodiscard]] MapModel* map() const { return m_map.get(); }
     [[nodiscard]] CleanModel* clean() const { return m_clean.get(); }
     [[nodiscard]] AppsModel* apps() const { return m_apps.get(); }
+    /// The activity and performance models exist when the state built the real backends itself;
+    /// a state handed prepared services (tests) has none.
+    [[nodiscard]] ActivityModel* activity() const { return m_activity.get(); }
+    [[nodiscard]] PerformanceModel* performance() const { return m_performance.get(); }
 
     /// The cleanup scan or the apps load is running.
     [[nodiscard]] bool isAnalyzing() const;
@@ -164,6 +172,8 @@ private:
     std::unique_ptr<MapModel> m_map;
     std::unique_ptr<CleanModel> m_clean;
     std::unique_ptr<AppsModel> m_apps;
+    std::unique_ptr<ActivityModel> m_activity;
+    std::unique_ptr<PerformanceModel> m_performance;
 };
 
 } // namespace nubo

@@ -14,10 +14,16 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_metadata(overrides.metadata ? std::move(overrides.metadata) : makeMetadata()),
       m_tools(overrides.tools ? std::move(overrides.tools) : std::make_unique<ShellToolRunner>()),
       m_safety(m_roots), m_deleter(m_safety, *m_admin), m_scanner(privacy),
+      m_naming(Naming::lookupIn(*m_workspace)),
       m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
       m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context)),
-      m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata)
+      m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata),
+      m_processes(makeProcessTable()), m_accessibility(makeAccessibility()), m_loginItem(makeLoginItem()),
+      m_launchItems(SystemTools::system(m_roots), *m_tools, *m_admin, m_deleter, m_naming, *m_workspace),
+      m_maintenance(SystemTools::system(m_roots), *m_tools, *m_admin)
 {
+    // Our own caches are never offered for cleaning while we run.
+    m_context->ownBundleIdentifier = QStringLiteral("app.nubo.Nubo");
     const ToolRunner& tools = *m_tools;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };
     m_context->orphans = [this] { return m_apps.orphanedLeftovers(); };
@@ -41,6 +47,11 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
         .quit = overrides.quit ? std::move(overrides.quit) : std::move(quit),
         .haptics = {},
     });
+}
+
+ActivityModel::Services Backends::activityServices()
+{
+    return {*m_workspace, *m_processes, *m_accessibility, *m_loginItem, QCoreApplication::applicationPid()};
 }
 
 } // namespace nubo

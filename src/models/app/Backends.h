@@ -4,12 +4,18 @@
 #include "core/cleanup/CleanCatalog.h"
 #include "core/cleanup/CleanContext.h"
 #include "core/deletion/Deleter.h"
+#include "core/launch/LaunchItems.h"
+#include "core/maintenance/MaintenanceCatalog.h"
 #include "core/files/SystemRoots.h"
 #include "core/naming/Naming.h"
 #include "core/safety/Safety.h"
 #include "core/scanner/DiskScanner.h"
 #include "core/shell/ToolRunner.h"
+#include "models/activity/ActivityModel.h"
 #include "models/app/ModelServices.h"
+#include "platform/Accessibility.h"
+#include "platform/LoginItem.h"
+#include "platform/ProcessTable.h"
 #include "platform/AdminRunner.h"
 #include "platform/Metadata.h"
 #include "platform/Workspace.h"
@@ -49,6 +55,11 @@ public:
     [[nodiscard]] const ModelServices& services() const { return *m_services; }
     [[nodiscard]] const Safety& safety() const { return m_safety; }
     [[nodiscard]] const CleanCatalog& catalog() const { return m_catalog; }
+    /// What the activity model drives: the workspace, the process table, Accessibility and the
+    /// login item, with this program's own process id.
+    [[nodiscard]] ActivityModel::Services activityServices();
+    [[nodiscard]] const LaunchItems& launchItems() const { return m_launchItems; }
+    [[nodiscard]] const MaintenanceCatalog& maintenance() const { return m_maintenance; }
 
 private:
     SystemRoots m_roots;
@@ -63,6 +74,11 @@ private:
     std::shared_ptr<CleanContext> m_context;
     CleanCatalog m_catalog;
     AppCatalog m_apps;
+    std::unique_ptr<ProcessTable> m_processes;
+    std::unique_ptr<Accessibility> m_accessibility;
+    std::unique_ptr<LoginItem> m_loginItem;
+    LaunchItems m_launchItems;
+    MaintenanceCatalog m_maintenance;
     std::optional<ModelServices> m_services;
 };
 

@@ -260,4 +260,9 @@ std::optional<quint64> ProcFsProcessTable::ticksToNanoseconds(quint64 ticks, qui
     return nanoseconds;
 }
 
+std::unique_ptr<ProcessTable> makeProcessTable()
+{
+    return std::make_unique<ProcFsProcessTable>();
+}
+
 } // namespace nubo

@@ -82,4 +82,9 @@ std::optional<ProcessTable::MemoryPages> MacProcessTable::memoryPages() const
     return pages;
 }
 
+std::unique_ptr<ProcessTable> makeProcessTable()
+{
+    return std::make_unique<MacProcessTable>();
+}
+
 } // namespace nubo

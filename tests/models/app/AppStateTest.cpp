@@ -84,6 +84,10 @@ TEST_F(AppStateTest, StartsOnHomeWithFreshFiguresAndGuidanceOnlyWithoutAccess)
     EXPECT_FALSE(state->hasToast());
     EXPECT_EQ(state->totalFreedThisSession(), 0);
     EXPECT_EQ(m_probes, 1);
+    // Built over the real backends, the state owns all five feature models.
+    EXPECT_NE(state->map(), nullptr);
+    EXPECT_NE(state->activity(), nullptr);
+    EXPECT_NE(state->performance(), nullptr);
 
     m_granted = true;
     auto granted = make();
