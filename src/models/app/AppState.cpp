@@ -1,5 +1,6 @@
 #include "models/app/AppState.h"
 
+#include "models/app/Notify.h"
 #include "core/cleanup/CleanCatalog.h"
 #include "core/format/CheckedMath.h"
 #include "core/privacy/Privacy.h"
@@ -98,10 +99,7 @@ void AppState::showUnusedApps()
 
 void AppState::setPane(Pane pane)
 {
-    if (pane == m_section)
-        return;
-    m_section = pane;
-    emit sectionChanged();
+    assignAndNotify(this, m_section, pane, &AppState::sectionChanged);
 }
 
 QString AppState::section() const
@@ -127,34 +125,22 @@ QString AppState::sectionSymbol() const
 
 void AppState::setShowPermissions(bool show)
 {
-    if (show == m_showPermissions)
-        return;
-    m_showPermissions = show;
-    emit showPermissionsChanged();
+    assignAndNotify(this, m_showPermissions, show, &AppState::showPermissionsChanged);
 }
 
 void AppState::setDisk(const DiskInfo& disk)
 {
-    if (disk == m_disk)
-        return;
-    m_disk = disk;
-    emit diskChanged();
+    assignAndNotify(this, m_disk, disk, &AppState::diskChanged);
 }
 
 void AppState::setHasFullDiskAccess(bool granted)
 {
-    if (granted == m_hasFullDiskAccess)
-        return;
-    m_hasFullDiskAccess = granted;
-    emit hasFullDiskAccessChanged();
+    assignAndNotify(this, m_hasFullDiskAccess, granted, &AppState::hasFullDiskAccessChanged);
 }
 
 void AppState::setToast(std::optional<Toast> toast)
 {
-    if (toast == m_toast)
-        return;
-    m_toast = std::move(toast);
-    emit toastChanged();
+    assignAndNotify(this, m_toast, std::move(toast), &AppState::toastChanged);
 }
 
 void AppState::refreshDisk()

@@ -1,5 +1,6 @@
 #include "models/apps/AppsModel.h"
 
+#include "models/app/Notify.h"
 #include "core/apps/AppCatalog.h"
 #include "core/deletion/Deleter.h"
 #include "core/files/Location.h"
@@ -213,34 +214,22 @@ QVariantList AppsModel::leftoverMaps() const
 
 void AppsModel::setLoading(bool loading)
 {
-    if (loading == m_isLoading)
-        return;
-    m_isLoading = loading;
-    emit isLoadingChanged();
+    assignAndNotify(this, m_isLoading, loading, &AppsModel::isLoadingChanged);
 }
 
 void AppsModel::setSizesLoaded(bool loaded)
 {
-    if (loaded == m_sizesLoaded)
-        return;
-    m_sizesLoaded = loaded;
-    emit sizesLoadedChanged();
+    assignAndNotify(this, m_sizesLoaded, loaded, &AppsModel::sizesLoadedChanged);
 }
 
 void AppsModel::setLeftoversLoading(bool loading)
 {
-    if (loading == m_leftoversLoading)
-        return;
-    m_leftoversLoading = loading;
-    emit leftoversLoadingChanged();
+    assignAndNotify(this, m_leftoversLoading, loading, &AppsModel::leftoversLoadingChanged);
 }
 
 void AppsModel::setRemoving(bool removing)
 {
-    if (removing == m_isRemoving)
-        return;
-    m_isRemoving = removing;
-    emit isRemovingChanged();
+    assignAndNotify(this, m_isRemoving, removing, &AppsModel::isRemovingChanged);
 }
 
 void AppsModel::clear()

@@ -1,5 +1,6 @@
 #include "models/map/MapModel.h"
 
+#include "models/app/Notify.h"
 #include "core/deletion/Deleter.h"
 #include "core/format/CheckedMath.h"
 #include "core/safety/Safety.h"
@@ -120,18 +121,12 @@ QList<const FileNode*> MapModel::topMarked() const
 
 void MapModel::setScanning(bool scanning)
 {
-    if (scanning == m_isScanning)
-        return;
-    m_isScanning = scanning;
-    emit isScanningChanged();
+    assignAndNotify(this, m_isScanning, scanning, &MapModel::isScanningChanged);
 }
 
 void MapModel::setDeleting(bool deleting)
 {
-    if (deleting == m_isDeleting)
-        return;
-    m_isDeleting = deleting;
-    emit isDeletingChanged();
+    assignAndNotify(this, m_isDeleting, deleting, &MapModel::isDeletingChanged);
 }
 
 void MapModel::clearMarks()

@@ -1,5 +1,6 @@
 #include "models/performance/PerformanceModel.h"
 
+#include "models/app/Notify.h"
 #include "core/launch/LaunchItems.h"
 #include "core/maintenance/MaintenanceCatalog.h"
 
@@ -191,10 +192,7 @@ void PerformanceModel::run(const QString& taskId)
 
 void PerformanceModel::setSnapshotCount(int count)
 {
-    if (count == m_snapshotCount)
-        return;
-    m_snapshotCount = count;
-    emit snapshotCountChanged();
+    assignAndNotify(this, m_snapshotCount, count, &PerformanceModel::snapshotCountChanged);
 }
 
 } // namespace nubo
