@@ -8,6 +8,7 @@
 #include "models/text/ResultTexts.h"
 
 #include <QTimer>
+#include <algorithm>
 
 namespace nubo {
 
@@ -121,6 +122,11 @@ QString AppState::sectionTitle() const
 QString AppState::sectionSymbol() const
 {
     return Panes::symbol(m_section);
+}
+
+int AppState::sectionIndex() const
+{
+    return int(std::ranges::find(Panes::all, m_section) - Panes::all.begin());
 }
 
 void AppState::setShowPermissions(bool show)

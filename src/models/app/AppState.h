@@ -34,6 +34,7 @@ class AppState : public QObject
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionTitle READ sectionTitle NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionSymbol READ sectionSymbol NOTIFY sectionChanged)
+    Q_PROPERTY(int sectionIndex READ sectionIndex NOTIFY sectionChanged)
     Q_PROPERTY(qint64 diskTotal READ diskTotal NOTIFY diskChanged)
     Q_PROPERTY(qint64 diskAvailable READ diskAvailable NOTIFY diskChanged)
     Q_PROPERTY(double diskFraction READ diskFraction NOTIFY diskChanged)
@@ -86,6 +87,8 @@ public:
     void setSection(const QString& id);
     [[nodiscard]] QString sectionTitle() const;
     [[nodiscard]] QString sectionSymbol() const;
+    /// The pane's place in the sidebar order, which is also the order of the detail's screens.
+    [[nodiscard]] int sectionIndex() const;
 
     [[nodiscard]] const DiskInfo& disk() const { return m_disk; }
     [[nodiscard]] qint64 diskTotal() const { return m_disk.total; }

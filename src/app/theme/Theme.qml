@@ -62,4 +62,14 @@ QtObject {
         readonly property int duration: 520
         readonly property int easing: Easing.InOutCubic
     }
+
+    // Home screen and window shell
+
+    // Space map
+
+    // Cleanup and apps screens
+
+    // Activity and performance screens
+
+    // Menu-bar panel
 }

@@ -35,10 +35,9 @@ ApplicationWindow {
             Layout.fillWidth: true
             Layout.fillHeight: true
 
-            PanePlaceholder {
+            RootView {
                 anchors.fill: parent
-                title: window.appState.sectionTitle
-                symbol: window.appState.sectionSymbol
+                appState: window.appState
             }
 
             ToastView {

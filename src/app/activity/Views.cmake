@@ -1,0 +1,3 @@
+# The activity screen.
+list(APPEND nubo_qml_files
+    activity/ActivityView.qml)

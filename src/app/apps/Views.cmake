@@ -1,0 +1,3 @@
+# The apps screen.
+list(APPEND nubo_qml_files
+    apps/AppsView.qml)

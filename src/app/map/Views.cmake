@@ -1,0 +1,3 @@
+# The space map and its inspector.
+list(APPEND nubo_qml_files
+    map/MapView.qml)

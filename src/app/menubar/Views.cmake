@@ -1,0 +1,2 @@
+# The menu-bar panel.
+list(APPEND nubo_qml_files)

@@ -1,0 +1,3 @@
+# The performance screen.
+list(APPEND nubo_qml_files
+    performance/PerformanceView.qml)

@@ -1,0 +1,113 @@
+#include "app/support/UiWorld.h"
+
+#include "app/ui/UiEngine.h"
+
+#include <QDir>
+#include <QLocale>
+#include <QQmlComponent>
+#include <QSet>
+#include <QTest>
+
+namespace nubo::test {
+
+namespace {
+
+QStringList g_warnings;
+
+void collectWarnings(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && !message.startsWith(QLatin1String("QStandardPaths:")))
+        g_warnings << message;
+}
+
+} // namespace
+
+void UiWorld::SetUp()
+{
+    ModelWorld::SetUp();
+    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+    g_warnings.clear();
+    m_previousHandler = qInstallMessageHandler(collectWarnings);
+    m_engine = std::make_unique<QQmlApplicationEngine>();
+    UiEngine::configure(*m_engine);
+}
+
+void UiWorld::TearDown()
+{
+    // The views go before the state they bind to.
+    m_windows.clear();
+    m_engine.reset();
+    m_main = nullptr;
+    qInstallMessageHandler(m_previousHandler);
+    EXPECT_TRUE(g_warnings.isEmpty()) << g_warnings.join(QLatin1Char('\n')).toStdString();
+    ModelWorld::TearDown();
+}
+
+QQuickWindow& UiWorld::mainWindow()
+{
+    if (!m_main)
+        m_main = UiEngine::loadMainWindow(*m_engine, state());
+    if (!m_main)
+        ADD_FAILURE() << "the main window's QML did not load";
+    return *m_main;
+}
+
+QQuickWindow* UiWorld::window(const QByteArray& qml, const QVariantMap& properties)
+{
+    QQmlComponent component(m_engine.get());
+    component.setData(qml, QUrl(QStringLiteral("qrc:/test/view.qml")));
+    std::unique_ptr<QObject> root(component.createWithInitialProperties(properties));
+    auto* created = qobject_cast<QQuickWindow*>(root.get());
+    if (!created) {
+        ADD_FAILURE() << "the test view did not load: " << component.errorString().toStdString();
+        return nullptr;
+    }
+    m_windows.push_back(std::move(root));
+    created->show();
+    return created;
+}
+
+QQuickItem* UiWorld::item(QObject& root, const QString& objectName)
+{
+    if (auto* found = root.findChild<QQuickItem*>(objectName))
+        return found;
+    // Items of a plain Window hang below its content item rather than below the window object.
+    if (auto* window = qobject_cast<QQuickWindow*>(&root))
+        return window->contentItem()->findChild<QQuickItem*>(objectName);
+    return nullptr;
+}
+
+void UiWorld::click(QQuickItem& target, Qt::MouseButton button)
+{
+    const QPointF centre = target.mapToScene(QPointF(target.width() / 2, target.height() / 2));
+    QTest::mouseClick(target.window(), button, Qt::NoModifier, centre.toPoint());
+}
+
+QImage UiWorld::snapshot(QQuickWindow& window, QSize size, const QString& name)
+{
+    window.resize(size);
+    QTest::qWait(Settle); // layouts settle, images load, animations finish
+    const QImage image = window.grabWindow();
+    const QString dir = qEnvironmentVariable("NUBO_SNAPSHOT_DIR", QDir::tempPath());
+    QDir().mkpath(dir);
+    EXPECT_TRUE(image.save(dir + QLatin1Char('/') + name + QStringLiteral(".png")));
+    return image;
+}
+
+void UiWorld::snapshots(QQuickWindow& window, const QString& name)
+{
+    snapshot(window, DefaultSize, name + QStringLiteral("-default"));
+    snapshot(window, MinimumSize, name + QStringLiteral("-minimum"));
+}
+
+int distinctColours(const QImage& image)
+{
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 4) {
+        for (int x = 0; x < image.width(); x += 4)
+            colours.insert(image.pixel(x, y));
+    }
+    return int(colours.size());
+}
+
+} // namespace nubo::test

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "models/support/ModelWorld.h"
+
+#include <QImage>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSize>
+#include <QVariantMap>
+#include <memory>
+
+namespace nubo::test {
+
+/// The models' temporary machine with Nubo's views on top: an engine set up like the program's,
+/// the main window over the world's state, windows built from a few lines of QML for one view
+/// with fixture models, and snapshots written where people (and CI artefacts) can look at them.
+/// Every warning the views print (a failed binding, an unknown type) fails the test.
+class UiWorld : public ModelWorld
+{
+protected:
+    static constexpr QSize DefaultSize{1280, 820};
+    static constexpr QSize MinimumSize{960, 620};
+    /// Longer than the longest animation a pane switch or a sheet runs.
+    static constexpr int Settle = 400;
+
+    void SetUp() override;
+    void TearDown() override;
+
+    /// The main window over `state()`, loaded once.
+    QQuickWindow& mainWindow();
+    /// A window made from QML source; the source may import QtQuick, QtQuick.Controls, Nubo and
+    /// Nubo.Models and declare required properties, which `properties` fill. Fails the test
+    /// (and returns nullptr) when the QML does not load.
+    QQuickWindow* window(const QByteArray& qml, const QVariantMap& properties = {});
+
+    /// The item named `objectName` below `root`; nullptr when there is none.
+    static QQuickItem* item(QObject& root, const QString& objectName);
+    /// Clicks the middle of a visible item with the mouse, the way a user would: a disabled or
+    /// covered control does not react.
+    static void click(QQuickItem& target, Qt::MouseButton button = Qt::LeftButton);
+
+    /// Resizes the window, lets it settle and writes `<name>.png`.
+    QImage snapshot(QQuickWindow& window, QSize size, const QString& name);
+    /// `<name>-default.png` and `<name>-minimum.png` at the window's two sizes.
+    void snapshots(QQuickWindow& window, const QString& name);
+
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+
+private:
+    QtMessageHandler m_previousHandler = nullptr;
+    QQuickWindow* m_main = nullptr;
+    std::vector<std::unique_ptr<QObject>> m_windows;
+};
+
+/// How many different colours a sparse grid of the image's pixels shows: a blank or broken
+/// view shows very few.
+[[nodiscard]] int distinctColours(const QImage& image);
+
+} // namespace nubo::test
