@@ -47,7 +47,8 @@
         addObserverForName:NSApplicationWillFinishLaunchingNotification
                     object:nil
                      queue:nil
-                usingBlock:^(NSNotification*) {
+                usingBlock:^(NSNotification* note) {
+                  (void)note;
                   [weakSelf install];
                 }];
 }
