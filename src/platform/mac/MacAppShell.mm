@@ -26,6 +26,7 @@
 @interface NuboReopenListener : NSObject
 @property(nonatomic, copy) void (^onReopen)(void);
 - (void)start;
+- (void)install;
 - (void)handleReopen:(NSAppleEventDescriptor*)event withReplyEvent:(NSAppleEventDescriptor*)reply;
 @end
 
