@@ -7,8 +7,9 @@ namespace nubo::SymbolGeometry {
 
 namespace {
 
-// SF Symbols at point size p draw about 1.2 p tall with their padding; 0.75 of the box leaves
-// the tallest ones ("exclamationmark.triangle.fill") whole in a square box.
+// A symbol's image at point size p is taller than p (it carries the font's line height, like a
+// letter); three quarters of the box keeps most symbols at their natural size, and the
+// placement shrinks the few that still do not fit instead of cutting them.
 constexpr qreal kPointsPerPixel = 0.75;
 
 bool usable(qreal value)
