@@ -29,9 +29,11 @@ public:
 #endif
             // executeAndReturnError: fills the error dictionary when the script fails, which
             // includes a cancelled prompt and a wrong password.
+            // The result is nil when an error occurred; both are checked so that no path where
+            // the script did not finish can read as success.
             NSDictionary<NSString*, id>* error = nil;
-            [script executeAndReturnError:&error];
-            return error == nil ? AdminOutcome::Succeeded : AdminOutcome::Failed;
+            NSAppleEventDescriptor* result = [script executeAndReturnError:&error];
+            return error == nil && result != nil ? AdminOutcome::Succeeded : AdminOutcome::Failed;
         }
     }
 

@@ -9,6 +9,8 @@ namespace nubo {
 
 namespace {
 
+constexpr float kMessagingTimeoutSeconds = 1.5f;
+
 class AxAccessibility final : public Accessibility
 {
 public:
@@ -32,6 +34,9 @@ public:
         AXUIElementRef app = AXUIElementCreateApplication(pid_t(pid));
         if (!app)
             return;
+        // An application that hangs would otherwise hold each call for the system-wide default
+        // (several seconds per window); a short limit keeps "minimise all" from stalling.
+        AXUIElementSetMessagingTimeout(app, kMessagingTimeoutSeconds);
         CFTypeRef windows = nullptr;
         if (AXUIElementCopyAttributeValue(app, kAXWindowsAttribute, &windows) == kAXErrorSuccess && windows) {
             if (CFGetTypeID(windows) == CFArrayGetTypeID()) {
