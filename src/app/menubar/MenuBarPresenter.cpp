@@ -27,6 +27,11 @@ MenuBarPresenter::MenuBarPresenter(QQmlEngine& engine, AppState& state, ShellCon
     m_panel = qobject_cast<QQuickWindow*>(m_window.get());
     if (!m_panel)
         qWarning("Nubo: the menu-bar panel did not load: %s", qPrintable(component.errorString()));
+    else
+        connect(m_panel, &QWindow::visibleChanged, this, [this](bool visible) {
+            if (!visible)
+                m_sinceHidden.start();
+        });
 
     if (useTray) {
         QIcon icon;
@@ -50,9 +55,10 @@ MenuBarPresenter::~MenuBarPresenter() = default;
 
 void MenuBarPresenter::toggle()
 {
+    constexpr qint64 kSameClickMs = 300;
     if (m_panel && m_panel->isVisible())
         m_panel->hide();
-    else
+    else if (!m_sinceHidden.isValid() || m_sinceHidden.elapsed() > kSameClickMs)
         show();
 }
 

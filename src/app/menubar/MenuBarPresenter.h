@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QQuickWindow>
@@ -43,6 +44,9 @@ private:
     std::unique_ptr<QObject> m_window;
     QPointer<QQuickWindow> m_panel;
     std::unique_ptr<QSystemTrayIcon> m_tray;
+    /// Since the panel last went away; a click on the tray icon first takes the focus from the
+    /// panel (which hides it) and then arrives as a toggle, which must not reopen it.
+    QElapsedTimer m_sinceHidden;
 };
 
 } // namespace nubo

@@ -252,4 +252,11 @@ TEST_F(MenuBarPanelTest, WithoutATrayThePanelOpensOnRequestAndRefreshesTheDisk)
     EXPECT_EQ(state().diskAvailable(), 400'000'000'000);
     m_presenter->toggle();
     EXPECT_FALSE(m_presenter->panel()->isVisible());
+    // The click that took the focus from the panel (and so closed it) does not reopen it…
+    m_presenter->toggle();
+    EXPECT_FALSE(m_presenter->panel()->isVisible());
+    // …a later one does.
+    QTest::qWait(350);
+    m_presenter->toggle();
+    EXPECT_TRUE(m_presenter->panel()->isVisible());
 }
