@@ -76,14 +76,18 @@ Item {
                 font.weight: Font.DemiBold
             }
 
-            Repeater {
-                objectName: "recommendations"
-                model: view.summary.recommendations
-                delegate: RecommendationRow {
-                    required property var modelData
-                    Layout.fillWidth: true
-                    recommendation: modelData
-                    onActivated: view.summary.perform(modelData.id)
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: Theme.spacing
+                Repeater {
+                    objectName: "recommendations"
+                    model: view.summary.recommendations
+                    delegate: RecommendationRow {
+                        required property var modelData
+                        Layout.fillWidth: true
+                        recommendation: modelData
+                        onActivated: view.summary.perform(modelData.id)
+                    }
                 }
             }
 

@@ -29,7 +29,12 @@ Item {
             checked: row.checked
             onToggled: row.toggled(checked)
             padding: 0
+            spacing: 0
+            Layout.preferredWidth: 32
+            Layout.preferredHeight: 18
             indicator: Rectangle {
+                x: 0
+                y: (toggle.height - height) / 2
                 implicitWidth: 32
                 implicitHeight: 18
                 radius: height / 2
@@ -47,6 +52,7 @@ Item {
                 }
             }
             contentItem: Item {}
+            background: Item {}
         }
     }
 }

@@ -1,5 +1,7 @@
 #include "app/support/UiWorld.h"
 
+#include <QGuiApplication>
+#include <QPalette>
 #include <QQuickItem>
 #include <QSignalSpy>
 #include <QTest>
@@ -178,4 +180,23 @@ TEST_F(HomeViewTest, WithNothingToRecommendTheScreenSaysSo)
     QTest::qWait(Settle);
     EXPECT_TRUE(recommendationTitles(window).isEmpty());
     EXPECT_TRUE(item(window, QStringLiteral("nothingToReview"))->isVisible());
+}
+
+TEST_F(HomeViewTest, FollowsADarkSystemAppearance)
+{
+    const QPalette light = QGuiApplication::palette();
+    QPalette dark = light;
+    dark.setColor(QPalette::Window, QColor(0x1E, 0x1E, 0x1E));
+    dark.setColor(QPalette::WindowText, QColor(0xF5, 0xF5, 0xF7));
+    dark.setColor(QPalette::Base, QColor(0x2C, 0x2C, 0x2E));
+    dark.setColor(QPalette::Text, QColor(0xF5, 0xF5, 0xF7));
+    dark.setColor(QPalette::Button, QColor(0x3A, 0x3A, 0x3C));
+    dark.setColor(QPalette::ButtonText, QColor(0xF5, 0xF5, 0xF7));
+    QGuiApplication::setPalette(dark);
+    QQuickWindow& window = mainWindow();
+    analyseFromTheScreen(window);
+    const QImage image = snapshot(window, DefaultSize, QStringLiteral("home-dark-default"));
+    // The detail's background is the dark window colour, not the light one.
+    EXPECT_LT(qGray(image.pixel(image.width() - 20, image.height() - 20)), 64);
+    QGuiApplication::setPalette(light);
 }
