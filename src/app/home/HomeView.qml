@@ -77,6 +77,8 @@ Item {
             }
 
             ColumnLayout {
+                // Empty, it would still take its place in the page's spacing.
+                visible: view.summary.recommendations.length > 0
                 Layout.fillWidth: true
                 spacing: Theme.spacing
                 Repeater {
