@@ -2,19 +2,26 @@
 #include "core/privacy/Permissions.h"
 #include "core/privacy/Privacy.h"
 #include "models/app/AppState.h"
+#include "models/app/ShellController.h"
+#include "platform/AppShell.h"
+#include "platform/SymbolImages.h"
 #include "platform/VolumeCapacity.h"
+#include "app/menubar/MenuBarPresenter.h"
+#include "app/shell/NativeMenus.h"
 #include "app/ui/UiEngine.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QSystemTrayIcon>
 
 int main(int argc, char* argv[])
 {
-    QGuiApplication app(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("Nubo"));
-    QGuiApplication::setOrganizationDomain(QStringLiteral("nubo.app"));
+    // A widgets application: the tray icon and the platform's own menu bar are widgets classes.
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Nubo"));
+    QApplication::setOrganizationDomain(QStringLiteral("nubo.app"));
 #ifndef Q_OS_MACOS
     // Fusion follows the system palette, light or dark, and looks at home on Linux desktops.
     QQuickStyle::setStyle(QStringLiteral("Fusion"));
@@ -25,9 +32,28 @@ int main(int argc, char* argv[])
     nubo::Privacy privacy(home, [home] { return nubo::Permissions::hasFullDiskAccess(home); });
     const std::unique_ptr<nubo::VolumeCapacity> volume = nubo::makeVolumeCapacity();
     nubo::AppState state({privacy, *volume});
+
+    // Then the update service, then the window and the menu-bar panel.
+    const std::unique_ptr<nubo::AppShell> shell = nubo::makeAppShell();
+    nubo::ShellController controller(state, *shell);
+    controller.start();
+#ifdef Q_OS_MACOS
+    const nubo::NativeMenus menus(controller);
+    constexpr bool platformReopens = true;
+#else
+    constexpr bool platformReopens = false;
+#endif
+
     QQmlApplicationEngine engine;
     nubo::UiEngine::configure(engine);
-    if (!nubo::UiEngine::loadMainWindow(engine, state))
+    QQuickWindow* window = nubo::UiEngine::loadMainWindow(engine, state, &controller);
+    if (!window)
         return 1;
-    return QGuiApplication::exec();
+    nubo::UiEngine::attachShell(*window, controller);
+    const std::unique_ptr<nubo::SymbolImages> symbols = nubo::makeSymbolImages();
+    nubo::MenuBarPresenter panel(engine, state, controller, *symbols, QSystemTrayIcon::isSystemTrayAvailable());
+    QApplication::setQuitOnLastWindowClosed(!controller.keepsRunningWithoutWindow(platformReopens));
+    QObject::connect(&controller, &nubo::ShellController::quitRequested, &app, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    return QApplication::exec();
 }

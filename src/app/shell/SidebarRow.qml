@@ -8,6 +8,8 @@ Rectangle {
     required property string title
     required property string symbol
     property bool selected: false
+    // Shown in a capsule at the trailing edge; empty shows nothing.
+    property string badge: ""
     signal activated()
 
     implicitHeight: 32
@@ -36,6 +38,23 @@ Rectangle {
             font.pixelSize: Theme.fontSizeBody
             font.weight: row.selected ? Font.DemiBold : Font.Normal
             elide: Text.ElideRight
+        }
+        Rectangle {
+            objectName: "badge"
+            visible: row.badge.length > 0
+            implicitWidth: Math.max(height, badgeText.implicitWidth + Theme.spacing * 1.5)
+            implicitHeight: 18
+            radius: height / 2
+            color: Theme.badgeBackground
+            Text {
+                id: badgeText
+                anchors.centerIn: parent
+                text: row.badge
+                color: Theme.textSecondary
+                font.family: Theme.fontFamily
+                font.pixelSize: Theme.fontSizeCaption
+                font.weight: Font.DemiBold
+            }
         }
     }
 

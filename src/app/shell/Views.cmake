@@ -4,5 +4,9 @@ list(APPEND nubo_qml_files
     shell/RootView.qml
     shell/Sidebar.qml
     shell/SidebarRow.qml
+    shell/AppMenuButton.qml
     shell/DiskCard.qml
+    shell/FullDiskAccessCard.qml
+    shell/PermissionSheet.qml
     shell/ToastView.qml)
+target_sources(nubo_ui PRIVATE shell/NativeMenus.h shell/NativeMenus.cpp)

@@ -19,6 +19,8 @@ Dialog {
     padding: Theme.spacingHuge
     closePolicy: Popup.CloseOnEscape
 
+    Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, Theme.dark ? 0.45 : 0.22) }
+
     background: Rectangle {
         radius: Theme.radiusCard
         color: Theme.cardBackground
@@ -49,16 +51,15 @@ Dialog {
         RowLayout {
             Layout.alignment: Qt.AlignRight
             spacing: Theme.spacing
-            Button {
+            ActionButton {
+                objectName: "cancelButton"
                 text: Texts.cancelLabel
                 onClicked: dialog.reject()
             }
-            Button {
+            ActionButton {
                 objectName: "confirmButton"
                 text: dialog.verb
-                highlighted: true
-                palette.button: Theme.red
-                palette.buttonText: "white"
+                destructive: true
                 onClicked: {
                     dialog.accept()
                     dialog.confirmed()

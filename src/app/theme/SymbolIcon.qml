@@ -4,8 +4,10 @@ import QtQuick
 Image {
     property string symbol
     property int size: 16
-    // Draws the symbol in this colour; left unset, the symbol keeps its own colours.
-    property color tint: "transparent"
+    // Symbols are drawn in one colour, like text: by default the primary text colour of the
+    // current appearance, so they stay visible in dark mode. A transparent tint keeps the
+    // symbol's own colours.
+    property color tint: Theme.textPrimary
 
     width: size
     height: size

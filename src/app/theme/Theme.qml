@@ -64,6 +64,32 @@ QtObject {
     }
 
     // Home screen and window shell
+    readonly property int sidebarWidth: 232
+    readonly property int homeMaxWidth: 760
+    readonly property int diskRingSize: 148
+    readonly property int diskRingLine: 14
+    readonly property int iconTile: 36
+    readonly property int sheetWidth: 460
+    readonly property color badgeBackground: dark ? Qt.rgba(1, 1, 1, 0.14) : Qt.rgba(0, 0, 0, 0.08)
+    // The named colours the models give categories and recommendations ("teal", "purple"…).
+    function tint(name) {
+        switch (name) {
+        case "teal": return dark ? "#40C8E0" : "#30B0C7"
+        case "gray": return dark ? "#98989D" : "#8E8E93"
+        case "orange": return orange
+        case "red": return red
+        case "blue": return accent
+        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
+        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
+        case "brown": return dark ? "#AC8E68" : "#A2845E"
+        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
+        case "green": return green
+        case "mint": return dark ? "#66D4CF" : "#00C7BE"
+        case "yellow": return dark ? "#FFD60A" : "#E5B800"
+        case "pink": return dark ? "#FF375F" : "#FF2D55"
+        default: return accent
+        }
+    }
 
     // Space map
 
@@ -72,4 +98,7 @@ QtObject {
     // Activity and performance screens
 
     // Menu-bar panel
+    readonly property int panelWidth: 320
+    readonly property int panelRowHeight: 30
+    readonly property color panelBackground: dark ? "#242426" : "#FBFBFD"
 }

@@ -5,5 +5,6 @@ list(APPEND nubo_qml_files
     theme/PanePlaceholder.qml
     theme/UsageBar.qml
     theme/CheckCircle.qml
-    theme/DeleteConfirmation.qml)
+    theme/DeleteConfirmation.qml
+    theme/ActionButton.qml)
 set_source_files_properties(theme/Theme.qml PROPERTIES QT_QML_SINGLETON_TYPE TRUE)

@@ -1,9 +1,11 @@
 #include "app/ui/UiEngine.h"
 
 #include "models/app/AppState.h"
+#include "models/app/ShellController.h"
 #include "app/icons/SymbolImageProvider.h"
 #include "platform/SymbolImages.h"
 
+#include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
@@ -21,13 +23,37 @@ void configure(QQmlApplicationEngine& engine)
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider(makeSymbolImages()));
 }
 
-QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppState& state)
+QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppState& state, ShellController* shell)
 {
-    engine.setInitialProperties({{QStringLiteral("appState"), QVariant::fromValue(&state)}});
+    QVariantMap properties{{QStringLiteral("appState"), QVariant::fromValue(&state)}};
+    if (shell)
+        properties.insert(QStringLiteral("shell"), QVariant::fromValue(shell));
+    engine.setInitialProperties(properties);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Nubo/Main.qml")));
     if (engine.rootObjects().isEmpty())
         return nullptr;
-    return qobject_cast<QQuickWindow*>(engine.rootObjects().constFirst());
+    return qobject_cast<QQuickWindow*>(engine.rootObjects().constLast());
+}
+
+void attachShell(QQuickWindow& window, ShellController& shell)
+{
+    QObject::connect(&window, &QWindow::visibleChanged, &shell,
+                     [&shell](bool visible) { shell.mainWindowShown(visible); });
+    QObject::connect(&shell, &ShellController::mainWindowRequested, &window, [&window] {
+        window.show();
+        // A platform without stacking (offscreen rendering) has nothing to raise and says so.
+        if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+            window.raise();
+        window.requestActivate();
+    });
+    if (auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        QObject::connect(application, &QGuiApplication::applicationStateChanged, &shell,
+                         [&shell](Qt::ApplicationState now) {
+                             if (now == Qt::ApplicationActive)
+                                 shell.applicationActivated();
+                         });
+    }
+    shell.mainWindowShown(window.isVisible());
 }
 
 } // namespace nubo::UiEngine

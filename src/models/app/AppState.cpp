@@ -3,6 +3,7 @@
 #include "models/app/Notify.h"
 #include "core/cleanup/CleanCatalog.h"
 #include "core/format/CheckedMath.h"
+#include "core/privacy/Permissions.h"
 #include "core/privacy/Privacy.h"
 #include "models/app/Backends.h"
 #include "models/text/ResultTexts.h"
@@ -33,6 +34,9 @@ AppState::AppState(Services services, QObject* parent)
     connect(m_clean.get(), &CleanModel::isScanningChanged, this, &AppState::isAnalyzingChanged);
     connect(m_apps.get(), &AppsModel::isLoadingChanged, this, &AppState::isAnalyzingChanged);
     connect(m_clean.get(), &CleanModel::categoriesChanged, this, &AppState::safeSizeChanged);
+    connect(m_clean.get(), &CleanModel::categoriesChanged, this, &AppState::badgesChanged);
+    connect(m_clean.get(), &CleanModel::selectionChanged, this, &AppState::badgesChanged);
+    connect(m_map.get(), &MapModel::markedChanged, this, &AppState::badgesChanged);
 
     if (m_backends) {
         m_activity = std::make_unique<ActivityModel>(m_backends->activityServices(), this);
@@ -158,6 +162,21 @@ void AppState::refreshDisk()
     setHasFullDiskAccess(granted);
 }
 
+void AppState::pollPermissions()
+{
+    refreshDisk();
+    if (m_hasFullDiskAccess)
+        setShowPermissions(false);
+}
+
+void AppState::openFullDiskAccessSettings()
+{
+    Workspace* workspace = m_services.workspace ? m_services.workspace
+                                                : (m_backends ? &m_backends->workspace() : nullptr);
+    if (workspace)
+        Permissions::openFullDiskAccessSettings(*workspace);
+}
+
 void AppState::report(qint64 freed, qint64 failures)
 {
     const qint64 total = checkedAdd(m_totalFreed, freed);
@@ -191,6 +210,16 @@ QString AppState::diskTone() const
     default:
         return QStringLiteral("accent");
     }
+}
+
+QString AppState::mapBadge() const
+{
+    return ResultTexts::mapBadge(m_map->markedCount());
+}
+
+QString AppState::cleanBadge() const
+{
+    return ResultTexts::cleanBadge(m_clean->totalSelected());
 }
 
 QString AppState::freedTodayLine() const

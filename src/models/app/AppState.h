@@ -20,6 +20,7 @@ namespace nubo {
 class Backends;
 class Privacy;
 class VolumeCapacity;
+class Workspace;
 
 /// The one root state of the application, shared by every screen and the menu-bar panel: the
 /// selected pane, the start-up volume's figures, the Full Disk Access state and whether its
@@ -59,6 +60,9 @@ class AppState : public QObject
     Q_PROPERTY(bool isAnalyzing READ isAnalyzing NOTIFY isAnalyzingChanged)
     Q_PROPERTY(QStringList safeCategories READ safeCategories CONSTANT)
     Q_PROPERTY(qint64 safeSize READ safeSize NOTIFY safeSizeChanged)
+    Q_PROPERTY(QString mapBadge READ mapBadge NOTIFY badgesChanged)
+    Q_PROPERTY(QString cleanBadge READ cleanBadge NOTIFY badgesChanged)
+    Q_PROPERTY(int permissionPollInterval READ permissionPollInterval CONSTANT)
 
 public:
     /// How the state reads the machine: the access probe's cache and the volume reader are
@@ -71,6 +75,11 @@ public:
         /// What the feature models work with, borrowed; none builds the real backends over this
         /// machine's roots (whose home NUBO_HOME may replace).
         const ModelServices* models = nullptr;
+        /// Opens the settings page for Full Disk Access; none uses the real backends' workspace
+        /// (a state over prepared services then opens nothing).
+        Workspace* workspace = nullptr;
+        /// How often the permission guidance looks for a new grant while it is shown.
+        std::chrono::milliseconds permissionPoll = std::chrono::seconds(2);
     };
 
     /// Reads the volume, probes Full Disk Access afresh and asks for the permission guidance
@@ -118,6 +127,13 @@ public:
     /// Re-reads the volume and re-probes access. A newly seen grant closes the permission
     /// guidance; a refresh never opens it, and a lost grant is only recorded.
     Q_INVOKABLE void refreshDisk();
+    /// One look of the permission guidance: refreshes, and closes the guidance once access is
+    /// there, also when it was already there before the guidance opened.
+    Q_INVOKABLE void pollPermissions();
+    /// Milliseconds between two looks of the guidance.
+    [[nodiscard]] int permissionPollInterval() const { return int(m_services.permissionPoll.count()); }
+    /// Opens the system's settings page where the user grants Full Disk Access.
+    Q_INVOKABLE void openFullDiskAccessSettings();
     /// Records one deletion batch: adds what it freed to this run's total (an overflow is
     /// fatal), refreshes the figures and shows a new toast, which goes away by itself after
     /// `toastDuration` unless a newer report replaced it first.
@@ -132,6 +148,11 @@ public:
     /// a state handed prepared services (tests) has none.
     [[nodiscard]] ActivityModel* activity() const { return m_activity.get(); }
     [[nodiscard]] PerformanceModel* performance() const { return m_performance.get(); }
+
+    /// The sidebar's badges: the number of marked map nodes, the size selected for cleaning;
+    /// empty when there is nothing to show.
+    [[nodiscard]] QString mapBadge() const;
+    [[nodiscard]] QString cleanBadge() const;
 
     /// The cleanup scan or the apps load is running.
     [[nodiscard]] bool isAnalyzing() const;
@@ -157,6 +178,7 @@ signals:
     void totalFreedThisSessionChanged();
     void isAnalyzingChanged();
     void safeSizeChanged();
+    void badgesChanged();
 
 private:
     void setDisk(const DiskInfo& disk);

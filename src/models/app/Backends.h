@@ -58,6 +58,8 @@ public:
     /// What the activity model drives: the workspace, the process table, Accessibility and the
     /// login item, with this program's own process id.
     [[nodiscard]] ActivityModel::Services activityServices();
+    /// The running applications and the pages the system opens.
+    [[nodiscard]] Workspace& workspace() { return *m_workspace; }
     [[nodiscard]] const LaunchItems& launchItems() const { return m_launchItems; }
     [[nodiscard]] const MaintenanceCatalog& maintenance() const { return m_maintenance; }
 

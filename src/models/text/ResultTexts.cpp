@@ -67,6 +67,16 @@ Tone fullnessTone(double fraction)
     return Tone::Accent;
 }
 
+QString mapBadge(qint64 marked)
+{
+    return marked > 0 ? QString::number(marked) : QString();
+}
+
+QString cleanBadge(qint64 selected)
+{
+    return selected > 0 ? Bytes::string(selected) : QString();
+}
+
 int percent(double fraction)
 {
     if (!std::isfinite(fraction))

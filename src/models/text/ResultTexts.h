@@ -26,6 +26,10 @@ enum class Tone { Accent, Success, Warning, Critical };
 [[nodiscard]] QString freedToday(qint64 freed);
 /// The tint of a fullness figure (0 to 1): accent below 0.75, warning from 0.75, critical from 0.9.
 [[nodiscard]] Tone fullnessTone(double fraction);
+/// The map row's badge: how many nodes are marked, empty when none.
+[[nodiscard]] QString mapBadge(qint64 marked);
+/// The cleanup row's badge: the size of the selection, empty when nothing is selected.
+[[nodiscard]] QString cleanBadge(qint64 selected);
 /// The share as a whole percentage, "42 %"-style rounding: 0.425 gives 43.
 [[nodiscard]] int percent(double fraction);
 

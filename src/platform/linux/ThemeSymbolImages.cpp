@@ -44,6 +44,23 @@ const QHash<QString, QStringList>& symbolTable()
         add("exclamationmark.triangle.fill", {"dialog-warning-symbolic", "dialog-warning"});
         add("checkmark", {"object-select-symbolic", "emblem-ok-symbolic"});
         add("minus", {"list-remove-symbolic", "value-decrease-symbolic"});
+        // Window shell, home screen, permission guidance and the menu-bar panel.
+        add("exclamationmark.lock.fill", {"system-lock-screen-symbolic", "security-low-symbolic"});
+        add("lock.shield.fill", {"security-high-symbolic", "system-lock-screen-symbolic"});
+        add("hand.raised.fill", {"security-medium-symbolic", "security-high-symbolic"});
+        add("checkmark.seal.fill", {"emblem-ok-symbolic", "object-select-symbolic"});
+        add("square.stack.3d.up.slash.fill", {"view-app-grid-symbolic", "applications-other"});
+        add("arrow.clockwise", {"view-refresh-symbolic", "view-refresh"});
+        add("ellipsis.circle", {"view-more-horizontal-symbolic", "open-menu-symbolic"});
+        add("bubbles.and.sparkles", {"edit-clear-all-symbolic", "edit-clear-symbolic"});
+        add("eye.slash", {"view-conceal-symbolic"});
+        add("rectangle.stack.badge.minus", {"window-minimize-symbolic"});
+        add("arrow.down.circle", {"software-update-available-symbolic", "system-software-install-symbolic"});
+        add("power", {"system-shutdown-symbolic", "application-exit-symbolic"});
+        add("xmark", {"window-close-symbolic", "process-stop-symbolic"});
+        add("exclamationmark.octagon", {"process-stop-symbolic", "dialog-warning-symbolic"});
+        add("macwindow", {"focus-windows-symbolic", "window-new-symbolic"});
+        add("chevron.right", {"go-next-symbolic", "pan-end-symbolic"});
         return t;
     }();
     return table;

@@ -3,6 +3,7 @@
 #include "models/app/Pane.h"
 #include "models/app/PaneListModel.h"
 #include "platform/fake/FakeVolumeCapacity.h"
+#include "platform/fake/FakeWorkspace.h"
 
 #include <gtest/gtest.h>
 
@@ -143,6 +144,34 @@ TEST_F(AppStateTest, AGrantWhileTheGuidanceIsClosedOpensNothing)
     state->refreshDisk();
     EXPECT_TRUE(state->hasFullDiskAccess());
     EXPECT_FALSE(state->showPermissions());
+}
+
+TEST_F(AppStateTest, TheGuidancesPollClosesItOnceAccessIsThereAndOpensTheSettingsPage)
+{
+    FakeWorkspace workspace;
+    AppState state({m_privacy, m_volume, 4s, nullptr, &workspace, 50ms});
+    EXPECT_EQ(state.permissionPollInterval(), 50);
+    ASSERT_TRUE(state.showPermissions());
+
+    state.openFullDiskAccessSettings();
+    EXPECT_EQ(workspace.openedUrls,
+              QStringList{QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")});
+    EXPECT_TRUE(state.showPermissions()); // opening the settings leaves the guidance up
+
+    const int before = m_probes;
+    state.pollPermissions(); // still no access: the guidance stays
+    EXPECT_EQ(m_probes, before + 1);
+    EXPECT_TRUE(state.showPermissions());
+
+    m_granted = true;
+    state.pollPermissions();
+    EXPECT_FALSE(state.showPermissions());
+    EXPECT_TRUE(state.hasFullDiskAccess());
+
+    // Shown again by a screen while access is already there, the next look closes it too.
+    state.setShowPermissions(true);
+    state.pollPermissions();
+    EXPECT_FALSE(state.showPermissions());
 }
 
 TEST_F(AppStateTest, AReportAddsUpRefreshesAndShowsItsToast)

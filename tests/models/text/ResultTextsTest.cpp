@@ -64,3 +64,13 @@ TEST_F(ResultTextsTest, DiskFiguresAndTheirTints)
     EXPECT_EQ(ResultTexts::percent(1.0), 100);
     EXPECT_EQ(ResultTexts::percent(std::nan("")), 0);
 }
+
+TEST_F(ResultTextsTest, SidebarBadgesShowOnlyWhenThereIsSomething)
+{
+    EXPECT_EQ(ResultTexts::mapBadge(0), QString());
+    EXPECT_EQ(ResultTexts::mapBadge(1), QStringLiteral("1"));
+    EXPECT_EQ(ResultTexts::mapBadge(12), QStringLiteral("12")); // a count of nodes, never a size
+    EXPECT_EQ(ResultTexts::cleanBadge(0), QString());
+    EXPECT_EQ(ResultTexts::cleanBadge(-1), QString());
+    EXPECT_EQ(ResultTexts::cleanBadge(1'200'000'000), QStringLiteral("1,2 GB"));
+}

@@ -1,0 +1,202 @@
+#include "app/support/UiWorld.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QQuickItem>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace nubo;
+using namespace nubo::test;
+
+namespace {
+
+// Items a view creates from a model (list rows, repeated rows) hang below their parent item
+// only, not below it as objects: look for them along the item tree.
+QQuickItem* shown(QQuickItem* root, const QString& objectName)
+{
+    if (root->objectName() == objectName)
+        return root;
+    for (QQuickItem* child : root->childItems()) {
+        if (QQuickItem* found = shown(child, objectName))
+            return found;
+    }
+    return nullptr;
+}
+
+// The home screen in the main window over a prepared machine: a safe category with real cache
+// folders (one with an awkward name), three categories worth reviewing, one just under the line,
+// and five applications nobody opened.
+class HomeViewTest : public UiWorld
+{
+protected:
+    void SetUp() override
+    {
+        UiWorld::SetUp();
+        m_volume.answer = {994'662'584'320, 181'253'627'904, 170'000'000'000};
+        const QStringList safe = categoriesSelectedByDefault(true);
+        const QStringList review = categoriesSelectedByDefault(false);
+        const QString home = m_roots.home;
+        file(QStringLiteral("home/Library/Caches/com.acme.editor/cache.db"), 4096);
+        file(QStringLiteral("home/Library/Caches/-odd \"name\"/x"), 4096);
+        file(QStringLiteral("home/Library/Logs/old.log"), 4096);
+        rule(safe.at(0), [home] {
+            return QList<CleanItem>{
+                CleanItem::atPath(home + QStringLiteral("/Library/Caches/com.acme.editor"), home, std::nullopt,
+                                  1'900'000'000),
+                CleanItem::atPath(home + QStringLiteral("/Library/Caches/-odd \"name\""), home, std::nullopt,
+                                  300'000'000)};
+        });
+        rule(safe.at(1), [home] {
+            return QList<CleanItem>{CleanItem::atPath(home + QStringLiteral("/Library/Logs/old.log"), home,
+                                                      std::nullopt, 120'000'000)};
+        });
+        const auto claimed = [home](const QString& name, qint64 size) {
+            return CleanCategory::Scan([home, name, size] {
+                return QList<CleanItem>{CleanItem(home + QLatin1Char('/') + name, name, QStringLiteral("~/") + name,
+                                                  size, CleanItem::Remove{home + QLatin1Char('/') + name})};
+            });
+        };
+        rule(review.at(0), claimed(QStringLiteral("Downloads/installer.dmg"), 6'400'000'000));
+        rule(review.at(1), claimed(QStringLiteral("Projects/node_modules"), 52'428'800));
+        rule(review.at(2), claimed(QStringLiteral("Movies/clip.mov"), 52'428'799));
+        for (const char* name : {"Pixelmator", "Keynote", "GarageBand", "iMovie", "Tetris"}) {
+            const QString relative = QStringLiteral("Applications/%1.app").arg(QString::fromUtf8(name));
+            bundle(relative, QStringLiteral("com.acme.") + QString::fromUtf8(name), 2'000'000);
+            m_metadata.lastUsed.insert(path(relative), QDateTime::currentDateTimeUtc().addDays(-200));
+        }
+    }
+
+    void analyseFromTheScreen(QQuickWindow& window)
+    {
+        QQuickItem* analyse = item(window, QStringLiteral("analyzeButton"));
+        ASSERT_NE(analyse, nullptr);
+        click(*analyse);
+        EXPECT_TRUE(state().clean()->hasScanned());
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !state().isAnalyzing() && state().apps()->sizesLoaded(); },
+                                    10000));
+    }
+
+    static QStringList recommendationTitles(QQuickWindow& window)
+    {
+        QStringList ids;
+        QQuickItem* repeater = item(window, QStringLiteral("recommendations"));
+        for (int i = 0; i < repeater->property("count").toInt(); ++i) {
+            QQuickItem* row = nullptr;
+            QMetaObject::invokeMethod(repeater, "itemAt", Q_RETURN_ARG(QQuickItem*, row), Q_ARG(int, i));
+            ids << row->property("recommendation").toMap().value(QStringLiteral("id")).toString();
+        }
+        return ids;
+    }
+};
+
+} // namespace
+
+TEST_F(HomeViewTest, BeforeAndAfterAnAnalysis)
+{
+    QQuickWindow& window = mainWindow();
+    QQuickItem* again = item(window, QStringLiteral("analyzeAgain"));
+    ASSERT_NE(again, nullptr);
+    EXPECT_FALSE(again->isEnabled()) << "nothing to analyse again before the first analysis";
+    EXPECT_TRUE(item(window, QStringLiteral("introduction"))->isVisible());
+    EXPECT_FALSE(item(window, QStringLiteral("safeCleanButton"))->isEnabled());
+    EXPECT_EQ(recommendationTitles(window), QStringList{QStringLiteral("map")});
+    EXPECT_EQ(item(window, QStringLiteral("diskPercent"))->property("text").toString(), QStringLiteral("82 %"));
+    snapshots(window, QStringLiteral("home-before"));
+
+    analyseFromTheScreen(window);
+    EXPECT_TRUE(again->isEnabled());
+    EXPECT_FALSE(item(window, QStringLiteral("introduction"))->isVisible());
+    EXPECT_EQ(item(window, QStringLiteral("headline"))->property("text").toString(),
+              QStringLiteral("8,82 GB que puedes recuperar"));
+    EXPECT_EQ(item(window, QStringLiteral("safeCleanButton"))->property("text").toString(),
+              QStringLiteral("Limpiar 2,32 GB"));
+    // Largest first; the category a byte under 50 MiB is left out; the map comes last.
+    const QStringList review = categoriesSelectedByDefault(false);
+    EXPECT_EQ(recommendationTitles(window),
+              (QStringList{QStringLiteral("category:") + review.at(0), QStringLiteral("category:") + review.at(1),
+                           QStringLiteral("unused"), QStringLiteral("map")}));
+    snapshots(window, QStringLiteral("home-after"));
+
+    // A recommendation's button goes where it says.
+    QQuickItem* unused = shown(window.contentItem(), QStringLiteral("action:unused"));
+    ASSERT_NE(unused, nullptr);
+    click(*unused);
+    EXPECT_EQ(state().section(), QStringLiteral("apps"));
+}
+
+TEST_F(HomeViewTest, TheSafeCleanAsksFirstAndCancelDeletesNothing)
+{
+    QQuickWindow& window = mainWindow();
+    analyseFromTheScreen(window);
+    QQuickItem* clean = item(window, QStringLiteral("safeCleanButton"));
+    ASSERT_TRUE(clean && clean->isEnabled());
+    QObject* confirmation = window.findChild<QObject*>(QStringLiteral("safeCleanConfirmation"));
+    ASSERT_NE(confirmation, nullptr);
+
+    click(*clean);
+    QTRY_VERIFY(confirmation->property("opened").toBool());
+    auto* title = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmationTitle"));
+    ASSERT_NE(title, nullptr);
+    EXPECT_EQ(title->property("text").toString(), QStringLiteral("¿Limpiar 3 elementos (2,32 GB)?"));
+    snapshots(window, QStringLiteral("home-confirmation"));
+
+    // "Cancelar" only closes the question.
+    auto* cancel = confirmation->findChild<QQuickItem*>(QStringLiteral("cancelButton"));
+    ASSERT_NE(cancel, nullptr);
+    EXPECT_EQ(cancel->property("text").toString(), QStringLiteral("Cancelar"));
+    click(*cancel);
+    QTRY_VERIFY(!confirmation->property("visible").toBool());
+    QTest::qWait(Settle);
+    EXPECT_FALSE(state().clean()->isCleaning());
+    EXPECT_FALSE(state().hasToast());
+    EXPECT_TRUE(exists(QStringLiteral("home/Library/Caches/com.acme.editor/cache.db")));
+    EXPECT_TRUE(exists(QStringLiteral("home/Library/Caches/-odd \"name\"/x")));
+
+    // Confirmed: the safe items go, the rest stays, and the toast tells.
+    click(*clean);
+    QTRY_VERIFY(confirmation->property("opened").toBool());
+    auto* confirm = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmButton"));
+    ASSERT_NE(confirm, nullptr);
+    click(*confirm);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return state().hasToast(); }, 10000));
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/com.acme.editor")));
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/-odd \"name\"")));
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Logs/old.log")));
+    EXPECT_EQ(state().toastHeadline(), QStringLiteral("2,32 GB liberados"));
+    snapshots(window, QStringLiteral("home-cleaned"));
+}
+
+TEST_F(HomeViewTest, WithNothingToRecommendTheScreenSaysSo)
+{
+    m_volume.answer = {1'000'000'000'000, 600'000'000'000, 600'000'000'000};
+    for (const QString& id : categoriesSelectedByDefault(false))
+        rule(id, {});
+    QQuickWindow& window = mainWindow();
+    analyseFromTheScreen(window);
+    state().map()->scanHome();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return state().map()->hasTree(); }, 10000));
+    state().apps()->clear();
+    QTest::qWait(Settle);
+    EXPECT_TRUE(recommendationTitles(window).isEmpty());
+    EXPECT_TRUE(item(window, QStringLiteral("nothingToReview"))->isVisible());
+}
+
+TEST_F(HomeViewTest, FollowsADarkSystemAppearance)
+{
+    const QPalette light = QGuiApplication::palette();
+    QPalette dark = light;
+    dark.setColor(QPalette::Window, QColor(0x1E, 0x1E, 0x1E));
+    dark.setColor(QPalette::WindowText, QColor(0xF5, 0xF5, 0xF7));
+    dark.setColor(QPalette::Base, QColor(0x2C, 0x2C, 0x2E));
+    dark.setColor(QPalette::Text, QColor(0xF5, 0xF5, 0xF7));
+    dark.setColor(QPalette::Button, QColor(0x3A, 0x3A, 0x3C));
+    dark.setColor(QPalette::ButtonText, QColor(0xF5, 0xF5, 0xF7));
+    QGuiApplication::setPalette(dark);
+    QQuickWindow& window = mainWindow();
+    analyseFromTheScreen(window);
+    const QImage image = snapshot(window, DefaultSize, QStringLiteral("home-dark-default"));
+    // The detail's background is the dark window colour, not the light one.
+    EXPECT_LT(qGray(image.pixel(image.width() - 20, image.height() - 20)), 64);
+    QGuiApplication::setPalette(light);
+}

@@ -1,0 +1,165 @@
+#include "../support/ModelWorld.h"
+#include "models/home/HomeSummary.h"
+
+#include <QLocale>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace nubo;
+using namespace nubo::test;
+
+namespace {
+
+// The home screen's summary over the whole temporary machine: real cleanup and apps models, a
+// safe category finding real cache files and a category to review finding a large folder.
+class HomeSummaryTest : public ModelWorld
+{
+protected:
+    void SetUp() override
+    {
+        ModelWorld::SetUp();
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+        m_safe = categoriesSelectedByDefault(true).first();
+        m_review = categoriesSelectedByDefault(false).first();
+        file(QStringLiteral("home/Library/Caches/com.acme/blob"), 4096);
+        file(QStringLiteral("home/Library/Caches/odd \"name\"\\-x/blob"), 4096);
+        file(QStringLiteral("home/Projects/old/data"), 4096);
+        const QString home = m_roots.home;
+        rule(m_safe, [home] {
+            return QList<CleanItem>{
+                CleanItem::atPath(home + QStringLiteral("/Library/Caches/com.acme"), home),
+                CleanItem::atPath(home + QStringLiteral("/Library/Caches/odd \"name\"\\-x"), home)};
+        });
+        // Claimed at discovery just above the line the summary draws.
+        rule(m_review, [home] {
+            return QList<CleanItem>{CleanItem::atPath(home + QStringLiteral("/Projects/old"), home, std::nullopt,
+                                                      52'428'800)};
+        });
+        m_summary.setAppState(&state());
+    }
+    void TearDown() override
+    {
+        m_summary.setAppState(nullptr);
+        QLocale::setDefault(QLocale::c());
+        ModelWorld::TearDown();
+    }
+
+    void analyse()
+    {
+        m_summary.analyze();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !state().isAnalyzing(); }, 10000));
+    }
+
+    [[nodiscard]] QStringList recommendationIds() const
+    {
+        QStringList ids;
+        for (const Recommendation& row : m_summary.recommendations())
+            ids << row.id;
+        return ids;
+    }
+
+    QString m_safe;
+    QString m_review;
+    HomeSummary m_summary;
+};
+
+} // namespace
+
+TEST_F(HomeSummaryTest, BeforeTheFirstAnalysisOnlyTheIntroductionAndTheMap)
+{
+    EXPECT_FALSE(m_summary.hasScanned());
+    EXPECT_FALSE(m_summary.canAnalyzeAgain());
+    EXPECT_TRUE(m_summary.headline().isEmpty());
+    EXPECT_FALSE(m_summary.canCleanSafe());
+    EXPECT_EQ(m_summary.safeButton(), QStringLiteral("Limpiar"));
+    EXPECT_EQ(recommendationIds(), QStringList{QStringLiteral("map")});
+    EXPECT_EQ(m_summary.diskPercent(), 75);
+    EXPECT_EQ(m_summary.diskTone(), QStringLiteral("warning"));
+}
+
+TEST_F(HomeSummaryTest, AnAnalysisFillsTheHeaderTheSafeRowAndTheRecommendations)
+{
+    QSignalSpy changed(&m_summary, &HomeSummary::changed);
+    m_summary.analyze();
+    EXPECT_TRUE(m_summary.hasScanned());
+    EXPECT_EQ(m_summary.headline(), QStringLiteral("Analizando…"));
+    EXPECT_FALSE(m_summary.canAnalyzeAgain()); // not while it runs
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !state().isAnalyzing(); }, 10000));
+    EXPECT_GT(changed.count(), 2);
+
+    EXPECT_TRUE(m_summary.canAnalyzeAgain());
+    EXPECT_EQ(m_summary.safeCount(), 2);
+    EXPECT_GT(m_summary.safeSize(), 0);
+    EXPECT_TRUE(m_summary.safeButton().startsWith(QStringLiteral("Limpiar ")));
+    EXPECT_TRUE(m_summary.headline().endsWith(QStringLiteral(" que puedes recuperar")));
+    EXPECT_EQ(m_summary.zonesLine(), QString::number(state().clean()->categories().size()) +
+                                         QStringLiteral(" zonas revisadas"));
+    // The category to review is listed; the safe one is left to the safe row.
+    EXPECT_EQ(recommendationIds(), (QStringList{QStringLiteral("category:") + m_review, QStringLiteral("map")}));
+    EXPECT_EQ(m_summary.recommendations().first().detail, QStringLiteral("1 elemento · 52,4 MB"));
+}
+
+TEST_F(HomeSummaryTest, RecommendationButtonsGoWhereTheySay)
+{
+    analyse();
+    m_summary.perform(QStringLiteral("category:") + m_review);
+    EXPECT_EQ(state().pane(), Pane::Clean);
+    EXPECT_EQ(state().clean()->path(), QStringList{m_review});
+
+    m_summary.perform(QStringLiteral("map"));
+    EXPECT_EQ(state().pane(), Pane::Map);
+
+    state().setPane(Pane::Home);
+    m_summary.perform(QStringLiteral("no such thing"));
+    EXPECT_EQ(state().pane(), Pane::Home);
+}
+
+TEST_F(HomeSummaryTest, FiveUnusedAppsAreNamedThreeAndOpenTheAppsByLastUse)
+{
+    // Last opened a year ago, as the system's records say.
+    for (const char* name : {"Alfa", "Beta", "Gamma", "Delta", "Eco"}) {
+        const QString relative = QStringLiteral("Applications/%1.app").arg(QString::fromUtf8(name));
+        bundle(relative, QStringLiteral("com.acme.") + QString::fromUtf8(name), 1000);
+        m_metadata.lastUsed.insert(path(relative), QDateTime::currentDateTimeUtc().addDays(-365));
+    }
+    analyse();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return state().apps()->sizesLoaded(); }, 10000));
+    const QList<Recommendation> rows = m_summary.recommendations();
+    const auto unused = std::ranges::find(rows, QStringLiteral("unused"), &Recommendation::id);
+    ASSERT_NE(unused, rows.end());
+    EXPECT_EQ(unused->title, QStringLiteral("5 apps sin usar"));
+    EXPECT_EQ(unused->detail.count(QStringLiteral(", ")), 2);
+    EXPECT_GT(unused->size, 0);
+    m_summary.perform(QStringLiteral("unused"));
+    EXPECT_EQ(state().pane(), Pane::Apps);
+    EXPECT_EQ(state().apps()->sort(), AppsModel::Sort::LastUse);
+}
+
+TEST_F(HomeSummaryTest, TheSafeCleanDeletesOnlyTheSafeSelectionAndReports)
+{
+    analyse();
+    m_summary.cleanSafe();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return state().hasToast(); }, 10000));
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/com.acme")));
+    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/odd \"name\"\\-x")));
+    EXPECT_TRUE(exists(QStringLiteral("home/Projects/old/data")));
+    EXPECT_GT(state().totalFreedThisSession(), 0);
+    EXPECT_EQ(state().toastDetail(), QString());
+    EXPECT_EQ(m_summary.safeCount(), 0);
+    EXPECT_FALSE(m_summary.canCleanSafe());
+
+    // Nothing safe left: a second press deletes nothing and reports nothing.
+    QSignalSpy toasts(&state(), &AppState::toastChanged);
+    m_summary.cleanSafe();
+    QTest::qWait(50);
+    EXPECT_EQ(toasts.count(), 0);
+}
+
+TEST_F(HomeSummaryTest, TheMapRecommendationGoesOnceTheMapHasATree)
+{
+    analyse();
+    ASSERT_TRUE(recommendationIds().contains(QStringLiteral("map")));
+    state().map()->scanHome();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return state().map()->hasTree(); }, 10000));
+    EXPECT_FALSE(recommendationIds().contains(QStringLiteral("map")));
+}
