@@ -44,6 +44,23 @@ const QHash<QString, QStringList>& symbolTable()
         add("exclamationmark.triangle.fill", {"dialog-warning-symbolic", "dialog-warning"});
         add("checkmark", {"object-select-symbolic", "emblem-ok-symbolic"});
         add("minus", {"list-remove-symbolic", "value-decrease-symbolic"});
+        // The space map
+        add("house", {"user-home-symbolic", "go-home-symbolic", "user-home"});
+        add("folder", {"folder-symbolic", "folder"});
+        add("arrow.up", {"go-up-symbolic", "go-up"});
+        add("arrow.clockwise", {"view-refresh-symbolic", "view-refresh"});
+        add("stop.fill", {"media-playback-stop-symbolic", "process-stop-symbolic", "process-stop"});
+        add("sidebar.right", {"sidebar-show-right-symbolic", "view-dual-symbolic", "view-paged-symbolic"});
+        add("chevron.down", {"pan-down-symbolic", "go-down-symbolic"});
+        add("chevron.compact.right", {"pan-end-symbolic", "go-next-symbolic"});
+        add("finder", {"system-file-manager-symbolic", "folder-open-symbolic", "system-file-manager"});
+        add("arrow.up.forward.app", {"document-open-symbolic", "document-open"});
+        add("doc.on.doc", {"edit-copy-symbolic", "edit-copy"});
+        add("checkmark.circle", {"emblem-ok-symbolic", "object-select-symbolic"});
+        add("minus.circle", {"list-remove-symbolic", "value-decrease-symbolic"});
+        add("lock", {"changes-prevent-symbolic", "system-lock-screen-symbolic", "emblem-readonly"});
+        add("info.circle", {"dialog-information-symbolic", "help-about-symbolic", "dialog-information"});
+        add("trash", {"user-trash-symbolic", "edit-delete-symbolic", "user-trash"});
         return t;
     }();
     return table;
