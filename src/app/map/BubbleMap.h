@@ -11,6 +11,7 @@
 #include <QVariantAnimation>
 #include <QtQml/qqmlregistration.h>
 
+#include <atomic>
 #include <unordered_map>
 #include <vector>
 
@@ -57,6 +58,9 @@ public:
     [[nodiscard]] int bubbleCount() const { return int(m_scene.size()); }
     [[nodiscard]] QString toolTip() const { return m_toolTip; }
     [[nodiscard]] QPointF pointer() const { return m_pointer; }
+    /// How long the item itself took to prepare its latest frame (geometry, labels, image), for
+    /// the benchmark; the scene graph's render comes on top.
+    [[nodiscard]] qint64 syncNanoseconds() const { return m_syncNanoseconds.load(); }
 
     /// Where the child bubble named `name` sits in this item (its centre and radius as x, y,
     /// width); an empty rectangle when no child has that name. For tests and tools.
@@ -115,6 +119,15 @@ private:
     [[nodiscard]] Look look(const Drawn& drawn, int role, QColor kind) const;
     [[nodiscard]] Look blended(const Drawn& drawn, QColor kind) const;
     QSGNode* buildGeometry(QSGNode* node);
+    const QImage& sprite(const Look& style, double r, qreal ratio);
+
+    struct PairHash
+    {
+        size_t operator()(const std::pair<quint64, quint64>& key) const
+        {
+            return std::hash<quint64>()(key.first) ^ (std::hash<quint64>()(key.second) * 0x9E3779B97F4A7C15ULL);
+        }
+    };
 
     QPointer<MapModel> m_model;
     BubbleLayout m_layout;
@@ -140,6 +153,8 @@ private:
     QString m_fontFamily;
     int m_zoomDuration = 520;
     QImage m_icons[11];
+    std::atomic<qint64> m_syncNanoseconds{0};
+    std::unordered_map<std::pair<quint64, quint64>, QImage, PairHash> m_sprites;
 };
 
 } // namespace nubo

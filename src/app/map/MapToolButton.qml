@@ -9,6 +9,8 @@ AbstractButton {
     property string help
     property color tint: Theme.textPrimary
     property bool prominent: false
+    // A menu button shows its chevron after the text.
+    property bool symbolTrailing: false
 
     implicitHeight: 30
     implicitWidth: text.length > 0 ? row.implicitWidth + Theme.spacingLarge * 1.5 : 34
@@ -30,6 +32,7 @@ AbstractButton {
         Row {
             id: row
             anchors.centerIn: parent
+            layoutDirection: button.symbolTrailing ? Qt.RightToLeft : Qt.LeftToRight
             spacing: Theme.spacingSmall + 2
             SymbolIcon {
                 anchors.verticalCenter: parent.verticalCenter

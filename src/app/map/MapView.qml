@@ -35,6 +35,7 @@ Item {
                 Layout.fillWidth: true
                 spacing: 2
                 Text {
+                    Layout.fillWidth: true
                     text: "Mapa"
                     color: Theme.textPrimary
                     font.family: Theme.fontFamily
@@ -45,7 +46,6 @@ Item {
                     objectName: "mapSubtitle"
                     Layout.fillWidth: true
                     text: view.model ? view.model.subtitle : ""
-                    visible: text.length > 0
                     elide: Text.ElideRight
                     color: Theme.textSecondary
                     font.family: Theme.fontFamily

@@ -12,6 +12,7 @@ MapToolButton {
     objectName: "scopeMenu"
     text: model ? model.scopeLabel : ""
     symbol: "chevron.down"
+    symbolTrailing: true
     help: "Qué analizar"
     onClicked: menu.open()
 
