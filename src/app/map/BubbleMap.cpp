@@ -479,7 +479,8 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
         const QRectF nameBox(centre.x() - textWidth / 2 - 2, top, textWidth + 4, nameMetrics.height());
         // White reads on the deep colours; the light ones (yellow, sky blue) take dark text.
         const QColor kind = kindColor(drawn.node);
-        const bool lightFill = !folder && !marked && kind.lightnessF() > 0.6 && kind.greenF() > 0.75;
+        const double luminance = 0.299 * kind.redF() + 0.587 * kind.greenF() + 0.114 * kind.blueF();
+        const bool lightFill = !folder && !marked && luminance > 0.68;
         const QColor ink = lightFill ? QColor(0x1D, 0x1D, 0x1F) : m_textColor;
         if (!folder && !lightFill) {
             painter.setPen(QColor(0, 0, 0, 70));

@@ -11,6 +11,8 @@ Menu {
 
     required property MapModel model
 
+    width: 300
+
     component Entry: MenuItem {
         height: visible ? implicitHeight : 0
     }

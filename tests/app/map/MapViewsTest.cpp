@@ -193,7 +193,13 @@ TEST_F(MapViewsTest, TheInspectorBreaksTheHoveredFolderDownByKind)
     EXPECT_EQ(map().inspectedName(), QStringLiteral("Projects"));
     EXPECT_EQ(item(window, QStringLiteral("inspectedCount"))->property("text").toString(),
               QStringLiteral("4 archivos"));
-    snapshots(window, QStringLiteral("map-inspector"));
+    snapshot(window, DefaultSize, QStringLiteral("map-inspector-default"));
+    // The smaller window moves the bubbles: the pointer finds the folder again.
+    window.resize(MinimumSize);
+    QTest::qWait(Settle);
+    hover(window, bubble(window, QStringLiteral("Projects")));
+    EXPECT_EQ(map().inspectedName(), QStringLiteral("Projects"));
+    snapshot(window, MinimumSize, QStringLiteral("map-inspector-minimum"));
 }
 
 TEST_F(MapViewsTest, TappingOpensFoldersMarksFilesAndLeavesTheRestAlone)
