@@ -5,13 +5,13 @@
 // scene graph's sync (the item's own work, printed apart), its render and the read-back of the
 // picture. The painter-only figure is the whole map at rest drawn into an image, without the scene
 // graph.
+#include "BubbleMap.h"
 #include "app/ui/UiEngine.h"
 #include "core/files/SystemRoots.h"
 #include "core/privacy/Privacy.h"
 #include "core/scanner/FileNode.h"
 #include "models/app/Backends.h"
 #include "models/map/MapModel.h"
-#include "BubbleMap.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -45,27 +45,34 @@ std::unique_ptr<FileNode> largestMap(const QString& rootPath)
     qint64 total = 0;
     for (int f = 0; f < 80; ++f) {
         const QString name = QStringLiteral("carpeta-%1").arg(f);
-        auto folder = std::make_unique<FileNode>(name, rootPath + QLatin1Char('/') + name, FileNode::Type::Directory);
+        auto folder =
+            std::make_unique<FileNode>(name, rootPath + QLatin1Char('/') + name, FileNode::Type::Directory);
         std::vector<std::unique_ptr<FileNode>> files;
         qint64 size = 0;
         for (int i = 0; i < 80; ++i) {
-            const QString file = QStringLiteral("archivo-%1.%2").arg(i).arg(QLatin1String(extensions[(f + i) % 8]));
-            auto node = std::make_unique<FileNode>(file, folder->path() + QLatin1Char('/') + file, FileNode::Type::File);
+            const QString file =
+                QStringLiteral("archivo-%1.%2").arg(i).arg(QLatin1String(extensions[(f + i) % 8]));
+            auto node = std::make_unique<FileNode>(file, folder->path() + QLatin1Char('/') + file,
+                                                   FileNode::Type::File);
             node->setSize(qint64(4'000'000 * (1 + 100 * next() * next())));
             node->setFileCount(1);
             size += node->size();
             files.push_back(std::move(node));
         }
-        std::sort(files.begin(), files.end(), [](const auto& a, const auto& b) { return a->size() > b->size(); });
-        FileNode::Children children(std::make_move_iterator(files.begin()), std::make_move_iterator(files.end()));
+        std::sort(files.begin(), files.end(),
+                  [](const auto& a, const auto& b) { return a->size() > b->size(); });
+        FileNode::Children children(std::make_move_iterator(files.begin()),
+                                    std::make_move_iterator(files.end()));
         folder->setChildren(std::move(children));
         folder->setSize(size);
         folder->setFileCount(80);
         total += size;
         folders.push_back(std::move(folder));
     }
-    std::sort(folders.begin(), folders.end(), [](const auto& a, const auto& b) { return a->size() > b->size(); });
-    FileNode::Children children(std::make_move_iterator(folders.begin()), std::make_move_iterator(folders.end()));
+    std::sort(folders.begin(), folders.end(),
+              [](const auto& a, const auto& b) { return a->size() > b->size(); });
+    FileNode::Children children(std::make_move_iterator(folders.begin()),
+                                std::make_move_iterator(folders.end()));
     root->setChildren(std::move(children));
     root->setSize(total);
     root->setFileCount(6400);
@@ -93,8 +100,8 @@ Figures summarise(std::vector<double> ms)
 
 void print(const char* what, const Figures& f)
 {
-    std::printf("%-34s mean %6.2f ms  median %6.2f ms  p95 %6.2f ms  worst %6.2f ms\n", what, f.mean, f.median, f.p95,
-                f.worst);
+    std::printf("%-34s mean %6.2f ms  median %6.2f ms  p95 %6.2f ms  worst %6.2f ms\n", what, f.mean,
+                f.median, f.p95, f.worst);
 }
 
 } // namespace
@@ -113,8 +120,8 @@ int main(int argc, char** argv)
     QTemporaryDir dir;
     const QString home = dir.path() + QStringLiteral("/home");
     QDir().mkpath(home);
-    const SystemRoots roots{home, dir.path() + QStringLiteral("/Library"), dir.path() + QStringLiteral("/tmp"),
-                            dir.path() + QStringLiteral("/Applications"),
+    const SystemRoots roots{home, dir.path() + QStringLiteral("/Library"),
+                            dir.path() + QStringLiteral("/tmp"), dir.path() + QStringLiteral("/Applications"),
                             dir.path() + QStringLiteral("/System/Applications")};
     const Privacy privacy(QStringLiteral("/nowhere"), [] { return true; });
     Backends backends(roots, privacy);
@@ -136,7 +143,8 @@ Window {
 }
 )",
                       QUrl(QStringLiteral("qrc:/bench/map.qml")));
-    std::unique_ptr<QObject> root(component.createWithInitialProperties({{QStringLiteral("model"), QVariant::fromValue(&model)}}));
+    std::unique_ptr<QObject> root(
+        component.createWithInitialProperties({{QStringLiteral("model"), QVariant::fromValue(&model)}}));
     auto* window = qobject_cast<QQuickWindow*>(root.get());
     if (!window) {
         std::fprintf(stderr, "the bench window did not load: %s\n", qPrintable(component.errorString()));
@@ -152,8 +160,9 @@ Window {
     window->show();
     (void)window->grabWindow(); // the first frame loads icons and fonts
 
-    const char* api = window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software ? "software"
-                                                                                                      : "hardware (RHI)";
+    const char* api = window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software
+                          ? "software"
+                          : "hardware (RHI)";
     std::printf("scene graph: %s, window 1280x820, bubbles drawn at rest: %d\n", api, map->bubbleCount());
 
     std::vector<double> itemWork;

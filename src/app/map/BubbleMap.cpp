@@ -47,8 +47,8 @@ QColor withAlpha(QColor colour, double alpha)
 QColor mix(const QColor& a, const QColor& b, double t)
 {
     const auto lerp = [t](float x, float y) { return float(x + (y - x) * t); };
-    return QColor::fromRgbF(lerp(a.redF(), b.redF()), lerp(a.greenF(), b.greenF()), lerp(a.blueF(), b.blueF()),
-                            lerp(a.alphaF(), b.alphaF()));
+    return QColor::fromRgbF(lerp(a.redF(), b.redF()), lerp(a.greenF(), b.greenF()),
+                            lerp(a.blueF(), b.blueF()), lerp(a.alphaF(), b.alphaF()));
 }
 
 int roleIndex(MapScene::Role role)
@@ -122,11 +122,25 @@ void BubbleMap::setZoomProgress(qreal progress)
 
 void BubbleMap::restartZoom()
 {
+    animate(m_zoomDuration, QEasingCurve::InOutCubic);
+}
+
+void BubbleMap::animate(int duration, QEasingCurve::Type easing)
+{
     m_zoom.stop();
     m_progress = 0;
-    m_zoom.setDuration(std::max(1, m_zoomDuration));
+    m_zoom.setEasingCurve(easing);
+    m_zoom.setDuration(std::max(1, duration));
     m_zoom.start();
     update();
+}
+
+PackedCircle BubbleMap::Drawn::at(double t) const
+{
+    if (!moved || t >= 1)
+        return circle;
+    const auto lerp = [t](double a, double b) { return a + (b - a) * t; };
+    return {lerp(before.x, circle.x), lerp(before.y, circle.y), lerp(before.r, circle.r)};
 }
 
 void BubbleMap::rebuild()
@@ -162,8 +176,9 @@ void BubbleMap::loadIcons()
     if (!m_icons[0].isNull())
         return;
     QQmlEngine* engine = qmlEngine(this);
-    auto* provider = engine ? dynamic_cast<QQuickImageProvider*>(engine->imageProvider(QStringLiteral("symbol")))
-                            : nullptr;
+    auto* provider = engine
+                         ? dynamic_cast<QQuickImageProvider*>(engine->imageProvider(QStringLiteral("symbol")))
+                         : nullptr;
     if (!provider)
         return;
     const qreal ratio = window() ? window()->devicePixelRatio() : 2.0;
@@ -177,7 +192,29 @@ void BubbleMap::loadIcons()
 
 void BubbleMap::treeChanged()
 {
+    // A deletion keeps the tree: the bubbles that stay glide to their new places. A new tree
+    // fades in. Only the addresses of the old bubbles are read here, never the nodes, since the
+    // deleted ones are already gone.
+    const FileNode* root = m_model ? m_model->root() : nullptr;
+    const bool sameTree = m_shownRoot && root == m_shownRoot;
+    m_shownRoot = root;
+    std::unordered_map<const FileNode*, PackedCircle> before;
+    if (sameTree) {
+        for (const Drawn& drawn : m_drawn)
+            before.emplace(drawn.node, drawn.at(m_progress));
+    }
     rebuild();
+    if (m_drawn.empty() || !isVisible())
+        return;
+    for (Drawn& drawn : m_drawn) {
+        const auto found = before.find(drawn.node);
+        if (found == before.end())
+            continue;
+        drawn.before = found->second;
+        drawn.moved = true;
+        drawn.roleFrom = drawn.roleTo;
+    }
+    animate(m_reflowDuration, QEasingCurve::OutCubic);
 }
 
 void BubbleMap::currentMoved()
@@ -213,7 +250,7 @@ void BubbleMap::compose(const std::vector<MapScene::Bubble>* from)
     const auto add = [&](const MapScene::Bubble& bubble, bool before) {
         auto [it, fresh] = index.emplace(bubble.node, m_drawn.size());
         if (fresh)
-            m_drawn.push_back({bubble.node, bubble.circle, depthOf(bubble.node), -1, -1});
+            m_drawn.push_back({bubble.node, bubble.circle, depthOf(bubble.node), -1, -1, {}, false});
         Drawn& drawn = m_drawn[it->second];
         (before ? drawn.roleFrom : drawn.roleTo) = roleIndex(bubble.role);
     };
@@ -386,8 +423,9 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
     painter.setRenderHint(QPainter::Antialiasing);
     if (circles) {
         for (const Drawn& drawn : m_drawn) {
-            const double r = place.toView(drawn.circle.r);
-            const QPointF centre = place.toView(drawn.circle.x, drawn.circle.y);
+            const PackedCircle circle = drawn.at(m_progress);
+            const double r = place.toView(circle.r);
+            const QPointF centre = place.toView(circle.x, circle.y);
             if (r < Smallest || !visible.intersects(QRectF(centre.x() - r, centre.y() - r, 2 * r, 2 * r)))
                 continue;
             const Look style = blended(drawn, kindColor(drawn.node));
@@ -406,7 +444,8 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
                 const QImage& disc = sprite(style, r, painter.device()->devicePixelRatioF());
                 const double half = std::ceil(r) + 1;
                 // Whole pixels keep the stamp on the painter's fast path (no resampling).
-                painter.drawImage(QPointF(std::round(centre.x() - half), std::round(centre.y() - half)), disc);
+                painter.drawImage(QPointF(std::round(centre.x() - half), std::round(centre.y() - half)),
+                                  disc);
                 continue;
             }
             const double inset = painter.pen().style() == Qt::NoPen ? 0 : style.strokeWidth / 2;
@@ -418,11 +457,13 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
 
     QFont font(m_fontFamily.isEmpty() ? QFont().family() : m_fontFamily);
     for (const Drawn& drawn : m_drawn) {
-        const double shown = (drawn.roleTo == Child ? m_progress : 0) + (drawn.roleFrom == Child ? 1 - m_progress : 0);
+        const double shown =
+            (drawn.roleTo == Child ? m_progress : 0) + (drawn.roleFrom == Child ? 1 - m_progress : 0);
         if (shown <= 0.01 || (drawn.roleTo != Child && drawn.roleFrom != Child))
             continue;
-        const double r = place.toView(drawn.circle.r);
-        const QPointF centre = place.toView(drawn.circle.x, drawn.circle.y);
+        const PackedCircle circle = drawn.at(m_progress);
+        const double r = place.toView(circle.r);
+        const QPointF centre = place.toView(circle.x, circle.y);
         if (!visible.intersects(QRectF(centre.x() - r, centre.y() - r, 2 * r, 2 * r)))
             continue;
         painter.setOpacity(std::min(1.0, shown));
@@ -438,7 +479,8 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
             check.moveTo(at + QPointF(-b * 0.45, 0));
             check.lineTo(at + QPointF(-b * 0.1, b * 0.35));
             check.lineTo(at + QPointF(b * 0.45, -b * 0.35));
-            painter.setPen(QPen(Qt::white, std::max(1.5, b * 0.22), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+            painter.setPen(
+                QPen(Qt::white, std::max(1.5, b * 0.22), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
             painter.setBrush(Qt::NoBrush);
             painter.drawPath(check);
         }
@@ -511,7 +553,8 @@ const QImage& BubbleMap::sprite(const Look& style, double r, qreal ratio)
     };
     const bool stroked = r > 8 && style.strokeWidth > 0 && style.stroke.alpha() > 0;
     const quint64 first = (quantise(style.fill) << 8) | quint64(halfPixels);
-    const quint64 second = stroked ? (quantise(style.stroke) << 8) | quint64(std::lround(style.strokeWidth * 4)) : 0;
+    const quint64 second =
+        stroked ? (quantise(style.stroke) << 8) | quint64(std::lround(style.strokeWidth * 4)) : 0;
     const auto key = std::make_pair(first, second);
     if (const auto found = m_sprites.find(key); found != m_sprites.end())
         return found->second;
@@ -569,8 +612,9 @@ QSGNode* BubbleMap::buildGeometry(QSGNode* old)
     int vertices = 0;
     int indices = 0;
     for (const Drawn& drawn : m_drawn) {
-        const double r = place.toView(drawn.circle.r);
-        const QPointF centre = place.toView(drawn.circle.x, drawn.circle.y);
+        const PackedCircle circle = drawn.at(m_progress);
+        const double r = place.toView(circle.r);
+        const QPointF centre = place.toView(circle.x, circle.y);
         if (r < Smallest || !visible.intersects(QRectF(centre.x() - r, centre.y() - r, 2 * r, 2 * r)))
             continue;
         Look style = blended(drawn, kindColor(drawn.node));
@@ -592,7 +636,8 @@ QSGNode* BubbleMap::buildGeometry(QSGNode* old)
     quint32* idx = geometry->indexDataAsUInt();
     const auto premultiplied = [](const QColor& c) {
         const float a = c.alphaF();
-        return std::array<uchar, 4>{uchar(std::lround(c.redF() * a * 255)), uchar(std::lround(c.greenF() * a * 255)),
+        return std::array<uchar, 4>{uchar(std::lround(c.redF() * a * 255)),
+                                    uchar(std::lround(c.greenF() * a * 255)),
                                     uchar(std::lround(c.blueF() * a * 255)), uchar(std::lround(a * 255))};
     };
     int base = 0;

@@ -40,6 +40,7 @@ class BubbleMap : public QQuickItem
     Q_PROPERTY(QColor textColor MEMBER m_textColor NOTIFY styleChanged)
     Q_PROPERTY(QString fontFamily MEMBER m_fontFamily NOTIFY styleChanged)
     Q_PROPERTY(int zoomDuration MEMBER m_zoomDuration NOTIFY styleChanged)
+    Q_PROPERTY(int reflowDuration MEMBER m_reflowDuration NOTIFY styleChanged)
     /// How far the running zoom has come, 0 to 1 (1 at rest). Benchmarks drive it by hand.
     Q_PROPERTY(qreal zoomProgress READ zoomProgress WRITE setZoomProgress NOTIFY zoomProgressChanged)
     Q_PROPERTY(int bubbleCount READ bubbleCount NOTIFY sceneChanged)
@@ -105,9 +106,15 @@ private:
         int depth = 0;
         int roleFrom = -1;
         int roleTo = -1;
+        // Where a bubble stood before the tree changed under it (a deletion), so that it moves.
+        PackedCircle before;
+        bool moved = false;
+
+        [[nodiscard]] PackedCircle at(double t) const;
     };
 
     void rebuild();
+    void animate(int duration, QEasingCurve::Type easing);
     void loadIcons();
     void currentMoved();
     void treeChanged();
@@ -125,13 +132,15 @@ private:
     {
         size_t operator()(const std::pair<quint64, quint64>& key) const
         {
-            return std::hash<quint64>()(key.first) ^ (std::hash<quint64>()(key.second) * 0x9E3779B97F4A7C15ULL);
+            return std::hash<quint64>()(key.first) ^
+                   (std::hash<quint64>()(key.second) * 0x9E3779B97F4A7C15ULL);
         }
     };
 
     QPointer<MapModel> m_model;
     BubbleLayout m_layout;
     const FileNode* m_root = nullptr;
+    const FileNode* m_shownRoot = nullptr; // the root of the tree at the last change of revision
     const FileNode* m_current = nullptr;
     std::vector<MapScene::Bubble> m_scene;
     std::vector<Drawn> m_drawn;
@@ -152,6 +161,7 @@ private:
     QColor m_textColor{0xFF, 0xFF, 0xFF};
     QString m_fontFamily;
     int m_zoomDuration = 520;
+    int m_reflowDuration = 450;
     QImage m_icons[11];
     std::atomic<qint64> m_syncNanoseconds{0};
     std::unordered_map<std::pair<quint64, quint64>, QImage, PairHash> m_sprites;

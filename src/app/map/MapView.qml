@@ -132,6 +132,7 @@ Item {
                         textColor: "white"
                         fontFamily: Theme.fontFamily
                         zoomDuration: Theme.zoom.duration
+                        reflowDuration: Theme.reflow.duration
                         onMenuRequested: (x, y) => nodeMenu.popup(bubbles, x, y)
 
                         ToolTip {

@@ -1,6 +1,5 @@
 #include "models/map/MapModel.h"
 
-#include "models/app/Notify.h"
 #include "core/deletion/Deleter.h"
 #include "core/files/NativePath.h"
 #include "core/format/Bytes.h"
@@ -10,6 +9,7 @@
 #include "core/scanner/FileNode.h"
 #include "core/scanner/ScanProgress.h"
 #include "models/app/AppState.h"
+#include "models/app/Notify.h"
 #include "models/map/MapTexts.h"
 #include "platform/Workspace.h"
 

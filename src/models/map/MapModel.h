@@ -7,9 +7,9 @@
 #include <QFuture>
 #include <QObject>
 #include <QSet>
-#include <QVariantList>
 #include <QTimer>
 #include <QUrl>
+#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 #include <memory>
 

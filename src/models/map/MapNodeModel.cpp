@@ -59,13 +59,20 @@ QVariant MapNodeModel::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> MapNodeModel::roleNames() const
 {
     static const QHash<int, QByteArray> names{
-        {int(Role::Name), "name"},           {int(Role::Path), "path"},
-        {int(Role::Size), "size"},           {int(Role::SizeText), "sizeText"},
-        {int(Role::ItemCount), "itemCount"}, {int(Role::IsDirectory), "isDirectory"},
-        {int(Role::IsPackage), "isPackage"}, {int(Role::IsAggregate), "isAggregate"},
-        {int(Role::CanDrill), "canDrill"},   {int(Role::Kind), "kind"},
-        {int(Role::Marked), "marked"},       {int(Role::KindColor), "kindColor"},
-        {int(Role::KindSymbol), "kindSymbol"}, {int(Role::Protected), "isProtected"},
+        {int(Role::Name), "name"},
+        {int(Role::Path), "path"},
+        {int(Role::Size), "size"},
+        {int(Role::SizeText), "sizeText"},
+        {int(Role::ItemCount), "itemCount"},
+        {int(Role::IsDirectory), "isDirectory"},
+        {int(Role::IsPackage), "isPackage"},
+        {int(Role::IsAggregate), "isAggregate"},
+        {int(Role::CanDrill), "canDrill"},
+        {int(Role::Kind), "kind"},
+        {int(Role::Marked), "marked"},
+        {int(Role::KindColor), "kindColor"},
+        {int(Role::KindSymbol), "kindSymbol"},
+        {int(Role::Protected), "isProtected"},
     };
     return names;
 }

@@ -76,7 +76,8 @@ QPointF MapTransform::toUnit(QPointF view) const
 {
     if (m_scale <= 0)
         return {m_camera.x, m_camera.y};
-    return {m_camera.x + (view.x() - m_centre.x()) / m_scale, m_camera.y + (view.y() - m_centre.y()) / m_scale};
+    return {m_camera.x + (view.x() - m_centre.x()) / m_scale,
+            m_camera.y + (view.y() - m_centre.y()) / m_scale};
 }
 
 PackedCircle MapTransform::between(const PackedCircle& from, const PackedCircle& to, double t)

@@ -107,7 +107,6 @@ protected:
         QTest::mouseClick(&window, button, Qt::NoModifier, at);
         QTest::qWait(50);
     }
-
 };
 
 } // namespace
@@ -273,7 +272,9 @@ TEST_F(MapViewsTest, AProtectedFoldersMenuOffersNothingThatDeletes)
     EXPECT_TRUE(menu->property("visible").toBool());
     EXPECT_EQ(map().menuName(), QStringLiteral("Movies"));
     EXPECT_TRUE(map().menuIsProtected());
-    const auto entry = [&](const char* name) { return menu->findChild<QQuickItem*>(QString::fromUtf8(name)); };
+    const auto entry = [&](const char* name) {
+        return menu->findChild<QQuickItem*>(QString::fromUtf8(name));
+    };
     ASSERT_TRUE(entry("menuProtected") && entry("menuMark") && entry("menuOpen"));
     EXPECT_TRUE(entry("menuProtected")->isVisible());
     EXPECT_FALSE(entry("menuProtected")->isEnabled());
@@ -306,4 +307,37 @@ TEST_F(MapViewsTest, CancellingTheFolderPickerChangesNothing)
     EXPECT_FALSE(map().isScanning());
     EXPECT_EQ(map().root(), root);
     EXPECT_EQ(map().scopeLabel(), scope);
+}
+
+// The picture keeps pointing into the tree while it zooms: a deletion and a new scan that land in
+// the middle of a zoom must leave it drawing only what still exists.
+TEST_F(MapViewsTest, DeletionsAndNewTreesInTheMiddleOfAZoomDrawOnlyWhatExists)
+{
+    QQuickWindow& window = mapWindow();
+    scanHome();
+    const FileNode* projects = child(QStringLiteral("Projects"));
+    ASSERT_NE(projects, nullptr);
+    const FileNode* app = nullptr;
+    for (const auto& node : projects->children()) {
+        if (node->name() == QLatin1String("app"))
+            app = node.get();
+    }
+    ASSERT_NE(app, nullptr);
+    map().toggleMark(app);
+    clickAt(window, bubble(window, QStringLiteral("Projects")));
+    ASSERT_EQ(map().current(), projects);
+    map().deleteMarked(); // lands while the zoom runs
+    (void)window.grabWindow();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isDeleting(); }, 10000));
+    (void)window.grabWindow();
+    EXPECT_FALSE(exists(QStringLiteral("home/Projects/app")));
+
+    map().goUp();
+    map().rescan(); // a new tree replaces the old one in the middle of the zoom out
+    (void)window.grabWindow();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isScanning(); }, 10000));
+    QTest::qWait(Settle);
+    const QImage after = window.grabWindow();
+    EXPECT_GT(bubbles(window).property("bubbleCount").toInt(), 10);
+    EXPECT_GT(distinctColours(after), 40);
 }

@@ -338,7 +338,8 @@ TEST_F(MapModelTest, OpeningANameThatIsNotUtf8NamesItsExactBytes)
     map().setMenuNode(odd);
     map().menuOpenWithDefaultApp();
     ASSERT_EQ(m_workspace.openedUrls.size(), 1);
-    EXPECT_TRUE(m_workspace.openedUrls[0].endsWith(QStringLiteral("/odd%FF"))) << m_workspace.openedUrls[0].toStdString();
+    EXPECT_TRUE(m_workspace.openedUrls[0].endsWith(QStringLiteral("/odd%FF")))
+        << m_workspace.openedUrls[0].toStdString();
     ::rmdir(dir.constData());
 }
 

@@ -1,5 +1,5 @@
-#include "core/scanner/FileNode.h"
 #include "models/map/MapScene.h"
+#include "core/scanner/FileNode.h"
 #include "models/map/MapTexts.h"
 
 #include <QLocale>
@@ -43,8 +43,9 @@ struct Home
         add(*projects, QStringLiteral("b.o"), FileNode::Type::File, 200);
         add(*projects, QStringLiteral("c.o"), FileNode::Type::File, 100);
         movie = add(*root, QStringLiteral("trip.mov"), FileNode::Type::File, 300);
-        auto bundle = std::make_unique<FileNode>(QStringLiteral("Tool.app"), QStringLiteral("/Users/ana/Tool.app"),
-                                                 FileNode::Type::Directory, true);
+        auto bundle =
+            std::make_unique<FileNode>(QStringLiteral("Tool.app"), QStringLiteral("/Users/ana/Tool.app"),
+                                       FileNode::Type::Directory, true);
         bundle->setSize(200);
         package = root->addChild(std::move(bundle));
         add(*package, QStringLiteral("Contents"), FileNode::Type::Directory, 200);
@@ -265,7 +266,8 @@ TEST(MapTextsTest, ScanningPathIsShortenedWithoutBreakingCharacters)
     EXPECT_EQ(MapTexts::scanningPath(QStringLiteral("/Users/ana/Music"), home), QStringLiteral("~/Music"));
     EXPECT_EQ(MapTexts::scanningPath(QStringLiteral("/Volumes/x"), home), QStringLiteral("/Volumes/x"));
 
-    const QString deep = QStringLiteral("/Users/ana/") + QStringLiteral("carpeta/").repeated(20) + QStringLiteral("final");
+    const QString deep =
+        QStringLiteral("/Users/ana/") + QStringLiteral("carpeta/").repeated(20) + QStringLiteral("final");
     const QString shown = MapTexts::scanningPath(deep, home, 40);
     EXPECT_LE(shown.size(), 40);
     EXPECT_TRUE(shown.startsWith(QStringLiteral("~/")));
