@@ -92,6 +92,12 @@ QtObject {
     }
 
     // Space map
+    readonly property color mapFrame: dark ? "#232325" : "#F7F7F9"
+    readonly property color mapHover: dark ? "#FFFFFF" : "#1D1D1F"
+    readonly property color mapInspectorBackground: dark ? "#242426" : "#FBFBFD"
+    readonly property int mapInspectorWidth: 300
+    // The part of a breakdown that its largest children leave: the system's gray.
+    readonly property color mapRemainder: dark ? "#48484A" : "#D1D1D6"
 
     // Cleanup and apps screens
 

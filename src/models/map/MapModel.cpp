@@ -1,15 +1,20 @@
 #include "models/map/MapModel.h"
 
-#include "models/app/Notify.h"
 #include "core/deletion/Deleter.h"
+#include "core/files/NativePath.h"
+#include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
 #include "core/safety/Safety.h"
 #include "core/scanner/DiskScanner.h"
 #include "core/scanner/FileNode.h"
 #include "core/scanner/ScanProgress.h"
 #include "models/app/AppState.h"
+#include "models/app/Notify.h"
+#include "models/map/MapTexts.h"
+#include "platform/Workspace.h"
 
 #include <QFileInfo>
+#include <QUrl>
 #include <QtConcurrent/QtConcurrentRun>
 
 namespace nubo {
@@ -42,8 +47,20 @@ QString MapModel::Scope::label() const
 
 MapModel::MapModel(const ModelServices& services, QObject* parent)
     : QObject(parent), m_services(services),
+      m_inspectedRows([this](const FileNode* node) { return isMarked(node); }),
       m_children([this](const FileNode* node) { return isMarked(node); })
 {
+    // The inspector lists a folder's largest children; the rest are in the map.
+    m_inspectedRows.setLimit(8);
+    const auto refused = [this](const FileNode* node) { return isProtected(node); };
+    m_inspectedRows.setProtectTest(refused);
+    m_children.setProtectTest(refused);
+    connect(this, &MapModel::isScanningChanged, this, &MapModel::subtitleChanged);
+    connect(this, &MapModel::scannedFilesChanged, this, &MapModel::subtitleChanged);
+    connect(this, &MapModel::scannedBytesChanged, this, &MapModel::subtitleChanged);
+    connect(this, &MapModel::revisionChanged, this, &MapModel::subtitleChanged);
+    connect(this, &MapModel::scopeChanged, this, &MapModel::subtitleChanged);
+    connect(this, &MapModel::markedChanged, this, &MapModel::menuChanged);
     m_poll.setInterval(services.progressInterval);
     connect(&m_poll, &QTimer::timeout, this, &MapModel::pollProgress);
 }
@@ -150,15 +167,211 @@ void MapModel::setCurrent(const FileNode* node)
         return;
     m_current = node;
     m_children.setFolder(node);
+    setInspected(node);
     emit currentChanged();
+}
+
+void MapModel::setInspected(const FileNode* node)
+{
+    if (node == m_inspected && m_inspectedRows.folder() == node)
+        return;
+    m_inspected = node;
+    m_inspectedRows.setFolder(node);
+    emit inspectedChanged();
 }
 
 void MapModel::setHovered(const FileNode* node)
 {
+    if (node != m_hovered) {
+        m_hovered = node;
+        emit hoveredChanged();
+    }
+    setInspected(node ? node : m_current);
+}
+
+void MapModel::leave(const FileNode* node)
+{
+    if (node && node == m_hovered)
+        setHovered(nullptr);
+}
+
+void MapModel::hoverInspectedRow(int row)
+{
+    const FileNode* node = m_inspectedRows.nodeAt(row);
     if (node == m_hovered)
         return;
     m_hovered = node;
     emit hoveredChanged();
+}
+
+void MapModel::openAncestor(int index)
+{
+    if (!m_current || index < 0)
+        return;
+    const auto chain = m_current->ancestors();
+    if (index < int(chain.size()))
+        setCurrent(chain[size_t(index)]);
+}
+
+void MapModel::unmarkAll()
+{
+    if (!m_isDeleting)
+        clearMarks();
+}
+
+QString MapModel::selectionText() const
+{
+    return MapTexts::selectionCount(markedCount());
+}
+
+QString MapModel::markedSizeText() const
+{
+    return Bytes::string(markedSize());
+}
+
+QString MapModel::subtitle() const
+{
+    if (m_isScanning)
+        return MapTexts::scanningLine(m_scannedFiles, m_scannedBytes);
+    if (!m_root)
+        return {};
+    return MapTexts::mapLine(scopeLabel(), m_root->size(), m_root->fileCount());
+}
+
+QString MapModel::scanningPathText() const
+{
+    return MapTexts::scanningPath(m_scanningPath, m_services.home);
+}
+
+QStringList MapModel::pathNames() const
+{
+    QStringList names;
+    if (m_current) {
+        for (const FileNode* node : m_current->ancestors())
+            names << node->name();
+    }
+    return names;
+}
+
+bool MapModel::isProtected(const FileNode* node) const
+{
+    return node && !m_services.safety.isAllowed(node->path());
+}
+
+bool MapModel::canMark(const FileNode* node) const
+{
+    // The root is the scope itself: the map deletes what is inside it, never the scope.
+    return node && node->parent() && !node->isAggregate() && !isProtected(node);
+}
+
+QString MapModel::inspectedName() const
+{
+    return m_inspected ? m_inspected->name() : QString();
+}
+
+QString MapModel::inspectedSizeText() const
+{
+    return m_inspected ? Bytes::string(m_inspected->size()) : QString();
+}
+
+QString MapModel::inspectedCountText() const
+{
+    return m_inspected ? MapTexts::fileCount(m_inspected->fileCount()) : QString();
+}
+
+QString MapModel::inspectedSymbol() const
+{
+    return m_inspected ? FileKinds::symbol(m_inspected->kind()) : QString();
+}
+
+QString MapModel::inspectedColor() const
+{
+    return m_inspected ? FileKinds::color(m_inspected->kind()) : QString();
+}
+
+QVariantList MapModel::breakdown() const
+{
+    QVariantList list;
+    if (!m_inspected)
+        return list;
+    unsigned named = 0; // one bit per kind already in the legend
+    for (const MapTexts::Segment& segment : MapTexts::breakdown(*m_inspected)) {
+        // The legend names each kind once, however many segments it has.
+        const unsigned bit = 1u << unsigned(segment.kind);
+        const bool first = !segment.remainder && !(named & bit);
+        named |= bit;
+        list.append(QVariantMap{
+            {QStringLiteral("named"), first},
+            {QStringLiteral("color"), segment.remainder ? QString() : FileKinds::color(segment.kind)},
+            {QStringLiteral("fraction"), segment.fraction},
+            {QStringLiteral("label"), segment.remainder ? QString() : FileKinds::label(segment.kind)},
+            {QStringLiteral("remainder"), segment.remainder},
+        });
+    }
+    return list;
+}
+
+void MapModel::setMenuNode(const FileNode* node)
+{
+    if (node == m_menu)
+        return;
+    m_menu = node;
+    emit menuChanged();
+}
+
+QString MapModel::menuName() const
+{
+    return m_menu ? m_menu->name() : QString();
+}
+
+QString MapModel::menuPath() const
+{
+    return m_menu ? m_menu->path() : QString();
+}
+
+bool MapModel::menuCanOpen() const
+{
+    return m_menu && m_menu->canDrill();
+}
+
+bool MapModel::menuIsProtected() const
+{
+    return isProtected(m_menu);
+}
+
+bool MapModel::menuIsMarked() const
+{
+    return isMarked(m_menu);
+}
+
+bool MapModel::menuCanMark() const
+{
+    return !m_isDeleting && canMark(m_menu);
+}
+
+QString MapModel::urlOf(const QString& path) const
+{
+    // A name whose bytes are not UTF-8 is handed over byte for byte, so that the address names
+    // that very item and never a look-alike.
+    if (NativePath::hasEscapedBytes(path))
+        return QStringLiteral("file://") +
+               QString::fromLatin1(NativePath::encode(path).toPercentEncoding(QByteArrayLiteral("/")));
+    return QUrl::fromLocalFile(path).toString();
+}
+
+void MapModel::menuReveal()
+{
+    if (!m_menu || !m_workspace)
+        return;
+    // The file manager opens the folder that holds the item (an aggregate is its folder).
+    const QString folder = m_menu->isAggregate() ? m_menu->path() : QFileInfo(m_menu->path()).path();
+    m_workspace->openUrl(urlOf(folder));
+}
+
+void MapModel::menuOpenWithDefaultApp()
+{
+    if (m_menu && m_workspace)
+        m_workspace->openUrl(urlOf(m_menu->path()));
 }
 
 void MapModel::scan(const Scope& scope)
@@ -193,6 +406,15 @@ void MapModel::scan(const Scope& scope)
                  [this, progress](Tree tree) { land(progress, std::move(tree)); });
 }
 
+void MapModel::scanFolderUrl(const QUrl& url)
+{
+    if (!url.isValid() || !url.isLocalFile())
+        return;
+    const QString path = url.toLocalFile();
+    if (!path.isEmpty())
+        scanFolder(path);
+}
+
 void MapModel::land(const std::shared_ptr<ScanProgress>& progress, Tree tree)
 {
     if (progress != m_progress || progress->isCancelled()) {
@@ -204,12 +426,27 @@ void MapModel::land(const std::shared_ptr<ScanProgress>& progress, Tree tree)
     m_progress.reset();
 
     setHovered(nullptr);
+    setMenuNode(nullptr);
     Tree old = std::exchange(m_root, std::move(tree));
     // The list lets go of the old nodes before they are freed.
     setCurrent(m_root.get());
     discard(std::move(old));
     bumpRevision();
     setScanning(false);
+}
+
+void MapModel::present(std::unique_ptr<FileNode> tree)
+{
+    if (!tree)
+        return;
+    cancelScan();
+    clearMarks();
+    setHovered(nullptr);
+    setMenuNode(nullptr);
+    Tree old = std::exchange(m_root, Tree(std::move(tree)));
+    setCurrent(m_root.get());
+    discard(std::move(old));
+    bumpRevision();
 }
 
 void MapModel::pollProgress()
@@ -256,9 +493,7 @@ void MapModel::goUp()
 
 void MapModel::toggleMark(const FileNode* node)
 {
-    // The root is the scope itself: the map deletes what is inside it, never the scope.
-    if (!node || m_isDeleting || node->isAggregate() || !node->parent() ||
-        !m_services.safety.isAllowed(node->path()))
+    if (m_isDeleting || !canMark(node))
         return;
     feedback(Feedback::Tap);
     if (!m_marked.remove(node))
@@ -314,14 +549,21 @@ void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& re
             };
             if (inside(m_hovered))
                 setHovered(nullptr);
+            if (inside(m_menu))
+                setMenuNode(nullptr);
             if (inside(m_current))
                 setCurrent(parent);
             m_children.forget(node);
+            if (inside(m_inspected))
+                setInspected(m_current);
+            m_inspectedRows.forget(node);
             discard(parent->remove(node));
             changed = true;
         }
         if (changed) {
             m_children.sizesChanged();
+            m_inspectedRows.setFolder(m_inspected);
+            emit inspectedChanged();
             emit markedChanged();
         }
         bumpRevision();

@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QSet>
 #include <QTimer>
+#include <QUrl>
+#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 #include <memory>
 
@@ -16,6 +18,7 @@ namespace nubo {
 class AppState;
 class FileNode;
 class ScanProgress;
+class Workspace;
 struct DeletionResult;
 
 /// The space map's state: what is scanned, the tree it gave, the folder on show, the nodes marked
@@ -45,6 +48,27 @@ class MapModel : public QObject
     Q_PROPERTY(bool isDeleting READ isDeleting NOTIFY isDeletingChanged)
     Q_PROPERTY(qint64 markedSize READ markedSize NOTIFY markedChanged)
     Q_PROPERTY(int markedCount READ markedCount NOTIFY markedChanged)
+    Q_PROPERTY(QString selectionText READ selectionText NOTIFY markedChanged)
+    Q_PROPERTY(QString markedSizeText READ markedSizeText NOTIFY markedChanged)
+    Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
+    Q_PROPERTY(QString scanningPathText READ scanningPathText NOTIFY scanningPathChanged)
+    Q_PROPERTY(QStringList pathNames READ pathNames NOTIFY currentChanged)
+    // The inspector: the bubble under the pointer, else the folder on show.
+    Q_PROPERTY(bool hasInspected READ hasInspected NOTIFY inspectedChanged)
+    Q_PROPERTY(QString inspectedName READ inspectedName NOTIFY inspectedChanged)
+    Q_PROPERTY(QString inspectedSizeText READ inspectedSizeText NOTIFY inspectedChanged)
+    Q_PROPERTY(QString inspectedCountText READ inspectedCountText NOTIFY inspectedChanged)
+    Q_PROPERTY(QString inspectedSymbol READ inspectedSymbol NOTIFY inspectedChanged)
+    Q_PROPERTY(QString inspectedColor READ inspectedColor NOTIFY inspectedChanged)
+    Q_PROPERTY(QVariantList breakdown READ breakdown NOTIFY inspectedChanged)
+    Q_PROPERTY(MapNodeModel* inspectedRows READ inspectedRows CONSTANT)
+    // The node menu's node: a bubble or an inspector row that asked for the menu.
+    Q_PROPERTY(QString menuName READ menuName NOTIFY menuChanged)
+    Q_PROPERTY(QString menuPath READ menuPath NOTIFY menuChanged)
+    Q_PROPERTY(bool menuCanOpen READ menuCanOpen NOTIFY menuChanged)
+    Q_PROPERTY(bool menuIsProtected READ menuIsProtected NOTIFY menuChanged)
+    Q_PROPERTY(bool menuIsMarked READ menuIsMarked NOTIFY menuChanged)
+    Q_PROPERTY(bool menuCanMark READ menuCanMark NOTIFY menuChanged)
 
 public:
     /// What is scanned: the home folder, a folder of the user's choice, or the whole disk.
@@ -71,6 +95,9 @@ public:
 
     /// The owner that hears of every deletion; set once, not owned.
     void setApp(AppState* app) { m_app = app; }
+    /// Where "Mostrar en Finder" and "Abrir con la app predeterminada" go; without one they do
+    /// nothing. Not owned.
+    void setWorkspace(Workspace* workspace) { m_workspace = workspace; }
 
     [[nodiscard]] const Scope& scope() const { return m_scope; }
     [[nodiscard]] QString scopeLabel() const { return m_scope.label(); }
@@ -95,6 +122,36 @@ public:
     /// What deleting the marks would free: a node marked inside another marked one is counted once.
     [[nodiscard]] qint64 markedSize() const;
     [[nodiscard]] int markedCount() const { return int(m_marked.size()); }
+    [[nodiscard]] QString selectionText() const;
+    [[nodiscard]] QString markedSizeText() const;
+    [[nodiscard]] QString subtitle() const;
+    [[nodiscard]] QString scanningPathText() const;
+    /// The names from the scan's root down to the folder on show.
+    [[nodiscard]] QStringList pathNames() const;
+    /// Whether the safety gate refuses to delete the node.
+    [[nodiscard]] bool isProtected(const FileNode* node) const;
+    /// Whether a node may be marked at all: not the root, not an aggregate, not protected.
+    [[nodiscard]] bool canMark(const FileNode* node) const;
+
+    [[nodiscard]] const FileNode* inspected() const { return m_inspected; }
+    [[nodiscard]] bool hasInspected() const { return m_inspected != nullptr; }
+    [[nodiscard]] QString inspectedName() const;
+    [[nodiscard]] QString inspectedSizeText() const;
+    [[nodiscard]] QString inspectedCountText() const;
+    [[nodiscard]] QString inspectedSymbol() const;
+    [[nodiscard]] QString inspectedColor() const;
+    /// The inspected node's bar: one entry per segment with "color", "fraction", "label" and
+    /// "remainder".
+    [[nodiscard]] QVariantList breakdown() const;
+    [[nodiscard]] MapNodeModel* inspectedRows() { return &m_inspectedRows; }
+
+    [[nodiscard]] const FileNode* menuNode() const { return m_menu; }
+    [[nodiscard]] QString menuName() const;
+    [[nodiscard]] QString menuPath() const;
+    [[nodiscard]] bool menuCanOpen() const;
+    [[nodiscard]] bool menuIsProtected() const;
+    [[nodiscard]] bool menuIsMarked() const;
+    [[nodiscard]] bool menuCanMark() const;
 
     /// Starts scanning `scope`, abandoning any running scan and clearing the marks; the tree on
     /// show stays until the new one lands.
@@ -102,18 +159,49 @@ public:
     Q_INVOKABLE void scanHome() { scan({}); }
     Q_INVOKABLE void scanDisk() { scan({Scope::Kind::Disk, {}}); }
     Q_INVOKABLE void scanFolder(const QString& path) { scan({Scope::Kind::Folder, path}); }
+    /// The folder picker's answer: a local folder is scanned; anything else (a cancelled
+    /// picker's empty address, a remote one) changes nothing.
+    Q_INVOKABLE void scanFolderUrl(const QUrl& url);
     /// Scans the current scope again (the menu's "Escanear de nuevo").
     Q_INVOKABLE void rescan() { scan(m_scope); }
     /// Stops the running scan; the tree from before stays.
     Q_INVOKABLE void cancelScan();
+    /// Shows a tree built elsewhere as if a scan had just produced it (the drawing benchmark's
+    /// synthetic trees): any running scan stops and the marks go.
+    void present(std::unique_ptr<FileNode> tree);
 
     /// Shows a folder's contents, when it is a folder with something to open.
     void open(const FileNode* node);
     Q_INVOKABLE void openRow(int row) { open(m_children.nodeAt(row)); }
     /// Shows the parent of the folder on show; nothing at the root.
     Q_INVOKABLE void goUp();
+    /// The node under the pointer on the map (null when the pointer left the bubbles); the
+    /// inspector then describes it.
     void setHovered(const FileNode* node);
+    /// Clears the hover only when `node` is still the hovered one: leaving a bubble after the
+    /// pointer has entered another keeps the other.
+    void leave(const FileNode* node);
     Q_INVOKABLE void hoverRow(int row) { setHovered(m_children.nodeAt(row)); }
+    /// An inspector row under the pointer: highlighted on the map, while the inspector keeps
+    /// describing the node it shows (its rows stay where the pointer is). -1 leaves.
+    Q_INVOKABLE void hoverInspectedRow(int row);
+    Q_INVOKABLE void openInspectedRow(int row) { open(m_inspectedRows.nodeAt(row)); }
+    Q_INVOKABLE void toggleMarkInspectedRow(int row) { toggleMark(m_inspectedRows.nodeAt(row)); }
+    /// Opens the folder `index` steps below the root on the path (0 is the root).
+    Q_INVOKABLE void openAncestor(int index);
+    /// Empties the marks ("Desmarcar"); nothing during a deletion.
+    Q_INVOKABLE void unmarkAll();
+
+    /// Chooses the node menu's node.
+    void setMenuNode(const FileNode* node);
+    Q_INVOKABLE void menuForInspectedRow(int row) { setMenuNode(m_inspectedRows.nodeAt(row)); }
+    Q_INVOKABLE void menuForRow(int row) { setMenuNode(m_children.nodeAt(row)); }
+    Q_INVOKABLE void menuOpen() { open(m_menu); }
+    Q_INVOKABLE void menuToggleMark() { toggleMark(m_menu); }
+    /// Shows the item in the file manager.
+    Q_INVOKABLE void menuReveal();
+    /// Opens the item with the application the system chooses for it.
+    Q_INVOKABLE void menuOpenWithDefaultApp();
 
     /// Marks or unmarks a node. Aggregates, the scan's root and what the safety gate refuses are
     /// never marked; nothing changes during a deletion.
@@ -134,6 +222,9 @@ signals:
     void revisionChanged();
     void isDeletingChanged();
     void markedChanged();
+    void subtitleChanged();
+    void inspectedChanged();
+    void menuChanged();
 
 private:
     using Tree = std::shared_ptr<FileNode>;
@@ -143,6 +234,8 @@ private:
                         const DeletionResult& result);
     void pollProgress();
     void setCurrent(const FileNode* node);
+    void setInspected(const FileNode* node);
+    [[nodiscard]] QString urlOf(const QString& path) const;
     void setScanning(bool scanning);
     void setDeleting(bool deleting);
     void clearMarks();
@@ -158,6 +251,10 @@ private:
     Tree m_root;
     const FileNode* m_current = nullptr;
     const FileNode* m_hovered = nullptr;
+    const FileNode* m_inspected = nullptr;
+    const FileNode* m_menu = nullptr;
+    Workspace* m_workspace = nullptr;
+    MapNodeModel m_inspectedRows;
     QSet<const FileNode*> m_marked;
     MapNodeModel m_children;
     std::shared_ptr<ScanProgress> m_progress;

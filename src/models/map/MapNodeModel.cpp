@@ -46,6 +46,12 @@ QVariant MapNodeModel::data(const QModelIndex& index, int role) const
         return int(node->kind());
     case Role::Marked:
         return m_isMarked(node);
+    case Role::KindColor:
+        return FileKinds::color(node->kind());
+    case Role::KindSymbol:
+        return FileKinds::symbol(node->kind());
+    case Role::Protected:
+        return m_isProtected && m_isProtected(node);
     }
     return {};
 }
@@ -53,12 +59,20 @@ QVariant MapNodeModel::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> MapNodeModel::roleNames() const
 {
     static const QHash<int, QByteArray> names{
-        {int(Role::Name), "name"},           {int(Role::Path), "path"},
-        {int(Role::Size), "size"},           {int(Role::SizeText), "sizeText"},
-        {int(Role::ItemCount), "itemCount"}, {int(Role::IsDirectory), "isDirectory"},
-        {int(Role::IsPackage), "isPackage"}, {int(Role::IsAggregate), "isAggregate"},
-        {int(Role::CanDrill), "canDrill"},   {int(Role::Kind), "kind"},
+        {int(Role::Name), "name"},
+        {int(Role::Path), "path"},
+        {int(Role::Size), "size"},
+        {int(Role::SizeText), "sizeText"},
+        {int(Role::ItemCount), "itemCount"},
+        {int(Role::IsDirectory), "isDirectory"},
+        {int(Role::IsPackage), "isPackage"},
+        {int(Role::IsAggregate), "isAggregate"},
+        {int(Role::CanDrill), "canDrill"},
+        {int(Role::Kind), "kind"},
         {int(Role::Marked), "marked"},
+        {int(Role::KindColor), "kindColor"},
+        {int(Role::KindSymbol), "kindSymbol"},
+        {int(Role::Protected), "isProtected"},
     };
     return names;
 }
@@ -70,8 +84,11 @@ void MapNodeModel::setFolder(const FileNode* folder)
     m_folder = folder;
     m_rows.clear();
     if (folder) {
-        for (const auto& child : folder->children())
+        for (const auto& child : folder->children()) {
+            if (m_limit > 0 && int(m_rows.size()) == m_limit)
+                break;
             m_rows.push_back(child.get());
+        }
     }
     endResetModel();
 }

@@ -33,12 +33,19 @@ public:
         CanDrill,
         Kind,
         Marked,
+        KindColor,
+        KindSymbol,
+        Protected,
     };
     Q_ENUM(Role)
 
     using MarkTest = std::function<bool(const FileNode*)>;
 
     explicit MapNodeModel(MarkTest isMarked, QObject* parent = nullptr);
+    /// Says which rows the safety gate refuses (drawn with a lock); none without it.
+    void setProtectTest(MarkTest isProtected) { m_isProtected = std::move(isProtected); }
+    /// Shows at most this many rows (the largest); 0 shows all.
+    void setLimit(int limit) { m_limit = limit; }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -58,6 +65,8 @@ public:
 
 private:
     MarkTest m_isMarked;
+    MarkTest m_isProtected;
+    int m_limit = 0;
     const FileNode* m_folder = nullptr;
     std::vector<const FileNode*> m_rows;
 };

@@ -61,6 +61,22 @@ const QHash<QString, QStringList>& symbolTable()
         add("exclamationmark.octagon", {"process-stop-symbolic", "dialog-warning-symbolic"});
         add("macwindow", {"focus-windows-symbolic", "window-new-symbolic"});
         add("chevron.right", {"go-next-symbolic", "pan-end-symbolic"});
+        // The space map
+        add("house", {"user-home-symbolic", "go-home-symbolic", "user-home"});
+        add("folder", {"folder-symbolic", "folder"});
+        add("arrow.up", {"go-up-symbolic", "go-up"});
+        add("stop.fill", {"media-playback-stop-symbolic", "process-stop-symbolic", "process-stop"});
+        add("sidebar.right", {"sidebar-show-right-symbolic", "view-dual-symbolic", "view-paged-symbolic"});
+        add("chevron.down", {"pan-down-symbolic", "go-down-symbolic"});
+        add("chevron.compact.right", {"pan-end-symbolic", "go-next-symbolic"});
+        add("finder", {"system-file-manager-symbolic", "folder-open-symbolic", "system-file-manager"});
+        add("arrow.up.forward.app", {"document-open-symbolic", "document-open"});
+        add("doc.on.doc", {"edit-copy-symbolic", "edit-copy"});
+        add("checkmark.circle", {"emblem-ok-symbolic", "object-select-symbolic"});
+        add("minus.circle", {"list-remove-symbolic", "value-decrease-symbolic"});
+        add("lock", {"changes-prevent-symbolic", "system-lock-screen-symbolic", "emblem-readonly"});
+        add("info.circle", {"dialog-information-symbolic", "help-about-symbolic", "dialog-information"});
+        add("trash", {"user-trash-symbolic", "edit-delete-symbolic", "user-trash"});
         return t;
     }();
     return table;

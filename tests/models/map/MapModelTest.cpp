@@ -262,3 +262,115 @@ TEST_F(MapModelTest, ANameThatIsNotUtf8IsDeletedAndItsLookAlikeIsNot)
     ::unlink((base + "/odd\xfe/data").constData());
     ::rmdir((base + "/odd\xfe").constData());
 }
+
+TEST_F(MapModelTest, TheInspectorFollowsTheMapsPointerButNotItsOwnRows)
+{
+    scanHomeAndWait();
+    const FileNode* projects = find(QStringLiteral("/Projects"));
+    const FileNode* caches = find(QStringLiteral("/Library"));
+    EXPECT_EQ(map().inspected(), map().root());
+
+    // The pointer on a bubble: the inspector describes it and lists its children.
+    map().setHovered(projects);
+    EXPECT_EQ(map().inspected(), projects);
+    EXPECT_EQ(map().inspectedName(), QStringLiteral("Projects"));
+    EXPECT_EQ(map().inspectedRows()->folder(), projects);
+
+    // Entering another bubble before leaving the first keeps the second.
+    map().setHovered(caches);
+    map().leave(projects);
+    EXPECT_EQ(map().hovered(), caches);
+    EXPECT_EQ(map().inspected(), caches);
+    map().leave(caches);
+    EXPECT_EQ(map().hovered(), nullptr);
+    EXPECT_EQ(map().inspected(), map().root());
+
+    // A row under the pointer lights up on the map, while the rows stay those of the folder.
+    QSignalSpy inspected(&map(), &MapModel::inspectedChanged);
+    map().hoverInspectedRow(0);
+    EXPECT_EQ(map().hovered(), map().inspectedRows()->nodeAt(0));
+    EXPECT_EQ(map().inspected(), map().root());
+    map().hoverInspectedRow(-1);
+    EXPECT_EQ(map().hovered(), nullptr);
+    EXPECT_EQ(inspected.count(), 0);
+}
+
+TEST_F(MapModelTest, TheNodeMenuActsThroughTheWorkspaceAndForgetsDeletedNodes)
+{
+    map().setWorkspace(&m_workspace);
+    scanHomeAndWait();
+    const FileNode* big = find(QStringLiteral("/Projects/big"));
+    const FileNode* library = find(QStringLiteral("/home/Library"));
+
+    map().setMenuNode(library);
+    EXPECT_TRUE(map().menuIsProtected());
+    EXPECT_FALSE(map().menuCanMark());
+    map().menuToggleMark();
+    EXPECT_EQ(map().markedCount(), 0);
+
+    map().setMenuNode(big);
+    EXPECT_TRUE(map().menuCanOpen());
+    EXPECT_FALSE(map().menuIsProtected());
+    map().menuReveal();
+    map().menuOpenWithDefaultApp();
+    ASSERT_EQ(m_workspace.openedUrls.size(), 2);
+    EXPECT_EQ(QUrl(m_workspace.openedUrls[0]).toLocalFile(), home(QStringLiteral("Projects")));
+    EXPECT_EQ(QUrl(m_workspace.openedUrls[1]).toLocalFile(), big->path());
+    map().menuToggleMark();
+    EXPECT_TRUE(map().menuIsMarked());
+
+    map().deleteMarked();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isDeleting(); }, 10000));
+    EXPECT_EQ(map().menuNode(), nullptr);
+    EXPECT_EQ(map().menuPath(), QString());
+    map().menuReveal(); // on nothing: nothing happens
+    EXPECT_EQ(m_workspace.openedUrls.size(), 2);
+}
+
+TEST_F(MapModelTest, OpeningANameThatIsNotUtf8NamesItsExactBytes)
+{
+    map().setWorkspace(&m_workspace);
+    const QByteArray dir = QFile::encodeName(home(QStringLiteral("Projects"))) + "/odd\xff";
+    ASSERT_EQ(::mkdir(dir.constData(), 0755), 0);
+    scanHomeAndWait();
+    const FileNode* odd = find(NativePath::decode("odd\xff"));
+    ASSERT_NE(odd, nullptr);
+    map().setMenuNode(odd);
+    map().menuOpenWithDefaultApp();
+    ASSERT_EQ(m_workspace.openedUrls.size(), 1);
+    EXPECT_TRUE(m_workspace.openedUrls[0].endsWith(QStringLiteral("/odd%FF")))
+        << m_workspace.openedUrls[0].toStdString();
+    ::rmdir(dir.constData());
+}
+
+TEST_F(MapModelTest, ACancelledFolderPickerChangesNothing)
+{
+    scanHomeAndWait();
+    const FileNode* root = map().root();
+    QSignalSpy scope(&map(), &MapModel::scopeChanged);
+    QSignalSpy scanning(&map(), &MapModel::isScanningChanged);
+    map().scanFolderUrl(QUrl());
+    map().scanFolderUrl(QUrl(QStringLiteral("https://example.com/folder")));
+    EXPECT_EQ(scope.count(), 0);
+    EXPECT_EQ(scanning.count(), 0);
+    EXPECT_EQ(map().root(), root);
+
+    map().scanFolderUrl(QUrl::fromLocalFile(home(QStringLiteral("Projects"))));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isScanning(); }, 10000));
+    EXPECT_EQ(map().scopeLabel(), QStringLiteral("Projects"));
+    EXPECT_EQ(map().root()->path(), home(QStringLiteral("Projects")));
+}
+
+TEST_F(MapModelTest, SelectionAndSubtitleTexts)
+{
+    scanHomeAndWait();
+    EXPECT_TRUE(map().subtitle().startsWith(QStringLiteral("Tu carpeta · ")));
+    map().toggleMark(find(QStringLiteral("/Projects/big")));
+    EXPECT_EQ(map().selectionText(), QStringLiteral("1 elemento"));
+    map().toggleMark(find(QStringLiteral("/Projects/keep")));
+    map().toggleMark(find(QStringLiteral("/Library/Caches/app")));
+    EXPECT_EQ(map().selectionText(), QStringLiteral("3 elementos"));
+    map().unmarkAll();
+    EXPECT_EQ(map().markedCount(), 0);
+    EXPECT_EQ(map().markedSizeText(), QStringLiteral("0 KB"));
+}

@@ -1,0 +1,217 @@
+// nubo-map-draw-bench: draws the largest space map (80 folders of 80 files each, about 6,500
+// bubbles) offscreen and times 100 frames of the zoom into one folder and 100 of the zoom back.
+// Usage: nubo-map-draw-bench [software|opengl]  (default software; the window is offscreen unless
+// QT_QPA_PLATFORM says otherwise). A frame is one grab of the window after a step of the zoom: the
+// scene graph's sync (the item's own work, printed apart), its render and the read-back of the
+// picture. The painter-only figure is the whole map at rest drawn into an image, without the scene
+// graph.
+#include "BubbleMap.h"
+#include "app/ui/UiEngine.h"
+#include "core/files/SystemRoots.h"
+#include "core/privacy/Privacy.h"
+#include "core/scanner/FileNode.h"
+#include "models/app/Backends.h"
+#include "models/map/MapModel.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QQmlApplicationEngine>
+#include <QQmlComponent>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <numeric>
+#include <vector>
+
+using namespace nubo;
+
+namespace {
+
+// Sizes vary over two orders of magnitude, the way a real home's folders do.
+std::unique_ptr<FileNode> largestMap(const QString& rootPath)
+{
+    const char* extensions[] = {"mov", "png", "mp3", "zip", "pdf", "o", "txt", "dmg"};
+    quint64 seed = 42;
+    const auto next = [&seed] {
+        seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+        return double(seed >> 11) / double(1ULL << 53);
+    };
+    auto root = std::make_unique<FileNode>(QStringLiteral("Tu carpeta"), rootPath, FileNode::Type::Directory);
+    std::vector<std::unique_ptr<FileNode>> folders;
+    qint64 total = 0;
+    for (int f = 0; f < 80; ++f) {
+        const QString name = QStringLiteral("carpeta-%1").arg(f);
+        auto folder =
+            std::make_unique<FileNode>(name, rootPath + QLatin1Char('/') + name, FileNode::Type::Directory);
+        std::vector<std::unique_ptr<FileNode>> files;
+        qint64 size = 0;
+        for (int i = 0; i < 80; ++i) {
+            const QString file =
+                QStringLiteral("archivo-%1.%2").arg(i).arg(QLatin1String(extensions[(f + i) % 8]));
+            auto node = std::make_unique<FileNode>(file, folder->path() + QLatin1Char('/') + file,
+                                                   FileNode::Type::File);
+            node->setSize(qint64(4'000'000 * (1 + 100 * next() * next())));
+            node->setFileCount(1);
+            size += node->size();
+            files.push_back(std::move(node));
+        }
+        std::sort(files.begin(), files.end(),
+                  [](const auto& a, const auto& b) { return a->size() > b->size(); });
+        FileNode::Children children(std::make_move_iterator(files.begin()),
+                                    std::make_move_iterator(files.end()));
+        folder->setChildren(std::move(children));
+        folder->setSize(size);
+        folder->setFileCount(80);
+        total += size;
+        folders.push_back(std::move(folder));
+    }
+    std::sort(folders.begin(), folders.end(),
+              [](const auto& a, const auto& b) { return a->size() > b->size(); });
+    FileNode::Children children(std::make_move_iterator(folders.begin()),
+                                std::make_move_iterator(folders.end()));
+    root->setChildren(std::move(children));
+    root->setSize(total);
+    root->setFileCount(6400);
+    return root;
+}
+
+struct Figures
+{
+    double mean = 0;
+    double median = 0;
+    double p95 = 0;
+    double worst = 0;
+};
+
+Figures summarise(std::vector<double> ms)
+{
+    std::sort(ms.begin(), ms.end());
+    Figures f;
+    f.mean = std::accumulate(ms.begin(), ms.end(), 0.0) / double(ms.size());
+    f.median = ms[ms.size() / 2];
+    f.p95 = ms[std::min(ms.size() - 1, size_t(double(ms.size()) * 0.95))];
+    f.worst = ms.back();
+    return f;
+}
+
+void print(const char* what, const Figures& f)
+{
+    std::printf("%-34s mean %6.2f ms  median %6.2f ms  p95 %6.2f ms  worst %6.2f ms\n", what, f.mean,
+                f.median, f.p95, f.worst);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QByteArray backend = argc > 1 ? QByteArray(argv[1]) : QByteArray("software");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (backend == "software")
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    else
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+    QGuiApplication app(argc, argv);
+
+    QTemporaryDir dir;
+    const QString home = dir.path() + QStringLiteral("/home");
+    QDir().mkpath(home);
+    const SystemRoots roots{home, dir.path() + QStringLiteral("/Library"),
+                            dir.path() + QStringLiteral("/tmp"), dir.path() + QStringLiteral("/Applications"),
+                            dir.path() + QStringLiteral("/System/Applications")};
+    const Privacy privacy(QStringLiteral("/nowhere"), [] { return true; });
+    Backends backends(roots, privacy);
+    MapModel model(backends.services());
+    model.present(largestMap(home));
+
+    QQmlApplicationEngine engine;
+    UiEngine::configure(engine);
+    QQmlComponent component(&engine);
+    component.setData(R"(
+import QtQuick
+import Nubo
+import Nubo.Models
+Window {
+    id: root
+    required property MapModel model
+    width: 1280; height: 820; visible: true; color: "white"
+    BubbleMap { objectName: "map"; width: root.width; height: root.height; model: root.model; zoomDuration: 3600000 }
+}
+)",
+                      QUrl(QStringLiteral("qrc:/bench/map.qml")));
+    std::unique_ptr<QObject> root(
+        component.createWithInitialProperties({{QStringLiteral("model"), QVariant::fromValue(&model)}}));
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    if (!window) {
+        std::fprintf(stderr, "the bench window did not load: %s\n", qPrintable(component.errorString()));
+        return 1;
+    }
+    auto* map = window->findChild<BubbleMap*>(QStringLiteral("map"));
+    if (!map)
+        map = window->contentItem()->findChild<BubbleMap*>(QStringLiteral("map"));
+    if (!map) {
+        std::fprintf(stderr, "no bubble map in the bench window\n");
+        return 1;
+    }
+    window->show();
+    (void)window->grabWindow(); // the first frame loads icons and fonts
+
+    const char* api = window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software
+                          ? "software"
+                          : "hardware (RHI)";
+    std::printf("scene graph: %s, window 1280x820, bubbles drawn at rest: %d\n", api, map->bubbleCount());
+
+    std::vector<double> itemWork;
+    const auto zoom = [&](const FileNode* to) {
+        std::vector<double> frames;
+        if (to)
+            model.open(to);
+        else
+            model.goUp();
+        for (int i = 0; i < 100; ++i) {
+            map->setZoomProgress(i / 99.0);
+            QElapsedTimer timer;
+            timer.start();
+            const QImage frame = window->grabWindow();
+            frames.push_back(double(timer.nsecsElapsed()) / 1e6);
+            itemWork.push_back(double(map->syncNanoseconds()) / 1e6);
+            if (frame.isNull())
+                std::fprintf(stderr, "frame %d came back empty\n", i);
+        }
+        return frames;
+    };
+    const FileNode* biggest = model.root()->children().front().get();
+    print("zoom in, 100 frames", summarise(zoom(biggest)));
+    print("zoom out, 100 frames", summarise(zoom(nullptr)));
+    print("  of which the item's own work", summarise(itemWork));
+
+    // The painter path alone, at rest on the root, into an image the size of the window.
+    std::vector<double> painted;
+    QImage image(1280, 820, QImage::Format_ARGB32_Premultiplied);
+    for (int i = 0; i < 100; ++i) {
+        image.fill(Qt::transparent);
+        QElapsedTimer timer;
+        timer.start();
+        QPainter painter(&image);
+        map->paintBubbles(painter, QSizeF(1280, 820), true, true);
+        painter.end();
+        painted.push_back(double(timer.nsecsElapsed()) / 1e6);
+    }
+    print("painter only, 100 frames at rest", summarise(painted));
+    painted.clear();
+    for (int i = 0; i < 100; ++i) {
+        image.fill(Qt::transparent);
+        QElapsedTimer timer;
+        timer.start();
+        QPainter painter(&image);
+        map->paintBubbles(painter, QSizeF(1280, 820), true, false);
+        painter.end();
+        painted.push_back(double(timer.nsecsElapsed()) / 1e6);
+    }
+    print("  of which the discs", summarise(painted));
+    return 0;
+}
