@@ -1,0 +1,67 @@
+#include "models/clean/CleanTexts.h"
+
+#include "core/format/Bytes.h"
+#include "models/text/Counts.h"
+
+namespace nubo::CleanTexts {
+
+QString overviewLine(bool scanning, qint64 totalFound)
+{
+    if (scanning)
+        return QStringLiteral("Analizando…");
+    return Bytes::string(totalFound) + QStringLiteral(" encontrados");
+}
+
+QString summaryHeading(bool scanning)
+{
+    return scanning ? QStringLiteral("Buscando espacio…") : QStringLiteral("Puedes liberar");
+}
+
+QString progressLine(int categoryCount, int loadingCount)
+{
+    const int total = qMax(0, categoryCount);
+    const int finished = qBound(0, total - loadingCount, total);
+    return QString::number(finished) + QStringLiteral(" de ") + QString::number(total)
+         + QStringLiteral(" zonas revisadas");
+}
+
+QString selectionLine(qint64 selectedCount)
+{
+    if (selectedCount == 1)
+        return QStringLiteral("1 elemento seleccionado");
+    return QString::number(selectedCount) + QStringLiteral(" elementos seleccionados");
+}
+
+QString categoryHelp(bool allSelected)
+{
+    return allSelected ? QStringLiteral("No limpiar") : QStringLiteral("Limpiar todo");
+}
+
+QString categoryCount(bool loading, qint64 count)
+{
+    if (loading)
+        return {};
+    if (count == 0)
+        return QStringLiteral("Nada que limpiar");
+    return Counts::items(count);
+}
+
+QString detailCountLine(qint64 selectedCount, qint64 count)
+{
+    return QString::number(selectedCount) + QStringLiteral(" de ") + QString::number(count)
+         + QStringLiteral(" seleccionados");
+}
+
+QString toggleAllLabel(bool allSelected)
+{
+    return allSelected ? QStringLiteral("Desmarcar todo") : QStringLiteral("Marcar todo");
+}
+
+QString itemSymbol(bool isCommand, bool isFolder)
+{
+    if (isCommand)
+        return QStringLiteral("terminal.fill");
+    return isFolder ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill");
+}
+
+} // namespace nubo::CleanTexts
