@@ -138,6 +138,7 @@ Item {
                 Layout.fillWidth: true
                 spacing: Theme.spacingSmall
                 RowLayout {
+                    Layout.fillWidth: true
                     spacing: Theme.spacingSmall + 2
                     SymbolIcon { symbol: "exclamationmark.triangle.fill"; size: 12; tint: Theme.orange }
                     Text {
@@ -146,10 +147,11 @@ Item {
                         color: Theme.textSecondary
                         font.family: Theme.fontFamily
                         font.pixelSize: Theme.fontSizeCaption
-                        elide: Text.ElideRight
+                        wrapMode: Text.WordWrap
                     }
                 }
                 RowLayout {
+                    Layout.fillWidth: true
                     spacing: Theme.spacingSmall + 2
                     SymbolIcon { symbol: "lock.fill"; size: 12; tint: Theme.textSecondary }
                     Text {
@@ -158,7 +160,7 @@ Item {
                         color: Theme.textSecondary
                         font.family: Theme.fontFamily
                         font.pixelSize: Theme.fontSizeCaption
-                        elide: Text.ElideRight
+                        wrapMode: Text.WordWrap
                     }
                 }
             }

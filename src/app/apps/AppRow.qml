@@ -43,6 +43,7 @@ Rectangle {
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
                 textFormat: Text.PlainText
+                maximumLineCount: 1
             }
             Text {
                 Layout.fillWidth: true

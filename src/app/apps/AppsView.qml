@@ -21,11 +21,13 @@ Item {
         spacing: 0
 
         ColumnLayout {
+            // Narrower on a small window, so the removal list keeps room for its paths.
+            readonly property int listWidth: Math.min(Theme.appsListWidth, Math.round(view.width * 0.38))
             // A nested layout would stretch with its children: the list keeps its own width.
             Layout.fillWidth: false
-            Layout.preferredWidth: Theme.appsListWidth
-            Layout.maximumWidth: Theme.appsListWidth
-            Layout.minimumWidth: Theme.appsListWidth
+            Layout.preferredWidth: listWidth
+            Layout.maximumWidth: listWidth
+            Layout.minimumWidth: listWidth
             Layout.fillHeight: true
             Layout.topMargin: Theme.spacingHuge
             spacing: Theme.spacing

@@ -59,6 +59,7 @@ Rectangle {
                 font.weight: Font.DemiBold
                 elide: Text.ElideRight
                 textFormat: Text.PlainText
+                maximumLineCount: 1
             }
             Text {
                 Layout.fillWidth: true
@@ -68,6 +69,7 @@ Rectangle {
                 font.pixelSize: Theme.fontSizeCaption
                 elide: Text.ElideMiddle
                 textFormat: Text.PlainText
+                maximumLineCount: 1
             }
         }
         Text {

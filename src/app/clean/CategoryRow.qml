@@ -78,19 +78,27 @@ Rectangle {
             }
         }
 
-        BusyIndicator {
-            visible: row.category.loading
-            running: visible
-            implicitWidth: 18
-            implicitHeight: 18
-        }
+        // What the rule found, right-aligned; a spinner stands in while it is still looking.
+        // Plain items rather than a nested layout: a layout shown after being hidden keeps its
+        // old width on Qt 6.4.
+        Item {
+            implicitWidth: Math.max(found.implicitWidth, countLabel.implicitWidth, 18)
+            implicitHeight: found.implicitHeight + countLabel.implicitHeight + 2
 
-        ColumnLayout {
-            visible: !row.category.loading
-            spacing: 2
+            BusyIndicator {
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                visible: row.category.loading
+                running: visible
+                width: 18
+                height: 18
+            }
             Text {
-                Layout.alignment: Qt.AlignRight
-                visible: row.category.count > 0
+                id: found
+                anchors.right: parent.right
+                anchors.bottom: countLabel.top
+                anchors.bottomMargin: 2
+                visible: !row.category.loading && row.category.count > 0
                 text: row.category.sizeText
                 color: Theme.textPrimary
                 font.family: Theme.fontFamily
@@ -98,8 +106,12 @@ Rectangle {
                 font.weight: Font.DemiBold
             }
             Text {
+                id: countLabel
                 objectName: "categoryCount-" + row.category.id
-                Layout.alignment: Qt.AlignRight
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                anchors.verticalCenterOffset: row.category.count > 0 ? found.implicitHeight / 2 : 0
+                visible: !row.category.loading
                 text: row.category.countText
                 color: Theme.textSecondary
                 font.family: Theme.fontFamily

@@ -51,6 +51,7 @@ Rectangle {
                 font.weight: Font.DemiBold
                 elide: Text.ElideMiddle
                 textFormat: Text.PlainText
+                maximumLineCount: 1
             }
             Text {
                 Layout.fillWidth: true
@@ -60,6 +61,7 @@ Rectangle {
                 font.pixelSize: Theme.fontSizeCaption
                 elide: Text.ElideMiddle
                 textFormat: Text.PlainText
+                maximumLineCount: 1
             }
             Text {
                 Layout.fillWidth: true
@@ -71,6 +73,7 @@ Rectangle {
                 font.italic: true
                 elide: Text.ElideRight
                 textFormat: Text.PlainText
+                maximumLineCount: 1
             }
         }
 

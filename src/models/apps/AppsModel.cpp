@@ -1,6 +1,5 @@
 #include "models/apps/AppsModel.h"
 
-#include "models/app/Notify.h"
 #include "core/apps/AppCatalog.h"
 #include "core/deletion/Deleter.h"
 #include "core/files/Location.h"
@@ -8,7 +7,9 @@
 #include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
 #include "models/app/AppState.h"
+#include "models/app/Notify.h"
 #include "models/apps/AppsTexts.h"
+#include "models/clean/CleanTexts.h"
 
 #include <QLocale>
 #include <QPointer>
@@ -106,7 +107,7 @@ QVariantList AppsModel::visibleMaps() const
     for (const InstalledApp& app : visible()) {
         rows.append(QVariantMap{
             {QStringLiteral("id"), app.url},
-            {QStringLiteral("name"), app.name},
+            {QStringLiteral("name"), CleanTexts::oneLine(app.name)},
             {QStringLiteral("version"), app.version.value_or(QString())},
             {QStringLiteral("bundleID"), app.bundleID.value_or(QString())},
             {QStringLiteral("isStore"), app.isStore},
@@ -251,13 +252,13 @@ QVariantMap AppsModel::selectedApp() const
         return {};
     return {
         {QStringLiteral("id"), app->url},
-        {QStringLiteral("name"), app->name},
+        {QStringLiteral("name"), CleanTexts::oneLine(app->name)},
         {QStringLiteral("initial"), AppsTexts::initial(app->name)},
         {QStringLiteral("hue"), AppsTexts::tileHue(app->name)},
         {QStringLiteral("versionLine"), AppsTexts::versionLine(app->version)},
         {QStringLiteral("isStore"), app->isStore},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(*app->size) : QString()},
-        {QStringLiteral("detail"), Location::tildePath(app->url, m_services.home)},
+        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services.home))},
     };
 }
 
@@ -283,7 +284,7 @@ QVariantList AppsModel::removalRows() const
         {QStringLiteral("id"), app->url},
         {QStringLiteral("label"), AppsTexts::removalLabel(app->name, true)},
         {QStringLiteral("symbol"), AppsTexts::removalSymbol(app->name, true)},
-        {QStringLiteral("detail"), Location::tildePath(app->url, m_services.home)},
+        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services.home))},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(bundleSize) : QString()},
         {QStringLiteral("ticked"), true},
         {QStringLiteral("locked"), true},
@@ -291,9 +292,9 @@ QVariantList AppsModel::removalRows() const
     for (const CleanItem& item : m_leftovers) {
         rows.append(QVariantMap{
             {QStringLiteral("id"), item.id},
-            {QStringLiteral("label"), AppsTexts::removalLabel(item.name, false)},
+            {QStringLiteral("label"), CleanTexts::oneLine(AppsTexts::removalLabel(item.name, false))},
             {QStringLiteral("symbol"), AppsTexts::removalSymbol(item.name, false)},
-            {QStringLiteral("detail"), item.detail},
+            {QStringLiteral("detail"), CleanTexts::oneLine(item.detail)},
             {QStringLiteral("sizeText"), Bytes::string(item.size)},
             {QStringLiteral("ticked"), !m_excluded.contains(item.id)},
             {QStringLiteral("locked"), false},
@@ -461,25 +462,28 @@ void AppsModel::uninstall()
             items.append({*path, item.size});
     }
     const ModelServices& services = m_services;
-    m_work.start(this, QtConcurrent::run(&m_pool, [&services, app = *app, items] {
-                     if (const auto running = services.apps.runningInstance(app)) {
-                         if (services.quit)
-                             services.quit(*running);
-                         // Quitting politely may take a moment (a document to save); whether or not it
-                         // has quit after the last look, the removal goes ahead.
-                         for (int look = 0; look < services.quitPolls; ++look) {
-                             const auto still = services.apps.runningInstance(app);
-                             if (!still || still->pid != running->pid)
-                                 break;
-                             QThread::msleep(quint64(services.quitPollInterval.count()));
-                         }
-                     }
-                     const DeletionResult result = services.deleter.deleteItemsNow(items, true);
-                     return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
-                 }),
-                 [this, app = *app](const UninstallOutcome& outcome) {
-                     finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
-                 });
+    m_work.start(
+        this,
+        QtConcurrent::run(&m_pool,
+                          [&services, app = *app, items] {
+                              if (const auto running = services.apps.runningInstance(app)) {
+                                  if (services.quit)
+                                      services.quit(*running);
+                                  // Quitting politely may take a moment (a document to save); whether or not
+                                  // it has quit after the last look, the removal goes ahead.
+                                  for (int look = 0; look < services.quitPolls; ++look) {
+                                      const auto still = services.apps.runningInstance(app);
+                                      if (!still || still->pid != running->pid)
+                                          break;
+                                      QThread::msleep(quint64(services.quitPollInterval.count()));
+                                  }
+                              }
+                              const DeletionResult result = services.deleter.deleteItemsNow(items, true);
+                              return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
+                          }),
+        [this, app = *app](const UninstallOutcome& outcome) {
+            finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
+        });
 }
 
 void AppsModel::finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone)

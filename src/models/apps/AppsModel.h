@@ -9,11 +9,11 @@
 #include <QFuture>
 #include <QObject>
 #include <QSet>
+#include <QStringList>
 #include <QThreadPool>
 #include <QTimer>
-#include <QVariantMap>
-#include <QStringList>
 #include <QVariantList>
+#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 #include <atomic>
 #include <memory>

@@ -4,9 +4,9 @@
 #include "core/cleanup/CleanGroup.h"
 #include "core/cleanup/NamedColor.h"
 #include "core/deletion/Deleter.h"
+#include "core/files/NativePath.h"
 #include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
-#include "core/files/NativePath.h"
 #include "models/app/AppState.h"
 #include "models/apps/AppsTexts.h"
 #include "models/clean/CleanTexts.h"
@@ -275,15 +275,16 @@ QVariantMap CleanModel::itemMap(const CleanItem& item) const
 {
     return {
         {QStringLiteral("id"), item.id},
-        {QStringLiteral("name"), item.name},
-        {QStringLiteral("detail"), item.detail},
-        {QStringLiteral("subtitle"), item.subtitle.value_or(QString())},
+        {QStringLiteral("name"), CleanTexts::oneLine(item.name)},
+        {QStringLiteral("detail"), CleanTexts::oneLine(item.detail)},
+        {QStringLiteral("subtitle"), CleanTexts::oneLine(item.subtitle.value_or(QString()))},
         {QStringLiteral("size"), item.size},
         {QStringLiteral("sizeText"), Bytes::string(item.size)},
         {QStringLiteral("selected"), m_selected.contains(item.id)},
         {QStringLiteral("symbol"), CleanTexts::itemSymbol(!item.url(), m_folders.contains(item.id))},
         {QStringLiteral("appName"), item.appURL ? bundleName(*item.appURL) : QString()},
-        {QStringLiteral("appInitial"), item.appURL ? AppsTexts::initial(bundleName(*item.appURL)) : QString()},
+        {QStringLiteral("appInitial"),
+         item.appURL ? AppsTexts::initial(bundleName(*item.appURL)) : QString()},
         {QStringLiteral("appHue"), item.appURL ? AppsTexts::tileHue(bundleName(*item.appURL)) : 0.0},
         {QStringLiteral("canReveal"), !revealUrl(item.id).isEmpty()},
     };
@@ -353,17 +354,20 @@ void CleanModel::scan()
         const quint64 generation = ++m_generation[row.id];
         // Each category lands on its own; an older run of the same category that ends later is
         // dropped, so the newest list always wins.
-        m_work.start(this, QtConcurrent::run(&m_pool, [scan = row.scan] {
-                         Found found;
-                         if (scan)
-                             found.items = scan();
-                         // Whether a path is a folder is read here, off the user-interface thread.
-                         for (const CleanItem& item : found.items) {
-                             if (const auto path = item.url(); path && isFolder(*path))
-                                 found.folders.insert(item.id);
-                         }
-                         return found;
-                     }),
+        m_work.start(this,
+                     QtConcurrent::run(&m_pool,
+                                       [scan = row.scan] {
+                                           Found found;
+                                           if (scan)
+                                               found.items = scan();
+                                           // Whether a path is a folder is read here, off the user-interface
+                                           // thread.
+                                           for (const CleanItem& item : found.items) {
+                                               if (const auto path = item.url(); path && isFolder(*path))
+                                                   found.folders.insert(item.id);
+                                           }
+                                           return found;
+                                       }),
                      [this, id = row.id, generation](const Found& found) { land(id, generation, found); });
     }
     if (!wasScanning && isScanning())
@@ -468,38 +472,42 @@ void CleanModel::clean(const QStringList& categoryIds)
     emit isCleaningChanged();
 
     const Deleter& deleter = m_services.deleter;
-    m_work.start(this, QtConcurrent::run(&m_pool, [chosen, &deleter, runCommands = m_services.runCommands] {
-                     CleanOutcome outcome;
-                     QList<DeletionItem> paths;
-                     QList<CleanItem> commands;
-                     for (const CleanItem& item : chosen) {
-                         if (const auto path = item.url())
-                             paths.append({*path, item.size});
-                         else
-                             commands.append(item);
-                     }
-                     if (!paths.isEmpty()) {
-                         const DeletionResult result = deleter.deleteItemsNow(paths, true);
-                         outcome.freed = result.freed;
-                         outcome.failures = result.failed.size();
-                         for (const DeletionFailure& failure : result.failed)
-                             outcome.failedPaths.insert(failure.path);
-                     }
-                     if (!commands.isEmpty()) {
-                         CommandOutcome ran;
-                         if (runCommands) {
-                             ran = runCommands(commands);
-                         } else {
-                             // Without a runner nothing ran, and nothing may be reported as freed.
-                             for (const CleanItem& item : commands)
-                                 ran.failed.append(item.name);
-                         }
-                         outcome.freed = checkedAdd(outcome.freed, ran.freed);
-                         outcome.failures += ran.failed.size();
-                         outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
-                     }
-                     return outcome;
-                 }),
+    m_work.start(this,
+                 QtConcurrent::run(&m_pool,
+                                   [chosen, &deleter, runCommands = m_services.runCommands] {
+                                       CleanOutcome outcome;
+                                       QList<DeletionItem> paths;
+                                       QList<CleanItem> commands;
+                                       for (const CleanItem& item : chosen) {
+                                           if (const auto path = item.url())
+                                               paths.append({*path, item.size});
+                                           else
+                                               commands.append(item);
+                                       }
+                                       if (!paths.isEmpty()) {
+                                           const DeletionResult result = deleter.deleteItemsNow(paths, true);
+                                           outcome.freed = result.freed;
+                                           outcome.failures = result.failed.size();
+                                           for (const DeletionFailure& failure : result.failed)
+                                               outcome.failedPaths.insert(failure.path);
+                                       }
+                                       if (!commands.isEmpty()) {
+                                           CommandOutcome ran;
+                                           if (runCommands) {
+                                               ran = runCommands(commands);
+                                           } else {
+                                               // Without a runner nothing ran, and nothing may be reported as
+                                               // freed.
+                                               for (const CleanItem& item : commands)
+                                                   ran.failed.append(item.name);
+                                           }
+                                           outcome.freed = checkedAdd(outcome.freed, ran.freed);
+                                           outcome.failures += ran.failed.size();
+                                           outcome.failedNames =
+                                               QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+                                       }
+                                       return outcome;
+                                   }),
                  [this, categoryIds, chosen](const CleanOutcome& outcome) {
                      finishClean(categoryIds, chosen, outcome.freed, outcome.failedPaths, outcome.failedNames,
                                  outcome.failures);

@@ -8,13 +8,13 @@
 #include <QHash>
 #include <QObject>
 #include <QSet>
-#include <QThreadPool>
 #include <QStringList>
-#include <QVariantList>
+#include <QThreadPool>
 #include <QUrl>
+#include <QVariantList>
 #include <QVariantMap>
-#include <optional>
 #include <QtQml/qqmlregistration.h>
+#include <optional>
 
 namespace nubo {
 

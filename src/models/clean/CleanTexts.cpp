@@ -21,8 +21,8 @@ QString progressLine(int categoryCount, int loadingCount)
 {
     const int total = qMax(0, categoryCount);
     const int finished = qBound(0, total - loadingCount, total);
-    return QString::number(finished) + QStringLiteral(" de ") + QString::number(total)
-         + QStringLiteral(" zonas revisadas");
+    return QString::number(finished) + QStringLiteral(" de ") + QString::number(total) +
+           QStringLiteral(" zonas revisadas");
 }
 
 QString selectionLine(qint64 selectedCount)
@@ -48,8 +48,8 @@ QString categoryCount(bool loading, qint64 count)
 
 QString detailCountLine(qint64 selectedCount, qint64 count)
 {
-    return QString::number(selectedCount) + QStringLiteral(" de ") + QString::number(count)
-         + QStringLiteral(" seleccionados");
+    return QString::number(selectedCount) + QStringLiteral(" de ") + QString::number(count) +
+           QStringLiteral(" seleccionados");
 }
 
 QString toggleAllLabel(bool allSelected)
@@ -62,6 +62,30 @@ QString itemSymbol(bool isCommand, bool isFolder)
     if (isCommand)
         return QStringLiteral("terminal.fill");
     return isFolder ? QStringLiteral("folder.fill") : QStringLiteral("doc.fill");
+}
+
+QString oneLine(const QString& text)
+{
+    QString shown;
+    shown.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (c == QLatin1Char('\n') || c == QLatin1Char('\r')) {
+            shown += QChar(0x21B5);
+        } else if (c == QLatin1Char('\t')) {
+            shown += QLatin1Char(' ');
+        } else if (c.unicode() < 0x20 || c.unicode() == 0x7F) {
+            shown += QChar::ReplacementCharacter;
+        } else if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            shown += c;
+            shown += text.at(++i);
+        } else if (c.isSurrogate()) {
+            shown += QChar::ReplacementCharacter;
+        } else {
+            shown += c;
+        }
+    }
+    return shown;
 }
 
 } // namespace nubo::CleanTexts

@@ -30,4 +30,9 @@ namespace nubo::CleanTexts {
 /// terminal for an item that runs a command instead of deleting a path.
 [[nodiscard]] QString itemSymbol(bool isCommand, bool isFolder);
 
+/// A file or folder name (or a path) as one line of a list: a line break shows as "↵", other
+/// control characters and the stand-ins for bytes that are not UTF-8 as "�". Only for showing:
+/// the item keeps its real name and path, which every action uses.
+[[nodiscard]] QString oneLine(const QString& text);
+
 } // namespace nubo::CleanTexts

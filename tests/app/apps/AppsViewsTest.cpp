@@ -58,7 +58,8 @@ protected:
         file(QStringLiteral("Applications/Writer.app/Contents/_MASReceipt/receipt"), 10);
         bundle(QStringLiteral("Applications/Paint.app"), QStringLiteral("com.acme.paint"), 900'000);
         bundle(QStringLiteral("Applications/Café Studio.app"), QStringLiteral("com.cafe.studio"), 120'000);
-        bundle(QStringLiteral("Applications/Utilities/Terminal Pro.app"), QStringLiteral("com.pro.term"), 40'000);
+        bundle(QStringLiteral("Applications/Utilities/Terminal Pro.app"), QStringLiteral("com.pro.term"),
+               40'000);
         bundle(QStringLiteral("home/Applications/Zeta.app"), QStringLiteral("org.zeta.app"), 200'000);
         file(QStringLiteral("home/Library/Preferences/com.acme.writer.plist"), 2000);
         file(QStringLiteral("home/Library/Caches/com.acme.writer/blob"), 30'000);
@@ -68,7 +69,8 @@ protected:
         m_metadata.lastUsed.insert(writer(), now.addDays(-3));
         m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Paint.app")), now.addDays(-400));
         m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Café Studio.app")), now.addDays(-30));
-        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Utilities/Terminal Pro.app")), now.addDays(-60));
+        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Utilities/Terminal Pro.app")),
+                                   now.addDays(-60));
         m_metadata.lastUsed.insert(path(QStringLiteral("home/Applications/Zeta.app")), now.addDays(-100));
     }
 
@@ -117,8 +119,8 @@ protected:
         QList<QQuickItem*> all = window.findChildren<QQuickItem*>();
         all += drawn(window);
         for (QQuickItem* candidate : all) {
-            if (candidate->isVisible() && candidate->property("text").toString() == text
-                && candidate->metaObject()->indexOfSignal("clicked()") >= 0)
+            if (candidate->isVisible() && candidate->property("text").toString() == text &&
+                candidate->metaObject()->indexOfSignal("clicked()") >= 0)
                 return candidate;
         }
         return nullptr;
@@ -189,9 +191,14 @@ TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
     EXPECT_EQ(text(sort), QStringLiteral("Ordenar por Último uso"));
     shown = visibleNamed(window, QStringLiteral("appRow"));
     ASSERT_FALSE(shown.isEmpty());
-    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(), QStringLiteral("Writer"));
-    EXPECT_TRUE(shown.front()->property("app").toMap().value(QStringLiteral("lastUsedText")).toString().startsWith(
-        QStringLiteral("Usada ")));
+    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(),
+              QStringLiteral("Writer"));
+    EXPECT_TRUE(shown.front()
+                    ->property("app")
+                    .toMap()
+                    .value(QStringLiteral("lastUsedText"))
+                    .toString()
+                    .startsWith(QStringLiteral("Usada ")));
 }
 
 TEST_F(AppsViewsTest, TheDetailListsTheRemovalAndTheBundleCannotBeUnticked)
@@ -240,8 +247,8 @@ TEST_F(AppsViewsTest, UninstallAsksFirstAndCancelLeavesEverything)
     QTest::qWait(Settle);
     QQuickItem* title = visibleNamed(window, QStringLiteral("confirmationTitle")).value(0);
     ASSERT_NE(title, nullptr);
-    EXPECT_EQ(text(*title), QStringLiteral("¿Desinstalar 5 elementos (") + Bytes::string(apps().removalSize())
-                                + QStringLiteral(")?"));
+    EXPECT_EQ(text(*title), QStringLiteral("¿Desinstalar 5 elementos (") +
+                                Bytes::string(apps().removalSize()) + QStringLiteral(")?"));
     snapshot(window, DefaultSize, QStringLiteral("apps-confirmation-default"));
     QQuickItem* cancel = button(window, QStringLiteral("Cancelar"));
     ASSERT_NE(cancel, nullptr);

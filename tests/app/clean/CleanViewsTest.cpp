@@ -77,12 +77,16 @@ protected:
             cache.appURL = path(QStringLiteral("Applications/Writer.app"));
             return cache;
         }();
-        const CleanItem browserCache = homeItem(QStringLiteral("Library/Caches/org.browser/cache.db"), 624'000'000);
-        const CleanItem oldLog = homeItem(QStringLiteral("Library/Logs/DiagnosticReports/crash.ips"), 12'400'000);
+        const CleanItem browserCache =
+            homeItem(QStringLiteral("Library/Caches/org.browser/cache.db"), 624'000'000);
+        const CleanItem oldLog =
+            homeItem(QStringLiteral("Library/Logs/DiagnosticReports/crash.ips"), 12'400'000);
         const CleanItem trashed = homeItem(QStringLiteral(".Trash/Proyecto viejo.zip"), 2'310'000'000);
-        const CleanItem derived = homeItem(QStringLiteral("Library/Developer/Xcode/DerivedData/App-abc/x"), 5'120'000'000);
+        const CleanItem derived =
+            homeItem(QStringLiteral("Library/Developer/Xcode/DerivedData/App-abc/x"), 5'120'000'000);
         const CleanItem download = homeItem(QStringLiteral("Downloads/Fotos 2019.zip"), 3'400'000'000);
-        const CleanItem odd = homeItem(QStringLiteral("Downloads/-informe \"final\" \\ v2\nbis.pdf"), 48'000'000);
+        const CleanItem odd =
+            homeItem(QStringLiteral("Downloads/-informe \"final\" \\ v2\nbis.pdf"), 48'000'000);
         const CleanItem docker(QStringLiteral("docker-prune"), QStringLiteral("Docker"),
                                QStringLiteral("docker system prune -a"), 7'800'000'000,
                                CleanItem::Command{QStringLiteral("docker"), {QStringLiteral("system")}});
@@ -106,7 +110,8 @@ protected:
         const QList<CleanCategory>& all = m_catalog->all();
         for (qsizetype i = all.size() - 5; i < all.size(); ++i) {
             const QString id = all.at(i).id;
-            const QList<CleanItem> found = id == QLatin1String("olddownloads") ? m_downloads : QList<CleanItem>();
+            const QList<CleanItem> found =
+                id == QLatin1String("olddownloads") ? m_downloads : QList<CleanItem>();
             rule(id, [this, found] {
                 m_gate.acquire();
                 return found;
@@ -155,8 +160,8 @@ protected:
         QList<QQuickItem*> all = window.findChildren<QQuickItem*>();
         all += drawn(window);
         for (QQuickItem* candidate : all) {
-            if (candidate->isVisible() && candidate->property("text").toString() == text
-                && candidate->metaObject()->indexOfSignal("clicked()") >= 0)
+            if (candidate->isVisible() && candidate->property("text").toString() == text &&
+                candidate->metaObject()->indexOfSignal("clicked()") >= 0)
                 return candidate;
         }
         return nullptr;
@@ -209,7 +214,8 @@ TEST_F(CleanViewsTest, TheFirstVisitScansOnceAndTheSummaryCountsTheZones)
     waitForScan();
     EXPECT_TRUE(named(window, QStringLiteral("rescanButton")).isEnabled());
     EXPECT_EQ(text(named(window, QStringLiteral("summaryHeading"))), QStringLiteral("Puedes liberar"));
-    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))), QStringLiteral("5 elementos seleccionados"));
+    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))),
+              QStringLiteral("5 elementos seleccionados"));
     EXPECT_EQ(text(named(window, QStringLiteral("overviewLine"))),
               Bytes::string(clean().totalFound()) + QStringLiteral(" encontrados"));
     EXPECT_EQ(named(window, QStringLiteral("categoryCheck-caches")).property("help").toString(),
@@ -245,7 +251,8 @@ TEST_F(CleanViewsTest, CancellingTheConfirmationChangesNothingAndConfirmingClean
     QTest::qWait(Settle);
     QQuickItem* title = rows(window, QStringLiteral("confirmationTitle")).value(0);
     ASSERT_NE(title, nullptr);
-    EXPECT_EQ(text(*title), QStringLiteral("¿Limpiar 5 elementos (") + Bytes::string(selected) + QStringLiteral(")?"));
+    EXPECT_EQ(text(*title),
+              QStringLiteral("¿Limpiar 5 elementos (") + Bytes::string(selected) + QStringLiteral(")?"));
     snapshot(window, DefaultSize, QStringLiteral("clean-confirmation-default"));
     QQuickItem* cancel = button(window, QStringLiteral("Cancelar"));
     ASSERT_NE(cancel, nullptr);
@@ -389,7 +396,8 @@ TEST_F(CleanViewsTest, AnEmptyMacHasNothingToCleanAndNothingToPress)
 {
     QQuickWindow& window = openPane();
     waitForScan();
-    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))), QStringLiteral("0 elementos seleccionados"));
+    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))),
+              QStringLiteral("0 elementos seleccionados"));
     EXPECT_FALSE(named(window, QStringLiteral("summaryClean")).isEnabled());
     EXPECT_FALSE(named(window, QStringLiteral("overviewClean")).isEnabled());
     EXPECT_FALSE(named(window, QStringLiteral("categoryCheck-caches")).isEnabled());

@@ -120,8 +120,8 @@ TEST_F(AppsScreenModelTest, TheBundleLeadsTheRemovalAndCannotBeUnticked)
         apps().toggle(item.id);
     EXPECT_EQ(apps().removalCount(), 1);
     EXPECT_EQ(apps().removalSize(), apps().selected()->size.value());
-    EXPECT_EQ(apps().uninstallLabel(),
-              QStringLiteral("Desinstalar · ") + apps().selectedApp().value(QStringLiteral("sizeText")).toString());
+    EXPECT_EQ(apps().uninstallLabel(), QStringLiteral("Desinstalar · ") +
+                                           apps().selectedApp().value(QStringLiteral("sizeText")).toString());
     EXPECT_FALSE(apps().removalRows().at(1).toMap().value(QStringLiteral("ticked")).toBool());
 }
 

@@ -34,8 +34,9 @@ TEST(AppsTexts, TheBundleIsAlwaysTheApplicationAndOtherNamesStayAsTheyAre)
     EXPECT_EQ(AppsTexts::removalLabel(QStringLiteral("Caches"), true), QStringLiteral("Aplicación"));
     EXPECT_EQ(AppsTexts::removalSymbol(QStringLiteral("Caches"), true), QStringLiteral("app.fill"));
     // Folders outside the table, and names that only look alike, are shown as found.
-    for (const QString& name : {QStringLiteral("WebKit"), QStringLiteral("LaunchDaemons"), QStringLiteral("caches"),
-                                QStringLiteral("Caches "), QString(), QStringLiteral("-rf \"x\"\\\n")}) {
+    for (const QString& name :
+         {QStringLiteral("WebKit"), QStringLiteral("LaunchDaemons"), QStringLiteral("caches"),
+          QStringLiteral("Caches "), QString(), QStringLiteral("-rf \"x\"\\\n")}) {
         EXPECT_EQ(AppsTexts::removalLabel(name, false), name);
         EXPECT_FALSE(AppsTexts::removalSymbol(name, false).isEmpty());
     }

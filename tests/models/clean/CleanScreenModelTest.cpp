@@ -44,8 +44,8 @@ TEST_F(CleanScreenModelTest, OnlyTheFirstVisitScansAndLaterVisitsKeepTheResults)
 {
     auto runs = std::make_shared<std::atomic<int>>(0);
     const QString id = categoriesSelectedByDefault(false).first();
-    const CleanItem old = CleanItem::atPath(path(QStringLiteral("home/Downloads/a.dmg")), m_roots.home,
-                                            std::nullopt, 4096);
+    const CleanItem old =
+        CleanItem::atPath(path(QStringLiteral("home/Downloads/a.dmg")), m_roots.home, std::nullopt, 4096);
     rule(id, [runs, old] {
         ++*runs;
         return QList<CleanItem>{old};
@@ -103,12 +103,14 @@ TEST_F(CleanScreenModelTest, TheOverviewGroupsEveryCategoryUnderItsHeadingInCata
 {
     const QVariantList groups = clean().groups();
     EXPECT_EQ(field(groups, QStringLiteral("title")),
-              (QStringList{QStringLiteral("Sistema"), QStringLiteral("Desarrollo"), QStringLiteral("Tus archivos")}));
+              (QStringList{QStringLiteral("Sistema"), QStringLiteral("Desarrollo"),
+                           QStringLiteral("Tus archivos")}));
     QStringList shown;
     for (const QVariant& group : groups) {
         const QVariantList rows = group.toMap().value(QStringLiteral("categories")).toList();
         for (const QVariant& row : rows)
-            EXPECT_EQ(row.toMap().value(QStringLiteral("group")), group.toMap().value(QStringLiteral("title")));
+            EXPECT_EQ(row.toMap().value(QStringLiteral("group")),
+                      group.toMap().value(QStringLiteral("title")));
         shown += field(rows, QStringLiteral("id"));
     }
     QStringList catalogue;
@@ -126,10 +128,11 @@ TEST_F(CleanScreenModelTest, TheDetailPageFollowsThePathAndTheSelection)
     file(QStringLiteral("home/Downloads/big/inside"), 8192);
     file(QStringLiteral("home/Downloads/one.pkg"), 4096);
     const CleanItem folderItem = CleanItem::atPath(path(QStringLiteral("home/Downloads/big")), m_roots.home);
-    const CleanItem fileItem = CleanItem::atPath(path(QStringLiteral("home/Downloads/one.pkg")), m_roots.home);
+    const CleanItem fileItem =
+        CleanItem::atPath(path(QStringLiteral("home/Downloads/one.pkg")), m_roots.home);
     CleanItem owned = CleanItem::atPath(path(QStringLiteral("home/Downloads/big/inside")), m_roots.home);
     owned.appURL = QStringLiteral("/Applications/Writer Pro.app");
-    const CleanItem command(QStringLiteral("cmd-prune"), QStringLiteral("prune"), QString(), 1000,
+    const CleanItem command(QStringLiteral("cmd-prune\nnow"), QStringLiteral("prune\nnow"), QString(), 1000,
                             CleanItem::Command{QStringLiteral("/usr/bin/true"), {}});
     rule(id, [=] { return QList<CleanItem>{folderItem, fileItem, owned, command}; });
     clean().scan();
@@ -147,11 +150,14 @@ TEST_F(CleanScreenModelTest, TheDetailPageFollowsThePathAndTheSelection)
     EXPECT_EQ(page.value(QStringLiteral("countText")).toString(), QStringLiteral("4 elementos"));
     const QVariantList items = page.value(QStringLiteral("items")).toList();
     EXPECT_EQ(field(items, QStringLiteral("symbol")),
-              (QStringList{QStringLiteral("folder.fill"), QStringLiteral("doc.fill"), QStringLiteral("doc.fill"),
-                           QStringLiteral("terminal.fill")}));
+              (QStringList{QStringLiteral("folder.fill"), QStringLiteral("doc.fill"),
+                           QStringLiteral("doc.fill"), QStringLiteral("terminal.fill")}));
     EXPECT_EQ(field(items, QStringLiteral("appInitial")),
               (QStringList{QString(), QString(), QStringLiteral("W"), QString()}));
     EXPECT_EQ(items.at(2).toMap().value(QStringLiteral("appName")).toString(), QStringLiteral("Writer Pro"));
+    // What a row shows is one line, while the id every action uses stays the real path.
+    EXPECT_EQ(items.at(3).toMap().value(QStringLiteral("name")).toString(), QStringLiteral("prune↵now"));
+    EXPECT_EQ(items.at(3).toMap().value(QStringLiteral("id")).toString(), command.id);
 
     detailChanged.clear();
     clean().toggleCategory(id);
@@ -178,7 +184,8 @@ TEST_F(CleanScreenModelTest, RevealPointsAtTheHoldingFolderButNeverAtALookAlike)
     file(QStringLiteral("home/Downloads/plain/file.zip"), 100);
     // A folder whose name is not UTF-8, holding a folder: the item must still be drawn as a
     // folder, and no address may stand for its parent.
-    const QByteArray odd = NativePath::encode(path(QStringLiteral("home/Downloads/"))) + QByteArray("caf\xe9");
+    const QByteArray odd =
+        NativePath::encode(path(QStringLiteral("home/Downloads/"))) + QByteArray("caf\xe9");
     ASSERT_EQ(::mkdir(odd.constData(), 0700), 0);
     ASSERT_EQ(::mkdir((odd + "/inner").constData(), 0700), 0);
     // The temporary folder's own clean-up cannot reach a name that is not UTF-8.
@@ -188,7 +195,8 @@ TEST_F(CleanScreenModelTest, RevealPointsAtTheHoldingFolderButNeverAtALookAlike)
     });
     const QString oddInner = NativePath::decode(odd + "/inner");
     ASSERT_TRUE(NativePath::hasEscapedBytes(oddInner));
-    const CleanItem plain = CleanItem::atPath(path(QStringLiteral("home/Downloads/plain/file.zip")), m_roots.home);
+    const CleanItem plain =
+        CleanItem::atPath(path(QStringLiteral("home/Downloads/plain/file.zip")), m_roots.home);
     const CleanItem hidden = CleanItem::atPath(oddInner, m_roots.home, QStringLiteral("inner"), 4096);
     const CleanItem command(QStringLiteral("cmd-x"), QStringLiteral("x"), QString(), 10,
                             CleanItem::Command{QStringLiteral("/usr/bin/true"), {}});

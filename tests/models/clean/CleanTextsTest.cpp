@@ -59,3 +59,17 @@ TEST(CleanTexts, ItemSymbolsTellCommandsFoldersAndFilesApart)
     EXPECT_EQ(CleanTexts::itemSymbol(false, true), QStringLiteral("folder.fill"));
     EXPECT_EQ(CleanTexts::itemSymbol(false, false), QStringLiteral("doc.fill"));
 }
+
+TEST(CleanTexts, OddNamesShowOnOneLineAndOrdinaryOnesUnchanged)
+{
+    EXPECT_EQ(CleanTexts::oneLine(QStringLiteral("informe\nfinal\r.pdf")),
+              QStringLiteral("informe↵final↵.pdf"));
+    EXPECT_EQ(CleanTexts::oneLine(QStringLiteral("a\tb")), QStringLiteral("a b"));
+    EXPECT_EQ(CleanTexts::oneLine(QString(QChar(0x01)) + QChar(0x7F)), QStringLiteral("��"));
+    // A byte that was not UTF-8 is carried as a lone surrogate; it never reaches the screen as one.
+    EXPECT_EQ(CleanTexts::oneLine(QStringLiteral("caf") + QChar(0xDC80 + 0x69)), QStringLiteral("caf�"));
+    EXPECT_EQ(CleanTexts::oneLine(QString(QChar(0xD83C))), QStringLiteral("�"));
+    for (const QString& plain :
+         {QString(), QStringLiteral("-rf \"quoted\" \\ back"), QStringLiteral("Música 🎵")})
+        EXPECT_EQ(CleanTexts::oneLine(plain), plain);
+}
