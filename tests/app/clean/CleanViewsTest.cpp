@@ -201,6 +201,12 @@ TEST_F(CleanViewsTest, TheFirstVisitScansOnceAndTheSummaryCountsTheZones)
 {
     prepareHome();
     holdFive();
+    // The window opens on the summary: neither the cleanup nor the apps list starts by itself.
+    mainWindow();
+    QTest::qWait(Settle);
+    EXPECT_FALSE(clean().hasScanned());
+    EXPECT_FALSE(state().apps()->isLoading());
+    EXPECT_EQ(m_runs->load(), 0);
     QQuickWindow& window = openPane();
     ASSERT_TRUE(QTest::qWaitFor([this] { return clean().loading().size() == 5; }, 10000));
     QTest::qWait(Settle);
