@@ -100,6 +100,33 @@ QtObject {
     readonly property color mapRemainder: dark ? "#48484A" : "#D1D1D6"
 
     // Cleanup and apps screens
+    readonly property int cleanRowHeight: 60
+    readonly property int cleanItemRowHeight: 52
+    readonly property int cleanIconTile: 32
+    readonly property int appsListWidth: 320
+    readonly property int appsRowHeight: 52
+    readonly property int appsDetailIcon: 64
+    readonly property color cautionBackground: dark ? Qt.rgba(1, 0.62, 0.04, 0.14) : Qt.rgba(0.94, 0.54, 0, 0.10)
+    readonly property color tagBackground: dark ? Qt.rgba(1, 1, 1, 0.10) : Qt.rgba(0, 0, 0, 0.06)
+    // The system's named tints the cleanup categories use for their icons.
+    function namedTint(name) {
+        switch (name) {
+        case "teal": return dark ? "#40C8E0" : "#30B0C7"
+        case "gray": return dark ? "#98989D" : "#8E8E93"
+        case "orange": return orange
+        case "red": return red
+        case "blue": return accent
+        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
+        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
+        case "brown": return dark ? "#AC8E68" : "#A2845E"
+        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
+        case "green": return green
+        case "mint": return dark ? "#66D4CF" : "#00C7BE"
+        case "yellow": return dark ? "#FFD60A" : "#E5B800"
+        case "pink": return dark ? "#FF375F" : "#FF2D55"
+        }
+        return textSecondary
+    }
 
     // Activity and performance screens
 

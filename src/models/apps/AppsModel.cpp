@@ -1,6 +1,5 @@
 #include "models/apps/AppsModel.h"
 
-#include "models/app/Notify.h"
 #include "core/apps/AppCatalog.h"
 #include "core/deletion/Deleter.h"
 #include "core/files/Location.h"
@@ -8,6 +7,9 @@
 #include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
 #include "models/app/AppState.h"
+#include "models/app/Notify.h"
+#include "models/apps/AppsTexts.h"
+#include "models/clean/CleanTexts.h"
 
 #include <QLocale>
 #include <QPointer>
@@ -51,6 +53,17 @@ struct UninstallOutcome
 
 AppsModel::AppsModel(const ModelServices& services, QObject* parent) : QObject(parent), m_services(services)
 {
+    // Enough threads that a few slow rules or tools do not hold the others back.
+    m_pool.setMaxThreadCount(qMax(4, QThread::idealThreadCount()));
+    connect(this, &AppsModel::appsChanged, this, &AppsModel::headerLineChanged);
+    connect(this, &AppsModel::isLoadingChanged, this, &AppsModel::headerLineChanged);
+    connect(this, &AppsModel::selectionChanged, this, &AppsModel::selectedAppChanged);
+    connect(this, &AppsModel::appsChanged, this, &AppsModel::selectedAppChanged);
+    connect(this, &AppsModel::selectionChanged, this, &AppsModel::refreshRunning);
+    // While an application is chosen, whether it runs is looked at as often as the activity
+    // screen samples, so the "Abierta" tag follows the user quitting or opening it.
+    m_runningPoll.setInterval(2000);
+    connect(&m_runningPoll, &QTimer::timeout, this, &AppsModel::refreshRunning);
 }
 
 AppsModel::~AppsModel()
@@ -94,7 +107,7 @@ QVariantList AppsModel::visibleMaps() const
     for (const InstalledApp& app : visible()) {
         rows.append(QVariantMap{
             {QStringLiteral("id"), app.url},
-            {QStringLiteral("name"), app.name},
+            {QStringLiteral("name"), CleanTexts::oneLine(app.name)},
             {QStringLiteral("version"), app.version.value_or(QString())},
             {QStringLiteral("bundleID"), app.bundleID.value_or(QString())},
             {QStringLiteral("isStore"), app.isStore},
@@ -103,6 +116,9 @@ QVariantList AppsModel::visibleMaps() const
             {QStringLiteral("lastUsed"),
              app.lastUsed ? spanish.toString(app.lastUsed->toLocalTime().date(), QLocale::ShortFormat)
                           : QString()},
+            {QStringLiteral("lastUsedText"), AppsTexts::lastUsedLine(app.lastUsed)},
+            {QStringLiteral("initial"), AppsTexts::initial(app.name)},
+            {QStringLiteral("hue"), AppsTexts::tileHue(app.name)},
         });
     }
     return rows;
@@ -212,6 +228,86 @@ QVariantList AppsModel::leftoverMaps() const
     return rows;
 }
 
+QString AppsModel::headerLine() const
+{
+    return AppsTexts::headerLine(m_isLoading, m_apps.size());
+}
+
+QString AppsModel::sortTitle() const
+{
+    return AppsTexts::sortTitle(sortLabels().value(int(m_sort)));
+}
+
+void AppsModel::chooseSort(int index)
+{
+    if (index < 0 || index >= sortLabels().size())
+        return;
+    setSort(Sort(index));
+}
+
+QVariantMap AppsModel::selectedApp() const
+{
+    const auto app = selected();
+    if (!app)
+        return {};
+    return {
+        {QStringLiteral("id"), app->url},
+        {QStringLiteral("name"), CleanTexts::oneLine(app->name)},
+        {QStringLiteral("initial"), AppsTexts::initial(app->name)},
+        {QStringLiteral("hue"), AppsTexts::tileHue(app->name)},
+        {QStringLiteral("versionLine"), AppsTexts::versionLine(app->version)},
+        {QStringLiteral("isStore"), app->isStore},
+        {QStringLiteral("sizeText"), app->size ? Bytes::string(*app->size) : QString()},
+        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services.home))},
+    };
+}
+
+void AppsModel::refreshRunning()
+{
+    const auto app = selected();
+    const bool running = app && m_services.apps.runningInstance(*app).has_value();
+    if (app && !m_runningPoll.isActive())
+        m_runningPoll.start();
+    else if (!app)
+        m_runningPoll.stop();
+    assignAndNotify(this, m_selectedRunning, running, &AppsModel::selectedRunningChanged);
+}
+
+QVariantList AppsModel::removalRows() const
+{
+    const auto app = selected();
+    if (!app)
+        return {};
+    QVariantList rows;
+    const qint64 bundleSize = app->size.value_or(0);
+    rows.append(QVariantMap{
+        {QStringLiteral("id"), app->url},
+        {QStringLiteral("label"), AppsTexts::removalLabel(app->name, true)},
+        {QStringLiteral("symbol"), AppsTexts::removalSymbol(app->name, true)},
+        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services.home))},
+        {QStringLiteral("sizeText"), app->size ? Bytes::string(bundleSize) : QString()},
+        {QStringLiteral("ticked"), true},
+        {QStringLiteral("locked"), true},
+    });
+    for (const CleanItem& item : m_leftovers) {
+        rows.append(QVariantMap{
+            {QStringLiteral("id"), item.id},
+            {QStringLiteral("label"), CleanTexts::oneLine(AppsTexts::removalLabel(item.name, false))},
+            {QStringLiteral("symbol"), AppsTexts::removalSymbol(item.name, false)},
+            {QStringLiteral("detail"), CleanTexts::oneLine(item.detail)},
+            {QStringLiteral("sizeText"), Bytes::string(item.size)},
+            {QStringLiteral("ticked"), !m_excluded.contains(item.id)},
+            {QStringLiteral("locked"), false},
+        });
+    }
+    return rows;
+}
+
+QString AppsModel::uninstallLabel() const
+{
+    return AppsTexts::uninstallLabel(removalSize());
+}
+
 void AppsModel::setLoading(bool loading)
 {
     assignAndNotify(this, m_isLoading, loading, &AppsModel::isLoadingChanged);
@@ -246,15 +342,22 @@ void AppsModel::clear()
     emit removalChanged();
 }
 
+void AppsModel::enter()
+{
+    if (!m_everLoaded)
+        load();
+}
+
 void AppsModel::load()
 {
     if (m_isLoading)
         return;
+    m_everLoaded = true;
     setLoading(true);
     setSizesLoaded(false);
     const quint64 generation = ++m_generation;
     const AppCatalog& catalog = m_services.apps;
-    m_work.start(this, QtConcurrent::run([&catalog] { return catalog.load(); }),
+    m_work.start(this, QtConcurrent::run(&m_pool, [&catalog] { return catalog.load(); }),
                  [this, generation](const QList<InstalledApp>& found) {
                      if (generation != m_generation)
                          return;
@@ -273,7 +376,7 @@ void AppsModel::measure(quint64 generation)
     QStringList urls;
     for (const InstalledApp& app : m_apps)
         urls.append(app.url);
-    m_work.add(QtConcurrent::run([this, urls, generation, stop = m_stop] {
+    m_work.add(QtConcurrent::run(&m_pool, [this, urls, generation, stop = m_stop] {
         for (const QString& url : urls) {
             if (stop->load())
                 return;
@@ -323,7 +426,7 @@ void AppsModel::select(const QString& url)
     }
     setLeftoversLoading(true);
     const AppCatalog& catalog = m_services.apps;
-    m_work.start(this, QtConcurrent::run([&catalog, app = *app] { return catalog.leftovers(app); }),
+    m_work.start(this, QtConcurrent::run(&m_pool, [&catalog, app = *app] { return catalog.leftovers(app); }),
                  [this, url](const QList<CleanItem>& found) {
                      // A search for an application no longer chosen has nothing to say.
                      if (url != m_selection)
@@ -336,6 +439,12 @@ void AppsModel::select(const QString& url)
 
 void AppsModel::toggle(const QString& itemId)
 {
+    // Only a leftover can be unticked: the bundle (or an id that names nothing found) would
+    // otherwise sit in the exclusions and change nothing but the figures.
+    const bool isLeftover = std::any_of(m_leftovers.cbegin(), m_leftovers.cend(),
+                                        [&itemId](const CleanItem& item) { return item.id == itemId; });
+    if (!isLeftover)
+        return;
     if (!m_excluded.remove(itemId))
         m_excluded.insert(itemId);
     emit removalChanged();
@@ -353,25 +462,28 @@ void AppsModel::uninstall()
             items.append({*path, item.size});
     }
     const ModelServices& services = m_services;
-    m_work.start(this, QtConcurrent::run([&services, app = *app, items] {
-                     if (const auto running = services.apps.runningInstance(app)) {
-                         if (services.quit)
-                             services.quit(*running);
-                         // Quitting politely may take a moment (a document to save); whether or not it
-                         // has quit after the last look, the removal goes ahead.
-                         for (int look = 0; look < services.quitPolls; ++look) {
-                             const auto still = services.apps.runningInstance(app);
-                             if (!still || still->pid != running->pid)
-                                 break;
-                             QThread::msleep(quint64(services.quitPollInterval.count()));
-                         }
-                     }
-                     const DeletionResult result = services.deleter.deleteItemsNow(items, true);
-                     return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
-                 }),
-                 [this, app = *app](const UninstallOutcome& outcome) {
-                     finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
-                 });
+    m_work.start(
+        this,
+        QtConcurrent::run(&m_pool,
+                          [&services, app = *app, items] {
+                              if (const auto running = services.apps.runningInstance(app)) {
+                                  if (services.quit)
+                                      services.quit(*running);
+                                  // Quitting politely may take a moment (a document to save); whether or not
+                                  // it has quit after the last look, the removal goes ahead.
+                                  for (int look = 0; look < services.quitPolls; ++look) {
+                                      const auto still = services.apps.runningInstance(app);
+                                      if (!still || still->pid != running->pid)
+                                          break;
+                                      QThread::msleep(quint64(services.quitPollInterval.count()));
+                                  }
+                              }
+                              const DeletionResult result = services.deleter.deleteItemsNow(items, true);
+                              return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
+                          }),
+        [this, app = *app](const UninstallOutcome& outcome) {
+            finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
+        });
 }
 
 void AppsModel::finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone)

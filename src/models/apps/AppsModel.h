@@ -10,7 +10,10 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QThreadPool>
+#include <QTimer>
 #include <QVariantList>
+#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 #include <atomic>
 #include <memory>
@@ -48,6 +51,23 @@ class AppsModel : public QObject
     Q_PROPERTY(qint64 removalSize READ removalSize NOTIFY removalChanged)
     Q_PROPERTY(bool leftoversLoading READ leftoversLoading NOTIFY leftoversLoadingChanged)
     Q_PROPERTY(bool isRemoving READ isRemoving NOTIFY isRemovingChanged)
+    /// Under the list's title: "Buscando…" or "<n> instaladas" (every application, not only the
+    /// ones the search shows, so the figure does not jump while typing).
+    Q_PROPERTY(QString headerLine READ headerLine NOTIFY headerLineChanged)
+    /// "Ordenar por " and the current order's label.
+    Q_PROPERTY(QString sortTitle READ sortTitle NOTIFY sortChanged)
+    Q_PROPERTY(int sortIndex READ sortIndex NOTIFY sortChanged)
+    /// The chosen application for its detail: name, initial, versionLine, isStore, sizeText;
+    /// empty without a selection.
+    Q_PROPERTY(QVariantMap selectedApp READ selectedApp NOTIFY selectedAppChanged)
+    /// Whether the chosen application runs now, looked at on choosing and every few seconds.
+    Q_PROPERTY(bool selectedRunning READ selectedRunning NOTIFY selectedRunningChanged)
+    /// The lines of the removal list: the bundle first (locked, always removed), then every
+    /// leftover found, ticked unless the user unticked it. Maps: id, label, symbol, detail,
+    /// sizeText, ticked, locked.
+    Q_PROPERTY(QVariantList removalRows READ removalRows NOTIFY removalChanged)
+    Q_PROPERTY(int removalCount READ removalCount NOTIFY removalChanged)
+    Q_PROPERTY(QString uninstallLabel READ uninstallLabel NOTIFY removalChanged)
 
 public:
     /// The three orders, in the order the picker shows them: "Nombre", "Tamaño", "Último uso".
@@ -104,9 +124,23 @@ public:
     [[nodiscard]] QVariantList removalMaps() const;
     [[nodiscard]] qint64 removalSize() const;
     [[nodiscard]] bool isRemoving() const { return m_isRemoving; }
+    [[nodiscard]] QString headerLine() const;
+    [[nodiscard]] QString sortTitle() const;
+    [[nodiscard]] int sortIndex() const { return int(m_sort); }
+    [[nodiscard]] QVariantMap selectedApp() const;
+    [[nodiscard]] bool selectedRunning() const { return m_selectedRunning; }
+    [[nodiscard]] QVariantList removalRows() const;
+    [[nodiscard]] int removalCount() const { return int(removalItems().size()); }
+    [[nodiscard]] QString uninstallLabel() const;
 
     /// Lists the applications, then measures their bundles in the background.
     Q_INVOKABLE void load();
+    /// The screen was entered: loads the list unless it has been loaded or is loading already.
+    Q_INVOKABLE void enter();
+    /// Chooses the order by its place in `sortLabels`; any other number is ignored.
+    Q_INVOKABLE void chooseSort(int index);
+    /// Looks again whether the chosen application runs.
+    Q_INVOKABLE void refreshRunning();
     /// Empties the list (before a fresh analysis reloads it).
     void clear();
     /// Chooses an application by its bundle path and looks for its leftovers.
@@ -129,6 +163,9 @@ signals:
     void removalChanged();
     void leftoversLoadingChanged();
     void isRemovingChanged();
+    void headerLineChanged();
+    void selectedAppChanged();
+    void selectedRunningChanged();
 
 private:
     void setLoading(bool loading);
@@ -152,7 +189,14 @@ private:
     bool m_leftoversLoading = false;
     QSet<QString> m_excluded;
     bool m_isRemoving = false;
+    bool m_selectedRunning = false;
+    bool m_everLoaded = false;
+    QTimer m_runningPoll;
     std::shared_ptr<std::atomic<bool>> m_stop = std::make_shared<std::atomic<bool>>(false);
+    // The model's own threads: its rules, measuring and deletions block on the disk and on tools
+    // for long stretches, and on the shared pool they would starve Qt's own parallel work (the
+    // software renderer fills and scales images there), freezing the window while they run.
+    QThreadPool m_pool;
     BackgroundWork m_work;
 };
 

@@ -4,11 +4,17 @@
 #include "core/cleanup/CleanGroup.h"
 #include "core/cleanup/NamedColor.h"
 #include "core/deletion/Deleter.h"
+#include "core/files/NativePath.h"
 #include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
 #include "models/app/AppState.h"
+#include "models/apps/AppsTexts.h"
+#include "models/clean/CleanTexts.h"
 
+#include <QFileInfo>
+#include <QThread>
 #include <QtConcurrent/QtConcurrentRun>
+#include <sys/stat.h>
 
 namespace nubo {
 
@@ -35,10 +41,35 @@ QString stateName(CleanModel::CategoryState state)
     return QStringLiteral("none");
 }
 
+// lstat on the exact bytes, so a name that is not UTF-8 is judged by its own file; a link to a
+// folder is drawn as a file, since cleaning it removes the link only.
+bool isFolder(const QString& path)
+{
+    struct stat info;
+    return ::lstat(NativePath::encode(path).constData(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// The name of an application bundle as the file manager shows it: its file name without ".app".
+QString bundleName(const QString& bundlePath)
+{
+    QString name = bundlePath.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+    if (name.endsWith(QLatin1String(".app")))
+        name.chop(4);
+    return name;
+}
+
 } // namespace
 
 CleanModel::CleanModel(const ModelServices& services, QObject* parent) : QObject(parent), m_services(services)
 {
+    // Enough threads that a few slow rules or tools do not hold the others back.
+    m_pool.setMaxThreadCount(qMax(4, QThread::idealThreadCount()));
+    connect(this, &CleanModel::categoriesChanged, this, &CleanModel::detailChanged);
+    connect(this, &CleanModel::selectionChanged, this, &CleanModel::detailChanged);
+    connect(this, &CleanModel::pathChanged, this, &CleanModel::detailChanged);
+    connect(this, &CleanModel::categoriesChanged, this, &CleanModel::textsChanged);
+    connect(this, &CleanModel::selectionChanged, this, &CleanModel::textsChanged);
+    connect(this, &CleanModel::isScanningChanged, this, &CleanModel::textsChanged);
 }
 
 CleanModel::~CleanModel()
@@ -129,41 +160,159 @@ int CleanModel::selectedCount() const
     return count;
 }
 
+int CleanModel::categoryCount() const
+{
+    return int(m_services.catalog.all().size());
+}
+
+QVariantMap CleanModel::categoryMap(const CleanCategory& row) const
+{
+    const qint64 found = size(row.id);
+    const qsizetype count = m_items.value(row.id).size();
+    const bool loading = m_loading.contains(row.id);
+    const CategoryState current = state(row.id);
+    return {
+        {QStringLiteral("id"), row.id},
+        {QStringLiteral("group"), CleanGroups::title(row.group)},
+        {QStringLiteral("title"), row.title},
+        {QStringLiteral("subtitle"), row.subtitle},
+        {QStringLiteral("symbol"), row.symbol},
+        {QStringLiteral("color"), NamedColors::name(row.color)},
+        {QStringLiteral("caution"), row.caution.value_or(QString())},
+        {QStringLiteral("loading"), loading},
+        {QStringLiteral("count"), int(count)},
+        {QStringLiteral("size"), found},
+        {QStringLiteral("sizeText"), Bytes::string(found)},
+        {QStringLiteral("selectedSize"), selectedSize(row.id)},
+        {QStringLiteral("state"), stateName(current)},
+        {QStringLiteral("help"), CleanTexts::categoryHelp(current == CategoryState::All)},
+        {QStringLiteral("countText"), CleanTexts::categoryCount(loading, count)},
+    };
+}
+
 QVariantList CleanModel::categories() const
 {
     QVariantList rows;
-    for (const CleanCategory& row : m_services.catalog.all()) {
-        const qint64 found = size(row.id);
-        rows.append(QVariantMap{
-            {QStringLiteral("id"), row.id},
-            {QStringLiteral("group"), CleanGroups::title(row.group)},
-            {QStringLiteral("title"), row.title},
-            {QStringLiteral("subtitle"), row.subtitle},
-            {QStringLiteral("symbol"), row.symbol},
-            {QStringLiteral("color"), NamedColors::name(row.color)},
-            {QStringLiteral("caution"), row.caution.value_or(QString())},
-            {QStringLiteral("loading"), m_loading.contains(row.id)},
-            {QStringLiteral("count"), int(m_items.value(row.id).size())},
-            {QStringLiteral("size"), found},
-            {QStringLiteral("sizeText"), Bytes::string(found)},
-            {QStringLiteral("selectedSize"), selectedSize(row.id)},
-            {QStringLiteral("state"), stateName(state(row.id))},
-        });
-    }
+    for (const CleanCategory& row : m_services.catalog.all())
+        rows.append(categoryMap(row));
     return rows;
+}
+
+QVariantList CleanModel::groups() const
+{
+    QVariantList headed;
+    for (const CleanGroup group : CleanGroups::all()) {
+        QVariantList rows;
+        for (const CleanCategory& row : m_services.catalog.all()) {
+            if (row.group == group)
+                rows.append(categoryMap(row));
+        }
+        if (!rows.isEmpty())
+            headed.append(QVariantMap{{QStringLiteral("title"), CleanGroups::title(group)},
+                                      {QStringLiteral("categories"), rows}});
+    }
+    return headed;
+}
+
+QVariantMap CleanModel::detail() const
+{
+    if (m_path.isEmpty())
+        return {};
+    const CleanCategory* row = category(m_path.constFirst());
+    if (!row)
+        return {};
+    QVariantMap page = categoryMap(*row);
+    const QList<CleanItem> found = m_items.value(row->id);
+    qsizetype chosen = 0;
+    QVariantList rows;
+    for (const CleanItem& item : found) {
+        chosen += m_selected.contains(item.id) ? 1 : 0;
+        rows.append(itemMap(item));
+    }
+    const bool all = state(row->id) == CategoryState::All;
+    page.insert(QStringLiteral("selectedCount"), int(chosen));
+    page.insert(QStringLiteral("countLine"), CleanTexts::detailCountLine(chosen, found.size()));
+    page.insert(QStringLiteral("selectedSizeText"), Bytes::string(selectedSize(row->id)));
+    page.insert(QStringLiteral("toggleLabel"), CleanTexts::toggleAllLabel(all));
+    page.insert(QStringLiteral("items"), rows);
+    return page;
+}
+
+QString CleanModel::overviewLine() const
+{
+    return CleanTexts::overviewLine(isScanning(), totalFound());
+}
+
+QString CleanModel::summaryHeading() const
+{
+    return CleanTexts::summaryHeading(isScanning());
+}
+
+QString CleanModel::progressLine() const
+{
+    return CleanTexts::progressLine(categoryCount(), int(m_loading.size()));
+}
+
+QString CleanModel::selectionLine() const
+{
+    return CleanTexts::selectionLine(selectedCount());
+}
+
+double CleanModel::scanProgress() const
+{
+    const int count = categoryCount();
+    if (count == 0)
+        return 1.0;
+    return double(qBound(0, count - int(m_loading.size()), count)) / count;
+}
+
+QString CleanModel::totalSelectedText() const
+{
+    return Bytes::string(totalSelected());
 }
 
 QVariantMap CleanModel::itemMap(const CleanItem& item) const
 {
     return {
         {QStringLiteral("id"), item.id},
-        {QStringLiteral("name"), item.name},
-        {QStringLiteral("detail"), item.detail},
-        {QStringLiteral("subtitle"), item.subtitle.value_or(QString())},
+        {QStringLiteral("name"), CleanTexts::oneLine(item.name)},
+        {QStringLiteral("detail"), CleanTexts::oneLine(item.detail)},
+        {QStringLiteral("subtitle"), CleanTexts::oneLine(item.subtitle.value_or(QString()))},
         {QStringLiteral("size"), item.size},
         {QStringLiteral("sizeText"), Bytes::string(item.size)},
         {QStringLiteral("selected"), m_selected.contains(item.id)},
+        {QStringLiteral("symbol"), CleanTexts::itemSymbol(!item.url(), m_folders.contains(item.id))},
+        {QStringLiteral("appName"), item.appURL ? bundleName(*item.appURL) : QString()},
+        {QStringLiteral("appInitial"),
+         item.appURL ? AppsTexts::initial(bundleName(*item.appURL)) : QString()},
+        {QStringLiteral("appHue"), item.appURL ? AppsTexts::tileHue(bundleName(*item.appURL)) : 0.0},
+        {QStringLiteral("canReveal"), !revealUrl(item.id).isEmpty()},
     };
+}
+
+std::optional<CleanItem> CleanModel::findItem(const QString& itemId) const
+{
+    for (const CleanCategory& row : m_services.catalog.all()) {
+        for (const CleanItem& item : m_items.value(row.id)) {
+            if (item.id == itemId)
+                return item;
+        }
+    }
+    return std::nullopt;
+}
+
+QUrl CleanModel::revealUrl(const QString& itemId) const
+{
+    const auto item = findItem(itemId);
+    const auto path = item ? item->url() : std::nullopt;
+    if (!path)
+        return {};
+    const QString folder = QFileInfo(*path).path();
+    // A folder whose name holds bytes that are not UTF-8 cannot be named by an address: better
+    // no button than one that opens a look-alike folder.
+    if (NativePath::hasEscapedBytes(folder) || !QFileInfo(folder).isAbsolute())
+        return {};
+    return QUrl::fromLocalFile(folder);
 }
 
 QVariantMap CleanModel::itemMaps() const
@@ -205,19 +354,35 @@ void CleanModel::scan()
         const quint64 generation = ++m_generation[row.id];
         // Each category lands on its own; an older run of the same category that ends later is
         // dropped, so the newest list always wins.
-        m_work.start(
-            this, QtConcurrent::run([scan = row.scan] { return scan ? scan() : QList<CleanItem>(); }),
-            [this, id = row.id, generation](const QList<CleanItem>& found) { land(id, generation, found); });
+        m_work.start(this,
+                     QtConcurrent::run(&m_pool,
+                                       [scan = row.scan] {
+                                           Found found;
+                                           if (scan)
+                                               found.items = scan();
+                                           // Whether a path is a folder is read here, off the user-interface
+                                           // thread.
+                                           for (const CleanItem& item : found.items) {
+                                               if (const auto path = item.url(); path && isFolder(*path))
+                                                   found.folders.insert(item.id);
+                                           }
+                                           return found;
+                                       }),
+                     [this, id = row.id, generation](const Found& found) { land(id, generation, found); });
     }
     if (!wasScanning && isScanning())
         emit isScanningChanged();
     emit categoriesChanged();
 }
 
-void CleanModel::land(const QString& categoryId, quint64 generation, const QList<CleanItem>& found)
+void CleanModel::land(const QString& categoryId, quint64 generation, const Found& landed)
 {
     if (m_generation.value(categoryId) != generation)
         return;
+    const QList<CleanItem>& found = landed.items;
+    for (const CleanItem& item : m_items.value(categoryId))
+        m_folders.remove(item.id);
+    m_folders.unite(landed.folders);
     m_items.insert(categoryId, found);
     const CleanCategory* row = category(categoryId);
     bool selectionGrew = false;
@@ -235,6 +400,17 @@ void CleanModel::land(const QString& categoryId, quint64 generation, const QList
     emit categoriesChanged();
     if (m_loading.isEmpty())
         emit isScanningChanged();
+}
+
+void CleanModel::enter()
+{
+    if (!m_hasScanned)
+        scan();
+}
+
+void CleanModel::open(const QString& categoryId)
+{
+    setPath(categoryId.isEmpty() ? QStringList() : QStringList{categoryId});
 }
 
 void CleanModel::toggleCategory(const QString& categoryId)
@@ -296,38 +472,42 @@ void CleanModel::clean(const QStringList& categoryIds)
     emit isCleaningChanged();
 
     const Deleter& deleter = m_services.deleter;
-    m_work.start(this, QtConcurrent::run([chosen, &deleter, runCommands = m_services.runCommands] {
-                     CleanOutcome outcome;
-                     QList<DeletionItem> paths;
-                     QList<CleanItem> commands;
-                     for (const CleanItem& item : chosen) {
-                         if (const auto path = item.url())
-                             paths.append({*path, item.size});
-                         else
-                             commands.append(item);
-                     }
-                     if (!paths.isEmpty()) {
-                         const DeletionResult result = deleter.deleteItemsNow(paths, true);
-                         outcome.freed = result.freed;
-                         outcome.failures = result.failed.size();
-                         for (const DeletionFailure& failure : result.failed)
-                             outcome.failedPaths.insert(failure.path);
-                     }
-                     if (!commands.isEmpty()) {
-                         CommandOutcome ran;
-                         if (runCommands) {
-                             ran = runCommands(commands);
-                         } else {
-                             // Without a runner nothing ran, and nothing may be reported as freed.
-                             for (const CleanItem& item : commands)
-                                 ran.failed.append(item.name);
-                         }
-                         outcome.freed = checkedAdd(outcome.freed, ran.freed);
-                         outcome.failures += ran.failed.size();
-                         outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
-                     }
-                     return outcome;
-                 }),
+    m_work.start(this,
+                 QtConcurrent::run(&m_pool,
+                                   [chosen, &deleter, runCommands = m_services.runCommands] {
+                                       CleanOutcome outcome;
+                                       QList<DeletionItem> paths;
+                                       QList<CleanItem> commands;
+                                       for (const CleanItem& item : chosen) {
+                                           if (const auto path = item.url())
+                                               paths.append({*path, item.size});
+                                           else
+                                               commands.append(item);
+                                       }
+                                       if (!paths.isEmpty()) {
+                                           const DeletionResult result = deleter.deleteItemsNow(paths, true);
+                                           outcome.freed = result.freed;
+                                           outcome.failures = result.failed.size();
+                                           for (const DeletionFailure& failure : result.failed)
+                                               outcome.failedPaths.insert(failure.path);
+                                       }
+                                       if (!commands.isEmpty()) {
+                                           CommandOutcome ran;
+                                           if (runCommands) {
+                                               ran = runCommands(commands);
+                                           } else {
+                                               // Without a runner nothing ran, and nothing may be reported as
+                                               // freed.
+                                               for (const CleanItem& item : commands)
+                                                   ran.failed.append(item.name);
+                                           }
+                                           outcome.freed = checkedAdd(outcome.freed, ran.freed);
+                                           outcome.failures += ran.failed.size();
+                                           outcome.failedNames =
+                                               QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+                                       }
+                                       return outcome;
+                                   }),
                  [this, categoryIds, chosen](const CleanOutcome& outcome) {
                      finishClean(categoryIds, chosen, outcome.freed, outcome.failedPaths, outcome.failedNames,
                                  outcome.failures);

@@ -9,9 +9,12 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QThreadPool>
+#include <QUrl>
 #include <QVariantList>
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
+#include <optional>
 
 namespace nubo {
 
@@ -41,6 +44,23 @@ class CleanModel : public QObject
     Q_PROPERTY(qint64 totalSelected READ totalSelected NOTIFY categoriesChanged)
     Q_PROPERTY(qint64 totalFound READ totalFound NOTIFY categoriesChanged)
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
+    /// The number of categories in the catalogue.
+    Q_PROPERTY(int categoryCount READ categoryCount CONSTANT)
+    /// The catalogue's categories under their headings, in catalogue order: maps with `title` and
+    /// `categories` (the rows of `categories`).
+    Q_PROPERTY(QVariantList groups READ groups NOTIFY categoriesChanged)
+    /// The category the detail page shows (the first entry of `path`): its row of `categories`
+    /// plus countLine, selectedSizeText, toggleLabel, countText and its `items`; empty when the
+    /// overview shows or the id is unknown.
+    Q_PROPERTY(QVariantMap detail READ detail NOTIFY detailChanged)
+    /// The screen's texts for the current figures.
+    Q_PROPERTY(QString overviewLine READ overviewLine NOTIFY textsChanged)
+    Q_PROPERTY(QString summaryHeading READ summaryHeading NOTIFY textsChanged)
+    Q_PROPERTY(QString progressLine READ progressLine NOTIFY textsChanged)
+    Q_PROPERTY(QString selectionLine READ selectionLine NOTIFY textsChanged)
+    Q_PROPERTY(QString totalSelectedText READ totalSelectedText NOTIFY textsChanged)
+    /// The share of the catalogue's categories whose scan has finished, 0 to 1.
+    Q_PROPERTY(double scanProgress READ scanProgress NOTIFY textsChanged)
 
 public:
     enum class CategoryState
@@ -70,7 +90,16 @@ public:
     [[nodiscard]] qint64 totalFound() const;
     [[nodiscard]] int selectedCount() const;
 
+    [[nodiscard]] int categoryCount() const;
     [[nodiscard]] QVariantList categories() const;
+    [[nodiscard]] QVariantList groups() const;
+    [[nodiscard]] QVariantMap detail() const;
+    [[nodiscard]] QString overviewLine() const;
+    [[nodiscard]] QString summaryHeading() const;
+    [[nodiscard]] QString progressLine() const;
+    [[nodiscard]] QString selectionLine() const;
+    [[nodiscard]] QString totalSelectedText() const;
+    [[nodiscard]] double scanProgress() const;
     [[nodiscard]] QVariantMap itemMaps() const;
     [[nodiscard]] QStringList expanded() const;
     [[nodiscard]] const QStringList& path() const { return m_path; }
@@ -82,6 +111,13 @@ public:
     /// Runs every category's rule; each list replaces the old one as it arrives, and the items of
     /// categories that start selected are selected.
     Q_INVOKABLE void scan();
+    /// The screen was entered: the first visit starts the one scan, later visits keep the results.
+    Q_INVOKABLE void enter();
+    /// Opens the detail page of a category, or the overview again for an empty id.
+    Q_INVOKABLE void open(const QString& categoryId);
+    /// The folder holding an item, as an address the file browser opens; empty for a command
+    /// item, an unknown id, or a folder whose name only the disk's own bytes can reach.
+    Q_INVOKABLE [[nodiscard]] QUrl revealUrl(const QString& itemId) const;
     /// All selected → none; none or some → all.
     Q_INVOKABLE void toggleCategory(const QString& categoryId);
     Q_INVOKABLE void toggleItem(const QString& itemId);
@@ -100,24 +136,39 @@ signals:
     void hasScannedChanged();
     void isScanningChanged();
     void isCleaningChanged();
+    void detailChanged();
+    void textsChanged();
 
 private:
-    void land(const QString& categoryId, quint64 generation, const QList<CleanItem>& found);
+    struct Found
+    {
+        QList<CleanItem> items;
+        QSet<QString> folders; ///< ids of the path items that were folders when found
+    };
+
+    void land(const QString& categoryId, quint64 generation, const Found& found);
     void finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, qint64 freed,
                      const QSet<QString>& failedPaths, const QSet<QString>& failedNames, qint64 failures);
     [[nodiscard]] const CleanCategory* category(const QString& categoryId) const;
     [[nodiscard]] QVariantMap itemMap(const CleanItem& item) const;
+    [[nodiscard]] QVariantMap categoryMap(const CleanCategory& row) const;
+    [[nodiscard]] std::optional<CleanItem> findItem(const QString& itemId) const;
 
     const ModelServices& m_services;
     AppState* m_app = nullptr;
     QHash<QString, QList<CleanItem>> m_items;
     QSet<QString> m_loading;
     QHash<QString, quint64> m_generation;
+    QSet<QString> m_folders;
     QSet<QString> m_selected;
     QSet<QString> m_expanded;
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
+    // The model's own threads: its rules, measuring and deletions block on the disk and on tools
+    // for long stretches, and on the shared pool they would starve Qt's own parallel work (the
+    // software renderer fills and scales images there), freezing the window while they run.
+    QThreadPool m_pool;
     BackgroundWork m_work;
 };
 

@@ -1,0 +1,301 @@
+#include "app/support/UiWorld.h"
+
+#include "core/format/Bytes.h"
+
+#include <QFileInfo>
+#include <QTest>
+#include <algorithm>
+
+using namespace nubo;
+using namespace nubo::test;
+
+namespace {
+
+// Every item below `root` in the visual tree, the way the window draws them: the rows that lists
+// and repeaters create are not children of the window in the object tree.
+void collect(QQuickItem* root, QList<QQuickItem*>& out)
+{
+    out.append(root);
+    for (QQuickItem* child : root->childItems())
+        collect(child, out);
+}
+
+// Scrolls every list or page around `target` so that it shows, as a user would before clicking.
+void scrollTo(QQuickItem& target)
+{
+    for (QQuickItem* up = target.parentItem(); up; up = up->parentItem()) {
+        if (!up->inherits("QQuickFlickable"))
+            continue;
+        auto* content = up->property("contentItem").value<QQuickItem*>();
+        if (!content)
+            continue;
+        const qreal top = target.mapToItem(content, QPointF()).y();
+        const qreal most = qMax(0.0, up->property("contentHeight").toReal() - up->height());
+        const qreal visibleTop = up->property("contentY").toReal();
+        if (top < visibleTop || top + target.height() > visibleTop + up->height())
+            up->setProperty("contentY", qBound(0.0, top - up->height() / 3, most));
+    }
+    QTest::qWait(50);
+}
+
+QList<QQuickItem*> drawn(QQuickWindow& window)
+{
+    QList<QQuickItem*> all;
+    collect(window.contentItem(), all);
+    return all;
+}
+
+// The apps screen in the main window over a prepared machine: a store application that left
+// data in the Library, a few more applications, one of them in the user's own folder.
+class AppsViewsTest : public UiWorld
+{
+protected:
+    void SetUp() override
+    {
+        UiWorld::SetUp();
+        m_volume.answer = {994'662'584'320, 181'253'627'904, 170'000'000'000};
+        bundle(QStringLiteral("Applications/Writer.app"), QStringLiteral("com.acme.writer"), 300'000);
+        file(QStringLiteral("Applications/Writer.app/Contents/_MASReceipt/receipt"), 10);
+        bundle(QStringLiteral("Applications/Paint.app"), QStringLiteral("com.acme.paint"), 900'000);
+        bundle(QStringLiteral("Applications/Café Studio.app"), QStringLiteral("com.cafe.studio"), 120'000);
+        bundle(QStringLiteral("Applications/Utilities/Terminal Pro.app"), QStringLiteral("com.pro.term"),
+               40'000);
+        bundle(QStringLiteral("home/Applications/Zeta.app"), QStringLiteral("org.zeta.app"), 200'000);
+        file(QStringLiteral("home/Library/Preferences/com.acme.writer.plist"), 2000);
+        file(QStringLiteral("home/Library/Caches/com.acme.writer/blob"), 30'000);
+        file(QStringLiteral("home/Library/Application Support/Writer/db"), 60'000);
+        file(QStringLiteral("home/Library/Saved Application State/com.acme.writer.savedState/w"), 4000);
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        m_metadata.lastUsed.insert(writer(), now.addDays(-3));
+        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Paint.app")), now.addDays(-400));
+        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Café Studio.app")), now.addDays(-30));
+        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Utilities/Terminal Pro.app")),
+                                   now.addDays(-60));
+        m_metadata.lastUsed.insert(path(QStringLiteral("home/Applications/Zeta.app")), now.addDays(-100));
+    }
+
+    AppsModel& apps() { return *state().apps(); }
+    QString writer() const { return path(QStringLiteral("Applications/Writer.app")); }
+
+    QQuickWindow& openPane()
+    {
+        QQuickWindow& window = mainWindow();
+        state().setSection(QStringLiteral("apps"));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
+        QTest::qWait(Settle);
+        return window;
+    }
+
+    QQuickItem& named(QQuickWindow& window, const QString& name)
+    {
+        QQuickItem* found = item(window, name);
+        for (QQuickItem* candidate : drawn(window)) {
+            if (!found && candidate->objectName() == name)
+                found = candidate;
+        }
+        if (!found) {
+            ADD_FAILURE() << "no item " << name.toStdString();
+            static QQuickItem* none = new QQuickItem; // stands in so the test can go on and fail
+            return *none;
+        }
+        return *found;
+    }
+
+    static QList<QQuickItem*> visibleNamed(QQuickWindow& window, const QString& name)
+    {
+        QList<QQuickItem*> found;
+        for (QQuickItem* candidate : drawn(window)) {
+            if (candidate->objectName() == name && candidate->isVisible())
+                found.append(candidate);
+        }
+        std::sort(found.begin(), found.end(), [](QQuickItem* a, QQuickItem* b) {
+            return a->mapToScene(QPointF()).y() < b->mapToScene(QPointF()).y();
+        });
+        return found;
+    }
+
+    static QQuickItem* button(QQuickWindow& window, const QString& text)
+    {
+        QList<QQuickItem*> all = window.findChildren<QQuickItem*>();
+        all += drawn(window);
+        for (QQuickItem* candidate : all) {
+            if (candidate->isVisible() && candidate->property("text").toString() == text &&
+                candidate->metaObject()->indexOfSignal("clicked()") >= 0)
+                return candidate;
+        }
+        return nullptr;
+    }
+
+    // Chooses an application by clicking its row in the list.
+    void choose(QQuickWindow& window, const QString& name)
+    {
+        for (QQuickItem* row : visibleNamed(window, QStringLiteral("appRow"))) {
+            if (row->property("app").toMap().value(QStringLiteral("name")).toString() == name) {
+                click(*row);
+                ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().leftoversLoading(); }, 10000));
+                QTest::qWait(Settle);
+                return;
+            }
+        }
+        ADD_FAILURE() << "no row for " << name.toStdString();
+    }
+
+    static QString text(QQuickItem& item) { return item.property("text").toString(); }
+
+    // A user's click: the target is scrolled into view first.
+    static void click(QQuickItem& target)
+    {
+        scrollTo(target);
+        UiWorld::click(target);
+    }
+};
+
+} // namespace
+
+TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
+{
+    QQuickWindow& window = openPane();
+    EXPECT_EQ(text(named(window, QStringLiteral("appsHeaderLine"))), QStringLiteral("5 instaladas"));
+    EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 5);
+    EXPECT_TRUE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
+    EXPECT_EQ(text(named(window, QStringLiteral("emptyDetailTitle"))), QStringLiteral("Selecciona una app"));
+    snapshots(window, QStringLiteral("apps-list"));
+
+    // Typing into the search field, as a user does: accents and case do not matter.
+    QQuickItem& search = named(window, QStringLiteral("appsSearch"));
+    click(search);
+    for (const char key : {'C', 'A', 'F', 'E'})
+        QTest::keyClick(&window, key);
+    QTest::qWait(Settle);
+    EXPECT_EQ(apps().query(), QStringLiteral("CAFE"));
+    QList<QQuickItem*> shown = visibleNamed(window, QStringLiteral("appRow"));
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(),
+              QStringLiteral("Café Studio"));
+    EXPECT_EQ(text(named(window, QStringLiteral("appsHeaderLine"))), QStringLiteral("5 instaladas"));
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(&window, Qt::Key_Backspace);
+    QTest::qWait(Settle);
+    EXPECT_TRUE(apps().query().isEmpty());
+
+    // The order menu: "Último uso" puts the app used three days ago first.
+    QQuickItem& sort = named(window, QStringLiteral("sortButton"));
+    EXPECT_EQ(text(sort), QStringLiteral("Ordenar por Nombre"));
+    click(sort);
+    QTest::qWait(Settle);
+    QQuickItem* lastUse = button(window, QStringLiteral("Último uso"));
+    ASSERT_NE(lastUse, nullptr);
+    snapshot(window, DefaultSize, QStringLiteral("apps-sort-menu-default"));
+    click(*lastUse);
+    QTest::qWait(Settle);
+    EXPECT_EQ(text(sort), QStringLiteral("Ordenar por Último uso"));
+    shown = visibleNamed(window, QStringLiteral("appRow"));
+    ASSERT_FALSE(shown.isEmpty());
+    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(),
+              QStringLiteral("Writer"));
+    EXPECT_TRUE(shown.front()
+                    ->property("app")
+                    .toMap()
+                    .value(QStringLiteral("lastUsedText"))
+                    .toString()
+                    .startsWith(QStringLiteral("Usada ")));
+}
+
+TEST_F(AppsViewsTest, TheDetailListsTheRemovalAndTheBundleCannotBeUnticked)
+{
+    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
+    QQuickWindow& window = openPane();
+    choose(window, QStringLiteral("Writer"));
+    EXPECT_TRUE(named(window, QStringLiteral("appDetail")).isVisible());
+    EXPECT_FALSE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
+    EXPECT_EQ(text(named(window, QStringLiteral("appName"))), QStringLiteral("Writer"));
+    EXPECT_EQ(text(named(window, QStringLiteral("versionLine"))), QStringLiteral("Versión 1.0"));
+    EXPECT_TRUE(named(window, QStringLiteral("storeTag")).isVisible());
+    EXPECT_TRUE(named(window, QStringLiteral("runningTag")).isVisible());
+    snapshots(window, QStringLiteral("apps-detail"));
+
+    QList<QQuickItem*> checks = visibleNamed(window, QStringLiteral("removalCheck"));
+    ASSERT_EQ(checks.size(), 5);
+    const qint64 all = apps().removalSize();
+    click(*checks.at(0)); // the bundle
+    QTest::qWait(Settle);
+    EXPECT_EQ(apps().removalSize(), all);
+    EXPECT_EQ(checks.at(0)->property("mode").toString(), QStringLiteral("on"));
+    EXPECT_TRUE(apps().excluded().isEmpty());
+
+    // Unticking every leftover leaves only the bundle, and the button shows the bundle's size.
+    for (int i = 1; i < checks.size(); ++i)
+        click(*checks.at(i));
+    QTest::qWait(Settle);
+    EXPECT_EQ(apps().removalCount(), 1);
+    EXPECT_EQ(text(named(window, QStringLiteral("uninstallButton"))),
+              QStringLiteral("Desinstalar · ") + Bytes::string(*apps().selected()->size));
+    checks = visibleNamed(window, QStringLiteral("removalCheck"));
+    EXPECT_EQ(checks.at(1)->property("mode").toString(), QStringLiteral("off"));
+
+    // Another application without store receipt nor process shows neither tag.
+    choose(window, QStringLiteral("Paint"));
+    EXPECT_FALSE(named(window, QStringLiteral("storeTag")).isVisible());
+    EXPECT_FALSE(named(window, QStringLiteral("runningTag")).isVisible());
+}
+
+TEST_F(AppsViewsTest, UninstallAsksFirstAndCancelLeavesEverything)
+{
+    QQuickWindow& window = openPane();
+    choose(window, QStringLiteral("Writer"));
+    click(named(window, QStringLiteral("uninstallButton")));
+    QTest::qWait(Settle);
+    QQuickItem* title = visibleNamed(window, QStringLiteral("confirmationTitle")).value(0);
+    ASSERT_NE(title, nullptr);
+    EXPECT_EQ(text(*title), QStringLiteral("¿Desinstalar 5 elementos (") +
+                                Bytes::string(apps().removalSize()) + QStringLiteral(")?"));
+    snapshot(window, DefaultSize, QStringLiteral("apps-confirmation-default"));
+    QQuickItem* cancel = button(window, QStringLiteral("Cancelar"));
+    ASSERT_NE(cancel, nullptr);
+    click(*cancel);
+    QTest::qWait(Settle);
+    EXPECT_FALSE(apps().isRemoving());
+    EXPECT_TRUE(exists(QStringLiteral("Applications/Writer.app/Contents/Info.plist")));
+    EXPECT_TRUE(exists(QStringLiteral("home/Library/Preferences/com.acme.writer.plist")));
+    EXPECT_EQ(apps().selection(), writer());
+    EXPECT_FALSE(state().hasToast());
+}
+
+TEST_F(AppsViewsTest, ARemovalDisablesTheButtonThenTheAppLeavesAndTheDetailEmpties)
+{
+    QQuickWindow& window = openPane();
+    // A running copy that will not quit keeps the removal busy for its three-second wait.
+    m_quitObeys = false;
+    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
+    choose(window, QStringLiteral("Writer"));
+    const QList<QQuickItem*> checks = visibleNamed(window, QStringLiteral("removalCheck"));
+    ASSERT_EQ(checks.size(), 5);
+    click(*checks.at(1)); // keep the largest leftover
+    const QString kept = apps().excluded().values().value(0);
+    ASSERT_FALSE(kept.isEmpty());
+
+    click(named(window, QStringLiteral("uninstallButton")));
+    QTest::qWait(Settle);
+    QQuickItem* confirm = visibleNamed(window, QStringLiteral("confirmButton")).value(0);
+    ASSERT_NE(confirm, nullptr);
+    click(*confirm);
+    QTest::qWait(Settle);
+    ASSERT_TRUE(apps().isRemoving());
+    QQuickItem& uninstall = named(window, QStringLiteral("uninstallButton"));
+    EXPECT_FALSE(uninstall.isEnabled());
+    EXPECT_FALSE(visibleNamed(window, QStringLiteral("removalCheck")).at(2)->isEnabled());
+    snapshot(window, DefaultSize, QStringLiteral("apps-removing-default"));
+    click(uninstall);
+    QTest::qWait(Settle);
+    EXPECT_TRUE(visibleNamed(window, QStringLiteral("confirmationTitle")).isEmpty());
+
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
+    QTest::qWait(Settle);
+    EXPECT_EQ(m_quitRequests.load(), 1);
+    EXPECT_FALSE(exists(QStringLiteral("Applications/Writer.app")));
+    EXPECT_TRUE(QFileInfo::exists(kept));
+    EXPECT_TRUE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
+    EXPECT_EQ(text(named(window, QStringLiteral("appsHeaderLine"))), QStringLiteral("4 instaladas"));
+    EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 4);
+    EXPECT_TRUE(state().hasToast());
+}
