@@ -90,6 +90,11 @@ QString ActivityModel::label(Sort sort)
     return sort == Sort::cpu ? QStringLiteral("CPU") : QStringLiteral("Memoria");
 }
 
+QStringList ActivityModel::sortLabels()
+{
+    return {label(Sort::cpu), label(Sort::memory)};
+}
+
 std::optional<ActivityModel::Sort> ActivityModel::sortFromLabel(const QString& text)
 {
     for (const Sort sort : {Sort::cpu, Sort::memory}) {

@@ -6,6 +6,7 @@
 #include <QFuture>
 #include <QList>
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
@@ -47,6 +48,7 @@ class ActivityModel : public QObject
     Q_PROPERTY(bool canActivate READ canActivate CONSTANT)
     Q_PROPERTY(bool canHide READ canHide CONSTANT)
     Q_PROPERTY(bool canMinimize READ canMinimize CONSTANT)
+    Q_PROPERTY(QStringList sortLabels READ sortLabels CONSTANT)
 
 public:
     /// The orders `sorted` can list the applications in; the label is what the picker shows.
@@ -57,6 +59,8 @@ public:
     };
 
     [[nodiscard]] static QString label(Sort sort);
+    /// The labels of every order, in the picker's order.
+    [[nodiscard]] static QStringList sortLabels();
     /// The order with this label ("CPU", "Memoria"); none for any other text.
     [[nodiscard]] static std::optional<Sort> sortFromLabel(const QString& label);
 

@@ -35,6 +35,8 @@ class PerformanceModel : public QObject
     Q_PROPERTY(QStringList running READ runningList NOTIFY runningChanged)
     Q_PROPERTY(QVariantMap outcomes READ outcomesMap NOTIFY outcomesChanged)
     Q_PROPERTY(int snapshotCount READ snapshotCount NOTIFY snapshotCountChanged)
+    Q_PROPERTY(int enabledCount READ enabledCount NOTIFY itemsChanged)
+    Q_PROPERTY(QVariantList tasks READ tasksList CONSTANT)
 
 public:
     /// Both services are borrowed and must outlive the model and any work it has started.
@@ -50,6 +52,11 @@ public:
     /// Task id → {"ok", "message"}.
     [[nodiscard]] QVariantMap outcomesMap() const;
     [[nodiscard]] int snapshotCount() const { return m_snapshotCount; }
+    /// How many of the listed items are switched on.
+    [[nodiscard]] int enabledCount() const;
+    /// The maintenance tasks in display order, for the views: id, title, detail, symbol, color
+    /// (a named tint), needsAdmin and caution (empty when the task has none).
+    [[nodiscard]] static QVariantList tasksList();
 
     /// Reads the launch items and the snapshot count again. When loads overlap, the last one
     /// started is the one shown.
@@ -65,6 +72,8 @@ public:
     /// Runs the task with this id (unknown ids and a task already running are ignored): its
     /// previous outcome goes away while it runs. After "snapshots" the count is read again.
     Q_INVOKABLE void run(const QString& taskId);
+    /// Opens the system's login-items settings page.
+    Q_INVOKABLE void openLoginItemsSettings() const;
 
 signals:
     void itemsChanged();

@@ -44,6 +44,32 @@ const QHash<QString, QStringList>& symbolTable()
         add("exclamationmark.triangle.fill", {"dialog-warning-symbolic", "dialog-warning"});
         add("checkmark", {"object-select-symbolic", "emblem-ok-symbolic"});
         add("minus", {"list-remove-symbolic", "value-decrease-symbolic"});
+        // Activity and performance screens
+        add("cpu", {"system-run-symbolic", "utilities-system-monitor"});
+        add("memorychip", {"media-flash-symbolic", "drive-removable-media-symbolic"});
+        add("memorychip.fill", {"media-flash-symbolic", "drive-removable-media-symbolic"});
+        add("macwindow", {"window-new-symbolic", "window-restore-symbolic"});
+        add("eye", {"view-reveal-symbolic"});
+        add("eye.slash", {"view-conceal-symbolic"});
+        add("xmark", {"window-close-symbolic", "process-stop-symbolic"});
+        add("xmark.circle.fill", {"dialog-error-symbolic", "process-stop-symbolic", "dialog-error"});
+        add("exclamationmark.octagon", {"dialog-error-symbolic", "process-stop-symbolic"});
+        add("app", {"application-x-executable-symbolic", "application-x-executable"});
+        add("arrow.clockwise", {"view-refresh-symbolic", "view-refresh"});
+        add("gearshape.2.fill", {"emblem-system-symbolic", "preferences-system-symbolic"});
+        add("lock.fill", {"changes-prevent-symbolic", "system-lock-screen-symbolic"});
+        add("folder", {"folder-open-symbolic", "folder-symbolic", "folder"});
+        add("doc.on.doc", {"edit-copy-symbolic", "edit-copy"});
+        add("trash", {"user-trash-symbolic", "edit-delete-symbolic", "user-trash"});
+        add("ellipsis.circle", {"view-more-horizontal-symbolic", "view-more-symbolic"});
+        add("clock.arrow.trianglehead.counterclockwise.rotate.90",
+            {"document-open-recent-symbolic", "preferences-system-time-symbolic"});
+        add("network", {"network-workgroup-symbolic", "network-wired-symbolic"});
+        add("arrow.up.forward.app.fill", {"send-to-symbolic", "application-x-executable-symbolic"});
+        add("magnifyingglass", {"system-search-symbolic", "edit-find-symbolic"});
+        add("textformat", {"preferences-desktop-font-symbolic", "font-x-generic-symbolic"});
+        add("internaldrive.fill", {"drive-harddisk-symbolic", "drive-harddisk"});
+        add("dock.rectangle", {"user-desktop-symbolic", "computer-symbolic"});
         return t;
     }();
     return table;
