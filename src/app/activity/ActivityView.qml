@@ -12,6 +12,8 @@ Item {
     property ActivityModel model: appState ? appState.activity : null
 
     readonly property var apps: model ? model.sorted : []
+    // Until the first sample lands the figures are unknown, not zero.
+    readonly property bool sampled: model !== null && model.hasSampled
     readonly property int cpuWidth: width < 1000 ? 72 : 88
     readonly property int memoryWidth: width < 1000 ? 88 : 104
 
@@ -61,7 +63,7 @@ Item {
                 title: "CPU"
                 symbol: "cpu"
                 tint: Theme.namedTint("blue")
-                value: ActivityTexts.totalCpuText(view.model ? view.model.totalCPU : 0)
+                value: view.sampled ? ActivityTexts.totalCpuText(view.model.totalCPU) : "—"
             }
             StatTile {
                 objectName: "memoryTile"
@@ -71,8 +73,7 @@ Item {
                 title: "Memoria"
                 symbol: "memorychip"
                 tint: Theme.namedTint("purple")
-                value: view.model ? ActivityTexts.memoryText(view.model.memoryUsed, view.model.memoryTotal)
-                                  : ActivityTexts.memoryText(0, 0)
+                value: view.sampled ? ActivityTexts.memoryText(view.model.memoryUsed, view.model.memoryTotal) : "—"
                 fraction: view.model ? ActivityTexts.memoryFractionOf(view.model.memoryUsed, view.model.memoryTotal) : 0
                 tone: view.model ? ActivityTexts.memoryToneOf(view.model.memoryUsed, view.model.memoryTotal) : "accent"
             }
@@ -84,7 +85,7 @@ Item {
                 title: "Apps abiertas"
                 symbol: "square.stack.3d.up.fill"
                 tint: Theme.namedTint("orange")
-                value: view.apps.length
+                value: view.sampled ? view.apps.length : "—"
             }
         }
 
@@ -205,7 +206,7 @@ Item {
                 objectName: "emptyTable"
                 anchors.centerIn: parent
                 visible: view.apps.length === 0
-                text: "No hay apps abiertas"
+                text: view.sampled ? "No hay apps abiertas" : "Midiendo…"
                 color: Theme.textSecondary
                 font.family: Theme.fontFamily
                 font.pixelSize: Theme.fontSizeBody

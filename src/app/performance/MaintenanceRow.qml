@@ -121,8 +121,8 @@ Rectangle {
             objectName: "taskBusy"
             visible: row.running
             running: row.running
-            implicitWidth: 20
-            implicitHeight: 20
+            implicitWidth: 26
+            implicitHeight: 26
         }
         CapsuleButton {
             objectName: "taskRun"

@@ -69,6 +69,9 @@ Item {
                     }
                     Text {
                         objectName: "activeCount"
+                        // Nothing is counted before the first load lands.
+                        opacity: view.model !== null && view.model.hasLoaded ? 1 : 0
+                        Behavior on opacity { NumberAnimation { duration: Theme.snappyUI.duration } }
                         text: PerformanceTexts.activeCountText(view.model ? view.model.enabledCount : 0)
                         color: Theme.textSecondary
                         font.family: Theme.fontFamily
@@ -214,6 +217,7 @@ Item {
             }
             Rectangle {
                 Layout.fillWidth: true
+                visible: taskRows.count > 0
                 implicitHeight: taskList.implicitHeight + Theme.spacing * 2
                 radius: Theme.radiusCard
                 color: Theme.cardBackground
@@ -226,6 +230,7 @@ Item {
                     spacing: 0
 
                     Repeater {
+                        id: taskRows
                         model: view.model ? view.model.tasks : []
                         delegate: ColumnLayout {
                             id: taskEntry
@@ -246,7 +251,7 @@ Item {
                                 task: taskEntry.modelData
                                 running: view.model !== null && view.model.running.indexOf(taskEntry.modelData.id) >= 0
                                 outcome: view.model ? (view.model.outcomes[taskEntry.modelData.id] || null) : null
-                                extra: taskEntry.modelData.id === "snapshots" && view.model
+                                extra: taskEntry.modelData.id === "snapshots" && view.model && view.model.hasLoaded
                                        ? PerformanceTexts.snapshotsText(view.model.snapshotCount) : ""
                                 onRunRequested: (id) => view.model.run(id)
                             }

@@ -228,6 +228,10 @@ void ActivityModel::publish(const Snapshot& snapshot)
         emit memoryChanged();
     }
     noteAccessibility();
+    if (!m_hasSampled) {
+        m_hasSampled = true;
+        emit hasSampledChanged();
+    }
     m_refreshing = false;
     emit refreshed();
     if (m_refreshAgain) {

@@ -119,6 +119,7 @@ void PerformanceModel::load()
                     emit itemsChanged();
                 }
                 setSnapshotCount(loaded.snapshots);
+                assignAndNotify(this, m_hasLoaded, true, &PerformanceModel::hasLoadedChanged);
             }
             if (--m_loading == 0)
                 emit isLoadingChanged();

@@ -36,6 +36,7 @@ class PerformanceModel : public QObject
     Q_PROPERTY(QVariantMap outcomes READ outcomesMap NOTIFY outcomesChanged)
     Q_PROPERTY(int snapshotCount READ snapshotCount NOTIFY snapshotCountChanged)
     Q_PROPERTY(int enabledCount READ enabledCount NOTIFY itemsChanged)
+    Q_PROPERTY(bool hasLoaded READ hasLoaded NOTIFY hasLoadedChanged)
     Q_PROPERTY(QVariantList tasks READ tasksList CONSTANT)
 
 public:
@@ -52,6 +53,8 @@ public:
     /// Task id → {"ok", "message"}.
     [[nodiscard]] QVariantMap outcomesMap() const;
     [[nodiscard]] int snapshotCount() const { return m_snapshotCount; }
+    /// A load has landed at least once, so the list and the snapshot count say something.
+    [[nodiscard]] bool hasLoaded() const { return m_hasLoaded; }
     /// How many of the listed items are switched on.
     [[nodiscard]] int enabledCount() const;
     /// The maintenance tasks in display order, for the views: id, title, detail, symbol, color
@@ -81,6 +84,7 @@ signals:
     void runningChanged();
     void outcomesChanged();
     void snapshotCountChanged();
+    void hasLoadedChanged();
     /// A switch or removal was refused or failed; the list is unchanged.
     void actionFailed(const QString& url);
 
@@ -96,6 +100,7 @@ private:
     QSet<QString> m_running;
     QHash<QString, MaintenanceTask::Outcome> m_outcomes;
     int m_snapshotCount = 0;
+    bool m_hasLoaded = false;
 };
 
 } // namespace nubo

@@ -201,8 +201,19 @@ TEST_F(ActivityViewsTest, BeforeTheFirstSampleAndWithoutAModelTheScreenIsEmptyNo
     QQuickWindow* window = screen();
     ASSERT_NE(window, nullptr);
     snapshots(*window, QStringLiteral("activity-empty"));
+    // Before the first sample nothing is known: no "0 %" and no claim that nothing is open.
+    EXPECT_EQ(text(item(*window, QStringLiteral("emptyTable"))), QStringLiteral("Midiendo…"));
+    EXPECT_EQ(text(in(item(*window, QStringLiteral("cpuTile")), "statValue")), QStringLiteral("—"));
+
+    // A sample with no regular app running says so.
+    m_workspace.running.clear();
+    refreshed();
+    QTest::qWait(Settle);
     EXPECT_TRUE(item(*window, QStringLiteral("emptyTable"))->isVisible());
+    EXPECT_EQ(text(item(*window, QStringLiteral("emptyTable"))), QStringLiteral("No hay apps abiertas"));
     EXPECT_EQ(text(in(item(*window, QStringLiteral("cpuTile")), "statValue")), QStringLiteral("0 %"));
+    EXPECT_EQ(text(in(item(*window, QStringLiteral("appsTile")), "statValue")), QStringLiteral("0"));
+    snapshot(*window, MinimumSize, QStringLiteral("activity-none-open-minimum"));
 
     // The state built over prepared services has no activity model: the screen stays quiet.
     state().setSection(QStringLiteral("activity"));

@@ -214,6 +214,9 @@ TEST_F(PerformanceViewsTest, FirstShowingLoadsOnceAndSearchingGivesWayToTheItems
     snapshots(*window, QStringLiteral("performance-searching"));
     EXPECT_TRUE(item(*window, QStringLiteral("searching"))->isVisible());
     EXPECT_FALSE(item(*window, QStringLiteral("noItems"))->isVisible());
+    // Nothing has been counted yet, so no count and no "no snapshots" claim shows.
+    EXPECT_EQ(item(*window, QStringLiteral("activeCount"))->opacity(), 0.0);
+    EXPECT_FALSE(in(task(*window, "snapshots"), "taskExtra")->isVisible());
 
     openListGate();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !m_model->isLoading(); }, 15000));
@@ -383,7 +386,9 @@ TEST_F(PerformanceViewsTest, ARunningTaskDisablesOnlyItsOwnButtonAndThenShowsIts
 
     openVerifyGate();
     ASSERT_TRUE(QTest::qWaitFor([&] { return run->isEnabled(); }, 10000));
+    window->resize(MinimumSize);
     QTest::qWait(Settle);
+    bringIntoView(*window, *verify);
     EXPECT_EQ(text(in(verify, "taskOutcomeText")), QStringLiteral("Sin errores"));
     EXPECT_TRUE(in(verify, "taskOutcome")->isVisible());
     snapshot(*window, MinimumSize, QStringLiteral("performance-tasks-minimum"));

@@ -129,7 +129,9 @@ protected:
 TEST_F(PerformanceModelTest, LoadFillsTheItemsAndTheSnapshotCount)
 {
     EXPECT_EQ(m_model->snapshotCount(), 0);
+    EXPECT_FALSE(m_model->hasLoaded());
     loaded();
+    EXPECT_TRUE(m_model->hasLoaded());
     EXPECT_EQ(m_model->snapshotCount(), 2);
     EXPECT_EQ(m_model->itemsList().size(), 2);
 }
