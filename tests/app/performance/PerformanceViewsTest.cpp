@@ -393,3 +393,46 @@ TEST_F(PerformanceViewsTest, ARunningTaskDisablesOnlyItsOwnButtonAndThenShowsIts
     EXPECT_TRUE(in(verify, "taskOutcome")->isVisible());
     snapshot(*window, MinimumSize, QStringLiteral("performance-tasks-minimum"));
 }
+
+// The screen sits in the stack of panes from start-up; it reads the launch items the first time
+// it shows, not at launch, and coming back to it does not read them again.
+TEST_F(PerformanceViewsTest, ThePaneLoadsOnItsFirstShowingOnly)
+{
+    QQuickWindow* window = this->window(R"(
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Nubo
+import Nubo.Models
+ApplicationWindow {
+    id: win
+    required property AppState appState
+    required property PerformanceModel model
+    property int pane: 0
+    width: 1280; height: 820; visible: true
+    StackLayout {
+        anchors.fill: parent
+        currentIndex: win.pane
+        Item {}
+        PerformanceView { appState: win.appState; model: win.model }
+    }
+}
+)",
+                                        {{QStringLiteral("appState"), QVariant::fromValue(&state())},
+                                         {QStringLiteral("model"), QVariant::fromValue(m_model.get())}});
+    ASSERT_NE(window, nullptr);
+    QSignalSpy loading(m_model.get(), &PerformanceModel::isLoadingChanged);
+    QTest::qWait(Settle);
+    EXPECT_EQ(loading.count(), 0);
+    EXPECT_FALSE(m_model->hasLoaded());
+
+    window->setProperty("pane", 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_model->hasLoaded() && !m_model->isLoading(); }, 15000));
+    EXPECT_EQ(loading.count(), 2); // on, then off
+
+    window->setProperty("pane", 0);
+    QTest::qWait(50);
+    window->setProperty("pane", 1);
+    QTest::qWait(Settle);
+    EXPECT_EQ(loading.count(), 2);
+}
