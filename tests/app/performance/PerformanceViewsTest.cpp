@@ -154,11 +154,11 @@ protected:
     }
 
     // The screen once its first load has landed.
-    QQuickWindow* loadedScreen()
+    QQuickWindow* loadedScreen(qsizetype expected = 4)
     {
         QQuickWindow* shown = screen();
         if (shown) {
-            EXPECT_TRUE(QTest::qWaitFor([&] { return m_model->items().size() == 4 && !m_model->isLoading(); }, 15000));
+            EXPECT_TRUE(QTest::qWaitFor([&, expected] { return m_model->items().size() == expected && !m_model->isLoading(); }, 15000));
         }
         QTest::qWait(UiWorld::Settle);
         return shown;
@@ -320,6 +320,38 @@ TEST_F(PerformanceViewsTest, RemovalAsksFirstAndCancelLeavesTheItemAndItsFile)
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_model->items().size() == 3; }, 10000));
     EXPECT_FALSE(QFile::exists(file));
     EXPECT_TRUE(QTest::qWaitFor([&] { return launchRow(*window, "com.me.sync") == nullptr; }, 5000));
+}
+
+// A job whose file name starts with "-" and whose label holds quotes, a backslash, markup and a
+// line break: the row shows it as plain text on one line, and only the confirmed removal deletes
+// exactly that file.
+TEST_F(PerformanceViewsTest, AnOddlyNamedItemReadsAsPlainTextAndGoesOnlyWhenConfirmed)
+{
+    const QString label = QStringLiteral("-x \"q\" \\ <b>bold</b>\nline");
+    const QString file = mac("home/Library/LaunchAgents/-x \"q\" \\ b.plist");
+    writeBytes(file, plistBytes(QVariantMap{{QStringLiteral("Label"), label},
+                                            {QStringLiteral("Program"), QStringLiteral("/bin/true")}},
+                                PlistFormat::xml));
+    QQuickWindow* window = loadedScreen(5);
+    ASSERT_NE(window, nullptr);
+    QQuickItem* odd = visual(window->contentItem(), QStringLiteral("launchItem-") + label);
+    ASSERT_NE(odd, nullptr);
+    const QString details = text(in(odd, "itemDetails"));
+    EXPECT_TRUE(details.startsWith(QStringLiteral("Tu usuario · "))) << details.toStdString();
+    EXPECT_FALSE(details.contains(QLatin1Char('\n')));
+    EXPECT_EQ(in(odd, "itemDetails")->property("textFormat").toInt(), int(Qt::PlainText));
+    snapshot(*window, DefaultSize, QStringLiteral("performance-odd-name-default"));
+
+    click(*in(odd, "itemMore"));
+    QTest::qWait(Settle);
+    click(*item(*window, QStringLiteral("menuRemove")));
+    QTest::qWait(Settle);
+    EXPECT_TRUE(QFile::exists(file));
+    click(*item(*window, QStringLiteral("removalConfirm")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_model->items().size() == 4; }, 10000));
+    EXPECT_FALSE(QFile::exists(file));
+    EXPECT_TRUE(QFile::exists(mac("home/Library/LaunchAgents/com.me.sync.plist")));
+    EXPECT_TRUE(QFile::exists(mac("home/Library/LaunchAgents/com.dropbox.agent.plist")));
 }
 
 TEST_F(PerformanceViewsTest, SwitchFollowsWhatTheSystemAcceptedAndTheMenuCopiesTheProgram)
