@@ -8,8 +8,9 @@ import Nubo.Models
 Rectangle {
     id: row
 
-    property ActivityModel model
-    property var app: ({})
+    property ActivityModel activity
+    // The row's application (a row of ActivityAppList: pid, name, cpu, memory, isHidden, isActive).
+    required property var app
     property int cpuWidth: 88
     property int memoryWidth: 104
     signal forceQuitRequested(var app)
@@ -58,7 +59,7 @@ Rectangle {
         }
         AppActions {
             objectName: "rowActions"
-            model: row.model
+            model: row.activity
             app: row.app
             opacity: hover.hovered ? 1 : 0.55
             Behavior on opacity { NumberAnimation { duration: Theme.snappyUI.duration } }
@@ -67,6 +68,8 @@ Rectangle {
         Text {
             objectName: "appCpu"
             Layout.preferredWidth: row.cpuWidth
+            Layout.minimumWidth: row.cpuWidth
+            Layout.maximumWidth: row.cpuWidth
             horizontalAlignment: Text.AlignRight
             text: ActivityTexts.appCpuText(row.app.cpu || 0)
             color: Theme.textPrimary
@@ -76,6 +79,8 @@ Rectangle {
         Text {
             objectName: "appMemory"
             Layout.preferredWidth: row.memoryWidth
+            Layout.minimumWidth: row.memoryWidth
+            Layout.maximumWidth: row.memoryWidth
             horizontalAlignment: Text.AlignRight
             text: ActivityTexts.bytesText(row.app.memory || 0)
             color: Theme.textPrimary

@@ -14,8 +14,8 @@ Item {
     readonly property var apps: model ? model.sorted : []
     // Until the first sample lands the figures are unknown, not zero.
     readonly property bool sampled: model !== null && model.hasSampled
-    readonly property int cpuWidth: width < 1000 ? 72 : 88
-    readonly property int memoryWidth: width < 1000 ? 88 : 104
+    readonly property int cpuWidth: 80
+    readonly property int memoryWidth: 96
 
     function askForceQuit(app) {
         forceQuit.app = app
@@ -153,6 +153,8 @@ Item {
                     }
                     Text {
                         Layout.preferredWidth: view.cpuWidth
+                        Layout.minimumWidth: view.cpuWidth
+                        Layout.maximumWidth: view.cpuWidth
                         horizontalAlignment: Text.AlignRight
                         text: "CPU"
                         color: view.model && view.model.sort === "CPU" ? Theme.textPrimary : Theme.textSecondary
@@ -162,6 +164,8 @@ Item {
                     }
                     Text {
                         Layout.preferredWidth: view.memoryWidth
+                        Layout.minimumWidth: view.memoryWidth
+                        Layout.maximumWidth: view.memoryWidth
                         horizontalAlignment: Text.AlignRight
                         text: "Memoria"
                         color: view.model && view.model.sort === "Memoria" ? Theme.textPrimary : Theme.textSecondary
@@ -183,17 +187,32 @@ Item {
                     Layout.fillHeight: true
                     Layout.topMargin: Theme.spacingSmall
                     clip: true
-                    model: view.apps
+                    // Rows keep their identity across refreshes, so the one under the pointer is
+                    // not rebuilt while it is being clicked; a change of order slides into place.
+                    model: ActivityAppList { activity: view.model }
                     boundsBehavior: Flickable.StopAtBounds
                     ScrollBar.vertical: ScrollBar {}
+                    move: Transition {
+                        NumberAnimation { property: "y"; duration: Theme.reflow.duration; easing.type: Theme.reflow.easing }
+                    }
+                    moveDisplaced: Transition {
+                        NumberAnimation { property: "y"; duration: Theme.reflow.duration; easing.type: Theme.reflow.easing }
+                    }
+                    add: Transition {
+                        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.snappyUI.duration }
+                    }
+                    addDisplaced: Transition {
+                        NumberAnimation { property: "y"; duration: Theme.reflow.duration; easing.type: Theme.reflow.easing }
+                    }
+                    removeDisplaced: Transition {
+                        NumberAnimation { property: "y"; duration: Theme.reflow.duration; easing.type: Theme.reflow.easing }
+                    }
 
                     delegate: ActivityRow {
                         id: appRow
-                        required property var modelData
-                        objectName: "appRow-" + modelData.pid
+                        objectName: "appRow-" + app.pid
                         width: ListView.view.width
-                        model: view.model
-                        app: modelData
+                        activity: view.model
                         cpuWidth: view.cpuWidth
                         memoryWidth: view.memoryWidth
                         onForceQuitRequested: (app) => view.askForceQuit(app)
