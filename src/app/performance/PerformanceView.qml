@@ -1,15 +1,276 @@
 import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
 import Nubo.Models
 
-// The performance screen: what opens by itself, and the maintenance tasks.
+// The performance screen: what opens by itself at login, and the maintenance tasks. Its only
+// state of its own is the launch item whose removal waits for confirmation. The launch items are
+// read the first time the screen shows, and again on "Actualizar".
 Item {
     id: view
 
     required property AppState appState
+    property PerformanceModel model: appState ? appState.performance : null
 
-    PanePlaceholder {
+    readonly property var items: model ? model.items : []
+    readonly property bool loading: model !== null && model.isLoading
+    property bool loadRequested: false
+
+    function loadOnce() {
+        if (!loadRequested && model !== null && visible) {
+            loadRequested = true
+            model.load()
+        }
+    }
+    function askRemoval(item) {
+        removal.item = item
+        removal.open()
+    }
+    function showMenu(item, source, x, y) {
+        const at = source.mapToItem(view, x, y)
+        itemMenu.item = item
+        itemMenu.popup(at.x, at.y)
+    }
+
+    onVisibleChanged: loadOnce()
+    onModelChanged: loadOnce()
+    // The stack of panes settles which one shows after creation; only the shown one loads.
+    Component.onCompleted: Qt.callLater(loadOnce)
+
+    Flickable {
+        id: page
+        objectName: "performancePage"
         anchors.fill: parent
-        title: view.appState.sectionTitle
-        symbol: view.appState.sectionSymbol
+        contentWidth: width
+        contentHeight: column.implicitHeight + Theme.spacingHuge * 2
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        ScrollBar.vertical: ScrollBar {}
+
+        ColumnLayout {
+            id: column
+            x: Theme.spacingHuge
+            y: Theme.spacingHuge
+            width: page.width - Theme.spacingHuge * 2
+            spacing: Theme.spacingLarge + Theme.spacingSmall
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: Theme.spacing
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 2
+                    Text {
+                        text: "Rendimiento"
+                        color: Theme.textPrimary
+                        font.family: Theme.fontFamily
+                        font.pixelSize: Theme.fontSizeLargeTitle
+                        font.weight: Font.Bold
+                    }
+                    Text {
+                        objectName: "activeCount"
+                        // Nothing is counted before the first load lands.
+                        opacity: view.model !== null && view.model.hasLoaded ? 1 : 0
+                        Behavior on opacity { NumberAnimation { duration: Theme.snappyUI.duration } }
+                        text: PerformanceTexts.activeCountText(view.model ? view.model.enabledCount : 0)
+                        color: Theme.textSecondary
+                        font.family: Theme.fontFamily
+                        font.pixelSize: Theme.fontSizeBody
+                    }
+                }
+                Item { Layout.fillWidth: true }
+                CapsuleButton {
+                    objectName: "refresh"
+                    Layout.alignment: Qt.AlignTop
+                    enabled: view.model !== null
+                    text: "Actualizar"
+                    symbol: "arrow.clockwise"
+                    onClicked: view.model.load()
+                }
+            }
+
+            // What opens by itself
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: Theme.spacingSmall
+                Text {
+                    text: "Se abren solos"
+                    color: Theme.textPrimary
+                    font.family: Theme.fontFamily
+                    font.pixelSize: 17
+                    font.weight: Font.Bold
+                }
+                Text {
+                    Layout.fillWidth: true
+                    text: "Agentes y servicios que macOS arranca al iniciar sesión. Desactivar no borra nada y se puede deshacer."
+                    color: Theme.textSecondary
+                    font.family: Theme.fontFamily
+                    font.pixelSize: Theme.fontSizeBody
+                    wrapMode: Text.WordWrap
+                }
+                Text {
+                    objectName: "loginItemsLink"
+                    text: "Ítems de inicio en Ajustes…"
+                    color: Theme.link
+                    font.family: Theme.fontFamily
+                    font.pixelSize: Theme.fontSizeBody
+                    font.underline: linkHover.hovered
+                    HoverHandler { id: linkHover; cursorShape: Qt.PointingHandCursor }
+                    TapHandler { onTapped: if (view.model) view.model.openLoginItemsSettings() }
+                }
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                implicitHeight: launchList.implicitHeight + Theme.spacing * 2
+                radius: Theme.radiusCard
+                color: Theme.cardBackground
+
+                ColumnLayout {
+                    id: launchList
+                    x: Theme.spacing
+                    y: Theme.spacing
+                    width: parent.width - Theme.spacing * 2
+                    spacing: 0
+
+                    RowLayout {
+                        objectName: "searching"
+                        visible: view.loading && view.items.length === 0
+                        Layout.alignment: Qt.AlignHCenter
+                        Layout.margins: Theme.spacingLarge
+                        spacing: Theme.spacing
+                        BusyIndicator { running: parent.visible; implicitWidth: 20; implicitHeight: 20 }
+                        Text {
+                            text: "Buscando…"
+                            color: Theme.textSecondary
+                            font.family: Theme.fontFamily
+                            font.pixelSize: Theme.fontSizeBody
+                        }
+                    }
+                    Text {
+                        objectName: "noItems"
+                        visible: !view.loading && view.items.length === 0
+                        Layout.alignment: Qt.AlignHCenter
+                        Layout.margins: Theme.spacingLarge
+                        text: "No hay agentes ni servicios que se abran solos."
+                        color: Theme.textSecondary
+                        font.family: Theme.fontFamily
+                        font.pixelSize: Theme.fontSizeBody
+                    }
+                    Repeater {
+                        model: view.items
+                        delegate: ColumnLayout {
+                            id: entry
+                            required property var modelData
+                            required property int index
+                            Layout.fillWidth: true
+                            spacing: 0
+                            Rectangle {
+                                visible: entry.index > 0
+                                Layout.fillWidth: true
+                                Layout.leftMargin: 48
+                                Layout.preferredHeight: 1
+                                color: Theme.separator
+                            }
+                            LaunchItemRow {
+                                objectName: "launchItem-" + entry.modelData.label
+                                Layout.fillWidth: true
+                                item: entry.modelData
+                                onToggleRequested: (item) => view.model.toggle(item.url)
+                                onMenuRequested: (item, source, x, y) => view.showMenu(item, source, x, y)
+                            }
+                        }
+                    }
+                }
+            }
+
+            // Maintenance
+            ColumnLayout {
+                Layout.fillWidth: true
+                Layout.topMargin: Theme.spacing
+                spacing: Theme.spacingSmall
+                Text {
+                    text: "Mantenimiento"
+                    color: Theme.textPrimary
+                    font.family: Theme.fontFamily
+                    font.pixelSize: 17
+                    font.weight: Font.Bold
+                }
+                // The padlock is drawn as the same symbol the rows show, so the note matches them
+                // on systems without a colour emoji font.
+                RowLayout {
+                    objectName: "adminNote"
+                    spacing: Theme.spacingSmall
+                    Text {
+                        text: "Las tareas marcadas con"
+                        color: Theme.textSecondary
+                        font.family: Theme.fontFamily
+                        font.pixelSize: Theme.fontSizeBody
+                    }
+                    SymbolIcon { symbol: "lock.fill"; size: 12; tint: Theme.textSecondary }
+                    Text {
+                        text: "piden tu contraseña de administrador."
+                        color: Theme.textSecondary
+                        font.family: Theme.fontFamily
+                        font.pixelSize: Theme.fontSizeBody
+                    }
+                }
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                visible: taskRows.count > 0
+                implicitHeight: taskList.implicitHeight + Theme.spacing * 2
+                radius: Theme.radiusCard
+                color: Theme.cardBackground
+
+                ColumnLayout {
+                    id: taskList
+                    x: Theme.spacing
+                    y: Theme.spacing
+                    width: parent.width - Theme.spacing * 2
+                    spacing: 0
+
+                    Repeater {
+                        id: taskRows
+                        model: view.model ? view.model.tasks : []
+                        delegate: ColumnLayout {
+                            id: taskEntry
+                            required property var modelData
+                            required property int index
+                            Layout.fillWidth: true
+                            spacing: 0
+                            Rectangle {
+                                visible: taskEntry.index > 0
+                                Layout.fillWidth: true
+                                Layout.leftMargin: 50
+                                Layout.preferredHeight: 1
+                                color: Theme.separator
+                            }
+                            MaintenanceRow {
+                                objectName: "task-" + taskEntry.modelData.id
+                                Layout.fillWidth: true
+                                task: taskEntry.modelData
+                                running: view.model !== null && view.model.running.indexOf(taskEntry.modelData.id) >= 0
+                                outcome: view.model ? (view.model.outcomes[taskEntry.modelData.id] || null) : null
+                                extra: taskEntry.modelData.id === "snapshots" && view.model && view.model.hasLoaded
+                                       ? PerformanceTexts.snapshotsText(view.model.snapshotCount) : ""
+                                onRunRequested: (id) => view.model.run(id)
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+
+    LaunchItemMenu {
+        id: itemMenu
+        objectName: "launchItemMenu"
+        onRemoveRequested: (item) => view.askRemoval(item)
+    }
+
+    LaunchItemRemoval {
+        id: removal
+        objectName: "launchItemRemoval"
+        onConfirmed: (item) => view.model.remove(item.url)
     }
 }

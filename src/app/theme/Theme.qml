@@ -129,6 +129,30 @@ QtObject {
     }
 
     // Activity and performance screens
+    readonly property int tableRowHeight: 44
+    readonly property int appGlyphSize: 24
+    readonly property int statValueSize: 24
+    readonly property color rowHover: dark ? Qt.rgba(1, 1, 1, 0.05) : Qt.rgba(0, 0, 0, 0.035)
+    readonly property color link: accent
+    // The system's named tints a maintenance task or an app glyph is drawn in.
+    function namedTint(name) {
+        switch (name) {
+        case "green": return green
+        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
+        case "blue": return dark ? "#0A84FF" : "#007AFF"
+        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
+        case "gray": return dark ? "#98989D" : "#8E8E93"
+        case "orange": return orange
+        case "teal": return dark ? "#40C8E0" : "#30B0C7"
+        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
+        case "red": return red
+        case "pink": return dark ? "#FF375F" : "#FF2D55"
+        case "mint": return dark ? "#63E6E2" : "#00C7BE"
+        case "yellow": return dark ? "#FFD60A" : "#FFCC00"
+        case "brown": return dark ? "#AC8E68" : "#A2845E"
+        }
+        return accent
+    }
 
     // Menu-bar panel
     readonly property int panelWidth: 320

@@ -90,6 +90,11 @@ QString ActivityModel::label(Sort sort)
     return sort == Sort::cpu ? QStringLiteral("CPU") : QStringLiteral("Memoria");
 }
 
+QStringList ActivityModel::sortLabels()
+{
+    return {label(Sort::cpu), label(Sort::memory)};
+}
+
 std::optional<ActivityModel::Sort> ActivityModel::sortFromLabel(const QString& text)
 {
     for (const Sort sort : {Sort::cpu, Sort::memory}) {
@@ -223,6 +228,10 @@ void ActivityModel::publish(const Snapshot& snapshot)
         emit memoryChanged();
     }
     noteAccessibility();
+    if (!m_hasSampled) {
+        m_hasSampled = true;
+        emit hasSampledChanged();
+    }
     m_refreshing = false;
     emit refreshed();
     if (m_refreshAgain) {

@@ -6,6 +6,7 @@
 #include <QFuture>
 #include <QList>
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
@@ -47,6 +48,8 @@ class ActivityModel : public QObject
     Q_PROPERTY(bool canActivate READ canActivate CONSTANT)
     Q_PROPERTY(bool canHide READ canHide CONSTANT)
     Q_PROPERTY(bool canMinimize READ canMinimize CONSTANT)
+    Q_PROPERTY(QStringList sortLabels READ sortLabels CONSTANT)
+    Q_PROPERTY(bool hasSampled READ hasSampled NOTIFY hasSampledChanged)
 
 public:
     /// The orders `sorted` can list the applications in; the label is what the picker shows.
@@ -57,6 +60,8 @@ public:
     };
 
     [[nodiscard]] static QString label(Sort sort);
+    /// The labels of every order, in the picker's order.
+    [[nodiscard]] static QStringList sortLabels();
     /// The order with this label ("CPU", "Memoria"); none for any other text.
     [[nodiscard]] static std::optional<Sort> sortFromLabel(const QString& label);
 
@@ -86,6 +91,8 @@ public:
     [[nodiscard]] qint64 memoryUsed() const { return m_memory.used; }
     [[nodiscard]] qint64 memoryTotal() const { return m_memory.total; }
     [[nodiscard]] bool launchAtLogin() const { return m_launchAtLogin; }
+    /// A refresh has landed, so an empty list means that no app is open.
+    [[nodiscard]] bool hasSampled() const { return m_hasSampled; }
     [[nodiscard]] Sort sort() const { return m_sort; }
     void setSort(Sort sort);
     [[nodiscard]] QString sortLabel() const { return label(m_sort); }
@@ -137,6 +144,7 @@ signals:
     void launchAtLoginChanged();
     void sortChanged();
     void hasAccessibilityChanged();
+    void hasSampledChanged();
     /// A refresh has been published (also when nothing changed).
     void refreshed();
 
@@ -166,6 +174,7 @@ private:
     Sort m_sort = Sort::cpu;
     bool m_lastAccessibility = false;
     bool m_started = false;
+    bool m_hasSampled = false;
     bool m_refreshing = false;
     bool m_refreshAgain = false;
     QTimer m_loop;

@@ -1,6 +1,7 @@
 #include "models/performance/PerformanceModel.h"
 
 #include "models/app/Notify.h"
+#include "models/performance/PerformanceTexts.h"
 #include "core/launch/LaunchItems.h"
 #include "core/maintenance/MaintenanceCatalog.h"
 
@@ -46,9 +47,35 @@ QVariantList PerformanceModel::itemsList() const
                             {QStringLiteral("isLoaded"), item.isLoaded},
                             {QStringLiteral("name"), item.name},
                             {QStringLiteral("appURL"), item.appURL.value_or(QString())},
-                            {QStringLiteral("needsAdmin"), item.needsAdmin()}};
+                            {QStringLiteral("needsAdmin"), item.needsAdmin()},
+                            {QStringLiteral("details"), PerformanceTexts::details(item)}};
     }
     return list;
+}
+
+int PerformanceModel::enabledCount() const
+{
+    return int(std::count_if(m_items.cbegin(), m_items.cend(), [](const LaunchItem& item) { return item.isEnabled; }));
+}
+
+QVariantList PerformanceModel::tasksList()
+{
+    QVariantList list;
+    for (const MaintenanceTask& task : MaintenanceCatalog::all()) {
+        list << QVariantMap{{QStringLiteral("id"), task.id},
+                            {QStringLiteral("title"), task.title},
+                            {QStringLiteral("detail"), task.detail},
+                            {QStringLiteral("symbol"), task.symbol},
+                            {QStringLiteral("color"), NamedColors::name(task.color)},
+                            {QStringLiteral("needsAdmin"), task.needsAdmin},
+                            {QStringLiteral("caution"), task.caution.value_or(QString())}};
+    }
+    return list;
+}
+
+void PerformanceModel::openLoginItemsSettings() const
+{
+    m_launchItems.openLoginItemsSettings();
 }
 
 QStringList PerformanceModel::runningList() const
@@ -92,6 +119,7 @@ void PerformanceModel::load()
                     emit itemsChanged();
                 }
                 setSnapshotCount(loaded.snapshots);
+                assignAndNotify(this, m_hasLoaded, true, &PerformanceModel::hasLoadedChanged);
             }
             if (--m_loading == 0)
                 emit isLoadingChanged();

@@ -35,6 +35,9 @@ class PerformanceModel : public QObject
     Q_PROPERTY(QStringList running READ runningList NOTIFY runningChanged)
     Q_PROPERTY(QVariantMap outcomes READ outcomesMap NOTIFY outcomesChanged)
     Q_PROPERTY(int snapshotCount READ snapshotCount NOTIFY snapshotCountChanged)
+    Q_PROPERTY(int enabledCount READ enabledCount NOTIFY itemsChanged)
+    Q_PROPERTY(bool hasLoaded READ hasLoaded NOTIFY hasLoadedChanged)
+    Q_PROPERTY(QVariantList tasks READ tasksList CONSTANT)
 
 public:
     /// Both services are borrowed and must outlive the model and any work it has started.
@@ -50,6 +53,13 @@ public:
     /// Task id → {"ok", "message"}.
     [[nodiscard]] QVariantMap outcomesMap() const;
     [[nodiscard]] int snapshotCount() const { return m_snapshotCount; }
+    /// A load has landed at least once, so the list and the snapshot count say something.
+    [[nodiscard]] bool hasLoaded() const { return m_hasLoaded; }
+    /// How many of the listed items are switched on.
+    [[nodiscard]] int enabledCount() const;
+    /// The maintenance tasks in display order, for the views: id, title, detail, symbol, color
+    /// (a named tint), needsAdmin and caution (empty when the task has none).
+    [[nodiscard]] static QVariantList tasksList();
 
     /// Reads the launch items and the snapshot count again. When loads overlap, the last one
     /// started is the one shown.
@@ -65,6 +75,8 @@ public:
     /// Runs the task with this id (unknown ids and a task already running are ignored): its
     /// previous outcome goes away while it runs. After "snapshots" the count is read again.
     Q_INVOKABLE void run(const QString& taskId);
+    /// Opens the system's login-items settings page.
+    Q_INVOKABLE void openLoginItemsSettings() const;
 
 signals:
     void itemsChanged();
@@ -72,6 +84,7 @@ signals:
     void runningChanged();
     void outcomesChanged();
     void snapshotCountChanged();
+    void hasLoadedChanged();
     /// A switch or removal was refused or failed; the list is unchanged.
     void actionFailed(const QString& url);
 
@@ -87,6 +100,7 @@ private:
     QSet<QString> m_running;
     QHash<QString, MaintenanceTask::Outcome> m_outcomes;
     int m_snapshotCount = 0;
+    bool m_hasLoaded = false;
 };
 
 } // namespace nubo

@@ -78,7 +78,6 @@ const QHash<QString, QStringList>& symbolTable()
         add("hand.raised.fill", {"security-medium-symbolic", "security-high-symbolic"});
         add("checkmark.seal.fill", {"emblem-ok-symbolic", "object-select-symbolic"});
         add("square.stack.3d.up.slash.fill", {"view-app-grid-symbolic", "applications-other"});
-        add("arrow.clockwise", {"view-refresh-symbolic", "view-refresh"});
         add("ellipsis.circle", {"view-more-horizontal-symbolic", "open-menu-symbolic"});
         add("bubbles.and.sparkles", {"edit-clear-all-symbolic", "edit-clear-symbolic"});
         add("eye.slash", {"view-conceal-symbolic"});
@@ -88,7 +87,6 @@ const QHash<QString, QStringList>& symbolTable()
         add("xmark", {"window-close-symbolic", "process-stop-symbolic"});
         add("exclamationmark.octagon", {"process-stop-symbolic", "dialog-warning-symbolic"});
         add("macwindow", {"focus-windows-symbolic", "window-new-symbolic"});
-        add("chevron.right", {"go-next-symbolic", "pan-end-symbolic"});
         // The space map
         add("house", {"user-home-symbolic", "go-home-symbolic", "user-home"});
         add("folder", {"folder-symbolic", "folder"});
@@ -105,6 +103,20 @@ const QHash<QString, QStringList>& symbolTable()
         add("lock", {"changes-prevent-symbolic", "system-lock-screen-symbolic", "emblem-readonly"});
         add("info.circle", {"dialog-information-symbolic", "help-about-symbolic", "dialog-information"});
         add("trash", {"user-trash-symbolic", "edit-delete-symbolic", "user-trash"});
+        // Activity and performance screens
+        add("cpu", {"system-run-symbolic", "utilities-system-monitor"});
+        add("memorychip", {"media-flash-symbolic", "drive-removable-media-symbolic"});
+        add("memorychip.fill", {"media-flash-symbolic", "drive-removable-media-symbolic"});
+        add("eye", {"view-reveal-symbolic"});
+        add("xmark.circle.fill", {"dialog-error-symbolic", "process-stop-symbolic", "dialog-error"});
+        add("app", {"application-x-executable-symbolic", "application-x-executable"});
+        add("gearshape.2.fill", {"emblem-system-symbolic", "preferences-system-symbolic"});
+        add("clock.arrow.trianglehead.counterclockwise.rotate.90",
+            {"document-open-recent-symbolic", "preferences-system-time-symbolic"});
+        add("network", {"network-workgroup-symbolic", "network-wired-symbolic"});
+        add("arrow.up.forward.app.fill", {"send-to-symbolic", "application-x-executable-symbolic"});
+        add("textformat", {"preferences-desktop-font-symbolic", "font-x-generic-symbolic"});
+        add("dock.rectangle", {"user-desktop-symbolic", "computer-symbolic"});
         return t;
     }();
     return table;

@@ -115,8 +115,10 @@ TEST_F(ActivityModelTest, RefreshListsRegularRunningAppsAndSortsStably)
     ActivityModel model(services());
     EXPECT_EQ(model.totalCPU(), 0);
     EXPECT_TRUE(model.apps().isEmpty());
+    EXPECT_FALSE(model.hasSampled());
 
     refreshed(model);
+    EXPECT_TRUE(model.hasSampled());
     EXPECT_EQ(pids(model.apps()), (QList<qint32>{20, 30, kOwnPid}));
     EXPECT_EQ(model.apps().at(0).memory, 5000);
     EXPECT_EQ(model.apps().at(0).name, QStringLiteral("Zeta"));
