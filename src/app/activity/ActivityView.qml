@@ -62,7 +62,7 @@ Item {
                 Layout.preferredWidth: 1
                 title: "CPU"
                 symbol: "cpu"
-                tint: Theme.namedTint("blue")
+                tint: Theme.tint("blue")
                 value: view.sampled ? ActivityTexts.totalCpuText(view.model.totalCPU) : "—"
             }
             StatTile {
@@ -72,7 +72,7 @@ Item {
                 Layout.preferredWidth: 1
                 title: "Memoria"
                 symbol: "memorychip"
-                tint: Theme.namedTint("purple")
+                tint: Theme.tint("purple")
                 value: view.sampled ? ActivityTexts.memoryText(view.model.memoryUsed, view.model.memoryTotal) : "—"
                 fraction: view.model ? ActivityTexts.memoryFractionOf(view.model.memoryUsed, view.model.memoryTotal) : 0
                 tone: view.model ? ActivityTexts.memoryToneOf(view.model.memoryUsed, view.model.memoryTotal) : "accent"
@@ -84,7 +84,7 @@ Item {
                 Layout.preferredWidth: 1
                 title: "Apps abiertas"
                 symbol: "square.stack.3d.up.fill"
-                tint: Theme.namedTint("orange")
+                tint: Theme.tint("orange")
                 value: view.sampled ? view.apps.length : "—"
             }
         }

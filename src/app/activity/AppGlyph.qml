@@ -14,7 +14,7 @@ Rectangle {
     width: size
     height: size
     radius: Math.round(size * 0.24)
-    color: Theme.namedTint(tints[(name.length > 0 ? name.charCodeAt(0) + name.length : 0) % tints.length])
+    color: Theme.tint(tints[(name.length > 0 ? name.charCodeAt(0) + name.length : 0) % tints.length])
 
     Text {
         anchors.centerIn: parent

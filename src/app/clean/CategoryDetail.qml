@@ -11,7 +11,7 @@ Item {
     required property CleanModel model
     readonly property var detail: model.detail
     readonly property var entries: detail.items !== undefined ? detail.items : []
-    readonly property color tint: Theme.namedTint(detail.color)
+    readonly property color tint: Theme.tint(detail.color)
     signal cleanRequested()
 
     ColumnLayout {

@@ -13,7 +13,7 @@ Rectangle {
     signal toggled()
     signal opened()
 
-    readonly property color tint: Theme.namedTint(category.color)
+    readonly property color tint: Theme.tint(category.color)
 
     implicitHeight: Theme.cleanRowHeight
     radius: Theme.radiusSmall

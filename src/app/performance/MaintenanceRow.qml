@@ -31,7 +31,7 @@ Rectangle {
             implicitWidth: 30
             implicitHeight: 30
             radius: 8
-            color: Theme.namedTint(row.task.color || "")
+            color: Theme.tint(row.task.color || "")
             SymbolIcon {
                 anchors.centerIn: parent
                 symbol: row.task.symbol || ""

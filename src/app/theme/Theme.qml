@@ -39,6 +39,26 @@ QtObject {
     readonly property color textPrimary: dark ? "#F5F5F7" : "#1D1D1F"
     readonly property color textSecondary: dark ? "#A1A1A6" : "#6E6E73"
 
+    // The named colours the models give categories, recommendations, tasks and app glyphs ("teal", "purple"…).
+    function tint(name) {
+        switch (name) {
+        case "teal": return dark ? "#40C8E0" : "#30B0C7"
+        case "gray": return dark ? "#98989D" : "#8E8E93"
+        case "orange": return orange
+        case "red": return red
+        case "blue": return accent
+        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
+        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
+        case "brown": return dark ? "#AC8E68" : "#A2845E"
+        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
+        case "green": return green
+        case "mint": return dark ? "#66D4CF" : "#00C7BE"
+        case "yellow": return dark ? "#FFD60A" : "#E5B800"
+        case "pink": return dark ? "#FF375F" : "#FF2D55"
+        default: return accent
+        }
+    }
+
     // The colour of a tone named by the models ("accent", "success", "warning", "critical").
     function toneColor(tone) {
         return tone === "critical" ? red : tone === "warning" ? orange : tone === "success" ? green : accent
@@ -71,25 +91,6 @@ QtObject {
     readonly property int iconTile: 36
     readonly property int sheetWidth: 460
     readonly property color badgeBackground: dark ? Qt.rgba(1, 1, 1, 0.14) : Qt.rgba(0, 0, 0, 0.08)
-    // The named colours the models give categories and recommendations ("teal", "purple"…).
-    function tint(name) {
-        switch (name) {
-        case "teal": return dark ? "#40C8E0" : "#30B0C7"
-        case "gray": return dark ? "#98989D" : "#8E8E93"
-        case "orange": return orange
-        case "red": return red
-        case "blue": return accent
-        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
-        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
-        case "brown": return dark ? "#AC8E68" : "#A2845E"
-        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
-        case "green": return green
-        case "mint": return dark ? "#66D4CF" : "#00C7BE"
-        case "yellow": return dark ? "#FFD60A" : "#E5B800"
-        case "pink": return dark ? "#FF375F" : "#FF2D55"
-        default: return accent
-        }
-    }
 
     // Space map
     readonly property color mapFrame: dark ? "#232325" : "#F7F7F9"
@@ -108,25 +109,6 @@ QtObject {
     readonly property int appsDetailIcon: 64
     readonly property color cautionBackground: dark ? Qt.rgba(1, 0.62, 0.04, 0.14) : Qt.rgba(0.94, 0.54, 0, 0.10)
     readonly property color tagBackground: dark ? Qt.rgba(1, 1, 1, 0.10) : Qt.rgba(0, 0, 0, 0.06)
-    // The system's named tints the cleanup categories use for their icons.
-    function namedTint(name) {
-        switch (name) {
-        case "teal": return dark ? "#40C8E0" : "#30B0C7"
-        case "gray": return dark ? "#98989D" : "#8E8E93"
-        case "orange": return orange
-        case "red": return red
-        case "blue": return accent
-        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
-        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
-        case "brown": return dark ? "#AC8E68" : "#A2845E"
-        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
-        case "green": return green
-        case "mint": return dark ? "#66D4CF" : "#00C7BE"
-        case "yellow": return dark ? "#FFD60A" : "#E5B800"
-        case "pink": return dark ? "#FF375F" : "#FF2D55"
-        }
-        return textSecondary
-    }
 
     // Activity and performance screens
     readonly property int tableRowHeight: 44
@@ -134,25 +116,6 @@ QtObject {
     readonly property int statValueSize: 24
     readonly property color rowHover: dark ? Qt.rgba(1, 1, 1, 0.05) : Qt.rgba(0, 0, 0, 0.035)
     readonly property color link: accent
-    // The system's named tints a maintenance task or an app glyph is drawn in.
-    function namedTint(name) {
-        switch (name) {
-        case "green": return green
-        case "purple": return dark ? "#BF5AF2" : "#AF52DE"
-        case "blue": return dark ? "#0A84FF" : "#007AFF"
-        case "indigo": return dark ? "#5E5CE6" : "#5856D6"
-        case "gray": return dark ? "#98989D" : "#8E8E93"
-        case "orange": return orange
-        case "teal": return dark ? "#40C8E0" : "#30B0C7"
-        case "cyan": return dark ? "#64D2FF" : "#32ADE6"
-        case "red": return red
-        case "pink": return dark ? "#FF375F" : "#FF2D55"
-        case "mint": return dark ? "#63E6E2" : "#00C7BE"
-        case "yellow": return dark ? "#FFD60A" : "#FFCC00"
-        case "brown": return dark ? "#AC8E68" : "#A2845E"
-        }
-        return accent
-    }
 
     // Menu-bar panel
     readonly property int panelWidth: 320

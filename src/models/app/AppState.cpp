@@ -28,6 +28,8 @@ AppState::AppState(Services services, QObject* parent)
     m_clean = std::make_unique<CleanModel>(*m_models, this);
     m_apps = std::make_unique<AppsModel>(*m_models, this);
     m_map->setApp(this);
+    // The node menu reveals and opens files through the same workspace as the settings page.
+    m_map->setWorkspace(workspace());
     m_clean->setApp(this);
     m_apps->setApp(this);
 
@@ -169,12 +171,15 @@ void AppState::pollPermissions()
         setShowPermissions(false);
 }
 
+Workspace* AppState::workspace() const
+{
+    return m_services.workspace ? m_services.workspace : (m_backends ? &m_backends->workspace() : nullptr);
+}
+
 void AppState::openFullDiskAccessSettings()
 {
-    Workspace* workspace = m_services.workspace ? m_services.workspace
-                                                : (m_backends ? &m_backends->workspace() : nullptr);
-    if (workspace)
-        Permissions::openFullDiskAccessSettings(*workspace);
+    if (Workspace* shell = workspace())
+        Permissions::openFullDiskAccessSettings(*shell);
 }
 
 void AppState::report(qint64 freed, qint64 failures)

@@ -181,6 +181,7 @@ signals:
     void badgesChanged();
 
 private:
+    [[nodiscard]] Workspace* workspace() const;
     void setDisk(const DiskInfo& disk);
     void setHasFullDiskAccess(bool granted);
     void setToast(std::optional<Toast> toast);
