@@ -42,7 +42,7 @@ QFuture<DeletionResult> Deleter::deleteItems(QList<DeletionItem> items, bool all
     auto promise = std::make_shared<QPromise<DeletionResult>>();
     QFuture<DeletionResult> future = promise->future();
     promise->start();
-    QThreadPool::globalInstance()->start([this, promise, items = std::move(items), allowAdmin] {
+    m_pool.start([this, promise, items = std::move(items), allowAdmin] {
         promise->addResult(deleteItemsNow(items, allowAdmin));
         promise->finish();
     });

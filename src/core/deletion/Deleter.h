@@ -3,6 +3,7 @@
 #include "core/deletion/DeletionResult.h"
 
 #include <QFuture>
+#include <QThreadPool>
 
 namespace nubo {
 
@@ -43,6 +44,10 @@ public:
 private:
     const Safety& m_safety;
     AdminRunner& m_admin;
+    // Deletions (and the password prompt they may wait on) run on threads of their own: Qt's
+    // shared pool also draws images for the window, which must not wait behind a prompt. The
+    // pool's end waits for a running deletion, which borrows this object.
+    mutable QThreadPool m_pool;
 };
 
 } // namespace nubo

@@ -212,7 +212,7 @@ void ActivityModel::refresh()
         watcher->deleteLater();
         publish(watcher->result());
     });
-    m_refreshJob = QtConcurrent::run([sampling = m_sampling] { return sampling->take(); });
+    m_refreshJob = QtConcurrent::run(&m_pool, [sampling = m_sampling] { return sampling->take(); });
     watcher->setFuture(m_refreshJob);
 }
 
@@ -400,7 +400,7 @@ void ActivityModel::minimizeOnPool(QList<qint64> pids)
     // Each window is a message to another application that may be slow to answer.
     Accessibility& accessibility = m_services.accessibility;
     m_minimizeJobs.removeIf([](const QFuture<void>& job) { return job.isFinished(); });
-    m_minimizeJobs << QtConcurrent::run([&accessibility, pids = std::move(pids)] {
+    m_minimizeJobs << QtConcurrent::run(&m_pool, [&accessibility, pids = std::move(pids)] {
         for (const qint64 pid : pids)
             accessibility.minimizeWindows(pid);
     });

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QObject>
 #include <QStringList>
+#include <QThreadPool>
 #include <QTimer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
@@ -179,6 +180,9 @@ private:
     bool m_refreshAgain = false;
     QTimer m_loop;
     QTimer m_bump;
+    // Sampling and minimising run on threads of our own, never on the pool Qt draws images with:
+    // a hung application can keep a minimise waiting for its time-out.
+    QThreadPool m_pool;
     QFuture<Snapshot> m_refreshJob;
     QList<QFuture<void>> m_minimizeJobs;
 };

@@ -75,7 +75,7 @@ MapModel::~MapModel()
 void MapModel::discard(std::shared_ptr<const FileNode> tree)
 {
     if (tree)
-        m_work.add(QtConcurrent::run([tree = std::move(tree)]() mutable { tree.reset(); }));
+        m_work.add(QtConcurrent::run(&m_pool, [tree = std::move(tree)]() mutable { tree.reset(); }));
 }
 
 void MapModel::feedback(Feedback kind) const
@@ -400,7 +400,7 @@ void MapModel::scan(const Scope& scope)
     m_progress = progress;
     m_poll.start();
     DiskScanner& scanner = m_services.scanner;
-    m_work.start(this, QtConcurrent::run([&scanner, folder, progress] {
+    m_work.start(this, QtConcurrent::run(&m_pool, [&scanner, folder, progress] {
                      return Tree(scanner.scan(folder, *progress));
                  }),
                  [this, progress](Tree tree) { land(progress, std::move(tree)); });

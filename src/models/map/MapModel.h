@@ -7,6 +7,7 @@
 #include <QFuture>
 #include <QObject>
 #include <QSet>
+#include <QThreadPool>
 #include <QTimer>
 #include <QUrl>
 #include <QVariantList>
@@ -265,6 +266,9 @@ private:
     QString m_scanningPath;
     int m_revision = 0;
     bool m_isDeleting = false;
+    // The scan and the freeing of old trees run on threads of our own: Qt's shared pool also
+    // draws images for the window, and a long scan there could stall the drawing.
+    QThreadPool m_pool;
     BackgroundWork m_work;
 };
 

@@ -6,6 +6,7 @@
 #include "core/maintenance/MaintenanceCatalog.h"
 
 #include <QFutureWatcher>
+#include <QThread>
 #include <QtConcurrent>
 #include <algorithm>
 
@@ -13,9 +14,10 @@ namespace nubo {
 
 namespace {
 
-// Runs `work` on the thread pool and hands its result to `done` on `context`'s thread; when the
+// Runs `work` on `pool` and hands its result to `done` on `context`'s thread; when the
 // context is destroyed first, the result is dropped.
-template <typename Work, typename Done> void inBackground(QObject* context, Work work, Done done)
+template <typename Work, typename Done>
+void inBackground(QThreadPool& pool, QObject* context, Work work, Done done)
 {
     using Result = std::invoke_result_t<Work>;
     auto* watcher = new QFutureWatcher<Result>(context);
@@ -23,7 +25,7 @@ template <typename Work, typename Done> void inBackground(QObject* context, Work
         watcher->deleteLater();
         done(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run(std::move(work)));
+    watcher->setFuture(QtConcurrent::run(&pool, std::move(work)));
 }
 
 } // namespace
@@ -32,6 +34,8 @@ PerformanceModel::PerformanceModel(const LaunchItems& launchItems, const Mainten
                                    QObject* parent)
     : QObject(parent), m_launchItems(launchItems), m_maintenance(maintenance)
 {
+    // A task waiting for the password must not hold back a listing or another task.
+    m_pool.setMaxThreadCount(qMax(4, QThread::idealThreadCount()));
 }
 
 QVariantList PerformanceModel::itemsList() const
@@ -107,7 +111,7 @@ void PerformanceModel::load()
     const LaunchItems& launchItems = m_launchItems;
     const MaintenanceCatalog& maintenance = m_maintenance;
     inBackground(
-        this,
+        m_pool, this,
         [&launchItems, &maintenance] {
             return Loaded{launchItems.load(), maintenance.localSnapshotCount()};
         },
@@ -131,7 +135,7 @@ void PerformanceModel::toggle(const LaunchItem& item)
     const bool enabled = !item.isEnabled;
     const LaunchItems& launchItems = m_launchItems;
     inBackground(
-        this, [&launchItems, item, enabled] { return launchItems.setEnabled(item, enabled); },
+        m_pool, this, [&launchItems, item, enabled] { return launchItems.setEnabled(item, enabled); },
         [this, url = item.url, enabled](bool done) {
             if (!done) {
                 emit actionFailed(url);
@@ -150,7 +154,7 @@ void PerformanceModel::remove(const LaunchItem& item)
 {
     const LaunchItems& launchItems = m_launchItems;
     inBackground(
-        this, [&launchItems, item] { return launchItems.remove(item); },
+        m_pool, this, [&launchItems, item] { return launchItems.remove(item); },
         [this, url = item.url](bool done) {
             if (!done) {
                 emit actionFailed(url);
@@ -201,7 +205,7 @@ void PerformanceModel::run(const QString& taskId)
     };
     const MaintenanceCatalog& maintenance = m_maintenance;
     inBackground(
-        this,
+        m_pool, this,
         [&maintenance, task = *task] {
             Ran ran{maintenance.run(task), std::nullopt};
             if (task.id == QLatin1String("snapshots"))

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QThreadPool>
 #include <QVariantList>
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
@@ -101,6 +102,10 @@ private:
     QHash<QString, MaintenanceTask::Outcome> m_outcomes;
     int m_snapshotCount = 0;
     bool m_hasLoaded = false;
+    // Listings and tasks (which may wait for a password or a tool's time-out) run on threads of
+    // our own, away from the pool Qt draws images with; going first, the pool waits for them
+    // while the services they borrow still exist.
+    QThreadPool m_pool;
 };
 
 } // namespace nubo
