@@ -1,4 +1,5 @@
 #include "app/support/UiWorld.h"
+#include "support/Eventually.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -135,7 +136,7 @@ TEST_F(HomeViewTest, TheSafeCleanAsksFirstAndCancelDeletesNothing)
     ASSERT_NE(confirmation, nullptr);
 
     click(*clean);
-    QTRY_VERIFY(confirmation->property("opened").toBool());
+    ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     auto* title = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmationTitle"));
     ASSERT_NE(title, nullptr);
     EXPECT_EQ(title->property("text").toString(), QStringLiteral("¿Limpiar 3 elementos (2,32 GB)?"));
@@ -146,7 +147,7 @@ TEST_F(HomeViewTest, TheSafeCleanAsksFirstAndCancelDeletesNothing)
     ASSERT_NE(cancel, nullptr);
     EXPECT_EQ(cancel->property("text").toString(), QStringLiteral("Cancelar"));
     click(*cancel);
-    QTRY_VERIFY(!confirmation->property("visible").toBool());
+    ASSERT_TRUE(eventually([&] { return !confirmation->property("visible").toBool(); }));
     QTest::qWait(Settle);
     EXPECT_FALSE(state().clean()->isCleaning());
     EXPECT_FALSE(state().hasToast());
@@ -155,7 +156,7 @@ TEST_F(HomeViewTest, TheSafeCleanAsksFirstAndCancelDeletesNothing)
 
     // Confirmed: the safe items go, the rest stays, and the toast tells.
     click(*clean);
-    QTRY_VERIFY(confirmation->property("opened").toBool());
+    ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     auto* confirm = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmButton"));
     ASSERT_NE(confirm, nullptr);
     click(*confirm);

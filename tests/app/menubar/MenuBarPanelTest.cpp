@@ -1,4 +1,5 @@
 #include "app/support/UiWorld.h"
+#include "support/Eventually.h"
 
 #include "app/menubar/MenuBarPresenter.h"
 #include "models/activity/ActivityModel.h"
@@ -195,16 +196,16 @@ TEST_F(MenuBarPanelTest, ForceQuitWaitsForTheConfirmation)
     ASSERT_NE(first, nullptr);
 
     QMetaObject::invokeMethod(first, "forceQuitRequested");
-    QTRY_VERIFY(confirmation->property("opened").toBool());
+    ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     EXPECT_EQ(item(*window, QStringLiteral("forceQuitTitle"))->property("text").toString(),
               QStringLiteral("¿Forzar la salida de Safari?"));
     snapshot(*window, QSize(400, 720), QStringLiteral("menubar-force-quit"));
     click(*item(*window, QStringLiteral("forceQuitCancel")));
-    QTRY_VERIFY(!confirmation->property("visible").toBool());
+    ASSERT_TRUE(eventually([&] { return !confirmation->property("visible").toBool(); }));
     EXPECT_TRUE(m_workspace.actions.isEmpty()) << "cancel ends nothing";
 
     QMetaObject::invokeMethod(first, "forceQuitRequested");
-    QTRY_VERIFY(confirmation->property("opened").toBool());
+    ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     click(*item(*window, QStringLiteral("forceQuitConfirm")));
     EXPECT_EQ(m_workspace.actions, QStringList{QStringLiteral("forceTerminate 100")});
 }
@@ -226,8 +227,8 @@ TEST_F(MenuBarPanelTest, QuickActionsReachTheirModels)
     QQuickItem* toggle = item(*window, QStringLiteral("launchAtLoginRow"))->findChild<QQuickItem*>(QStringLiteral("toggle"));
     ASSERT_NE(toggle, nullptr);
     click(*toggle);
-    QTRY_VERIFY(m_login.registered);
-    QTRY_VERIFY(toggle->property("checked").toBool());
+    ASSERT_TRUE(eventually([&] { return m_login.registered; }));
+    ASSERT_TRUE(eventually([&] { return toggle->property("checked").toBool(); }));
 
     QSignalSpy quit(&controller(), &ShellController::quitRequested);
     click(*item(*window, QStringLiteral("quitRow")));
@@ -247,8 +248,8 @@ TEST_F(MenuBarPanelTest, WithoutATrayThePanelOpensOnRequestAndRefreshesTheDisk)
     m_volume.answer = {1'000'000'000'000, 400'000'000'000, 400'000'000'000};
     QSignalSpy disk(&state(), &AppState::diskChanged);
     controller().showPanel();
-    QTRY_VERIFY(m_presenter->panel()->isVisible());
-    QTRY_COMPARE(disk.count(), 1); // each appearance refreshes the figures
+    ASSERT_TRUE(eventually([&] { return m_presenter->panel()->isVisible(); }));
+    ASSERT_TRUE(eventually([&] { return disk.count() == 1; })); // each appearance refreshes the figures
     EXPECT_EQ(state().diskAvailable(), 400'000'000'000);
     m_presenter->toggle();
     EXPECT_FALSE(m_presenter->panel()->isVisible());

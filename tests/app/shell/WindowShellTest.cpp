@@ -1,4 +1,5 @@
 #include "app/support/UiWorld.h"
+#include "support/Eventually.h"
 
 #include "app/ui/UiEngine.h"
 #include "models/app/ShellController.h"
@@ -194,7 +195,7 @@ TEST_F(WindowShellTest, TheGuidanceClosesBySelfSoonAfterAccessAppears)
     m_granted = true;
     QElapsedTimer waited;
     waited.start();
-    QTRY_VERIFY_WITH_TIMEOUT(!guidance->property("visible").toBool(), 3000);
+    ASSERT_TRUE(eventually([&] { return !guidance->property("visible").toBool(); }, 3000));
     EXPECT_LT(waited.elapsed(), 2600);
     EXPECT_TRUE(ownState().hasFullDiskAccess());
     EXPECT_FALSE(item(window, QStringLiteral("fullDiskAccessCard"))->isVisible());
@@ -207,11 +208,11 @@ TEST_F(WindowShellTest, ClosingKeepsTheAppAsAnAccessoryAndReopeningShowsTheWindo
     EXPECT_EQ(m_shell.presences.last(), AppShell::Presence::Regular);
 
     window.close();
-    QTRY_VERIFY(!window.isVisible());
+    ASSERT_TRUE(eventually([&] { return !window.isVisible(); }));
     EXPECT_EQ(m_shell.presences.last(), AppShell::Presence::Accessory);
 
     m_shell.reopen();
-    QTRY_VERIFY(window.isVisible());
+    ASSERT_TRUE(eventually([&] { return window.isVisible(); }));
     EXPECT_EQ(m_shell.presences.last(), AppShell::Presence::Regular);
 }
 
@@ -220,7 +221,7 @@ TEST_F(WindowShellTest, MenuCommandsScanAgainClimbAndOfferOnlyWhatExists)
     file(QStringLiteral("home/Projects/app/data.bin"), 5 * MiB);
     QQuickWindow& window = shellWindow(grantedState());
     window.requestActivate();
-    QTRY_VERIFY(window.isActive() || QGuiApplication::focusWindow() == &window);
+    ASSERT_TRUE(eventually([&] { return window.isActive() || QGuiApplication::focusWindow() == &window; }));
 
     QTest::keyClick(&window, Qt::Key_R, Qt::ControlModifier);
     EXPECT_EQ(ownState().section(), QStringLiteral("map"));

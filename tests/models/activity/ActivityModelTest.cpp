@@ -1,4 +1,5 @@
 #include "models/activity/ActivityModel.h"
+#include "support/Eventually.h"
 
 #include "platform/fake/FakeAccessibility.h"
 #include "platform/fake/FakeLoginItem.h"
@@ -12,6 +13,7 @@
 #include <thread>
 
 using namespace nubo;
+using nubo::test::eventually;
 using namespace std::chrono_literals;
 
 namespace {
@@ -153,7 +155,7 @@ TEST_F(ActivityModelTest, RefreshesNeverOverlapAndStartingTwiceRunsOneLoop)
     model.refresh();
     model.bump();
     // The first refresh, one that follows it for everything asked meanwhile, and the bump's.
-    QTRY_COMPARE_WITH_TIMEOUT(spy.count(), 2, 5000);
+    ASSERT_TRUE(eventually([&] { return spy.count() == 2; }, 5000));
     QTest::qWait(200);
     EXPECT_LE(spy.count(), 3);
     EXPECT_EQ(m_table.overlap.load(), 1);
@@ -196,7 +198,7 @@ TEST_F(ActivityModelTest, HideAllAndMinimizeAllLeaveTheProgramItself)
     EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("hide 20"), QStringLiteral("hide 30")}));
 
     model.minimizeAll();
-    QTRY_COMPARE_WITH_TIMEOUT(m_accessibility.minimized().size(), 2, 5000);
+    ASSERT_TRUE(eventually([&] { return m_accessibility.minimized().size() == 2; }, 5000));
     EXPECT_EQ(m_accessibility.minimized(), (QList<qint64>{20, 30}));
     EXPECT_EQ(m_accessibility.requests.load(), 0);
 }
@@ -217,7 +219,7 @@ TEST_F(ActivityModelTest, MinimisingWithoutTrustAsksOnceAndDoesNothing)
     // Trust granted at the prompt: the same call goes ahead and the property says so.
     m_accessibility.grantOnRequest = true;
     model.minimize(20);
-    QTRY_COMPARE_WITH_TIMEOUT(m_accessibility.minimized(), (QList<qint64>{20}), 5000);
+    ASSERT_TRUE(eventually([&] { return m_accessibility.minimized() == (QList<qint64>{20}); }, 5000));
     EXPECT_TRUE(model.hasAccessibility());
     EXPECT_EQ(trust.count(), 1);
 }

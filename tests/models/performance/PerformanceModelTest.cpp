@@ -1,4 +1,5 @@
 #include "models/performance/PerformanceModel.h"
+#include "support/Eventually.h"
 
 #include "core/admin/ShellQuote.h"
 #include "core/deletion/Deleter.h"
@@ -21,6 +22,7 @@
 #include <unistd.h>
 
 using namespace nubo;
+using nubo::test::eventually;
 
 namespace {
 
@@ -226,7 +228,7 @@ TEST_F(PerformanceModelTest, RunningATaskAgainHidesItsOutcomeUntilItEnds)
     QSignalSpy running(m_model.get(), &PerformanceModel::runningChanged);
     m_model->run(QStringLiteral("verify"));
     EXPECT_TRUE(m_model->running().contains(QStringLiteral("verify")));
-    QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
+    ASSERT_TRUE(eventually([&] { return m_model->running().isEmpty(); }, 10000));
     EXPECT_EQ(m_model->outcomes().value(QStringLiteral("verify")),
               (MaintenanceTask::Outcome{true, QStringLiteral("Sin errores")}));
 
@@ -240,7 +242,7 @@ TEST_F(PerformanceModelTest, RunningATaskAgainHidesItsOutcomeUntilItEnds)
     QTest::qWait(200);
     EXPECT_FALSE(m_model->outcomes().contains(QStringLiteral("verify")));
     release();
-    QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
+    ASSERT_TRUE(eventually([&] { return m_model->running().isEmpty(); }, 10000));
     EXPECT_EQ(m_model->outcomesMap().value(QStringLiteral("verify")).toMap().value(QStringLiteral("message")),
               QStringLiteral("Sin errores"));
 }
@@ -250,7 +252,7 @@ TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
     hold();
     m_model->run(QStringLiteral("dock"));
     m_model->run(QStringLiteral("snapshots")); // behind the (accepting) prompt, then recounted
-    QTRY_VERIFY_WITH_TIMEOUT(m_model->outcomes().contains(QStringLiteral("snapshots")), 10000);
+    ASSERT_TRUE(eventually([&] { return m_model->outcomes().contains(QStringLiteral("snapshots")); }, 10000));
     EXPECT_EQ(m_model->snapshotCount(), 2);
     EXPECT_EQ(m_model->outcomes().value(QStringLiteral("snapshots")),
               (MaintenanceTask::Outcome{true, QStringLiteral("Hecho")}));
@@ -260,7 +262,7 @@ TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
     m_admin.outcome = AdminOutcome::Failed;
     m_model->run(QStringLiteral("purge"));
     QFile(path("fail")).open(QIODevice::WriteOnly);
-    QTRY_VERIFY_WITH_TIMEOUT(m_model->running().isEmpty(), 10000);
+    ASSERT_TRUE(eventually([&] { return m_model->running().isEmpty(); }, 10000));
     EXPECT_EQ(m_model->outcomes().value(QStringLiteral("purge")),
               (MaintenanceTask::Outcome{false, QStringLiteral("Cancelado")}));
     EXPECT_EQ(m_model->outcomes().value(QStringLiteral("dock")),
