@@ -34,6 +34,9 @@ public:
     /// Opens an address (a web page, a file, a settings page). Fire and forget: an address the
     /// platform cannot open does nothing.
     virtual void openUrl(const QString& url) = 0;
+    /// Shows a file or folder in the file manager, selected where the platform can select it. The
+    /// path is the exact one the scanner listed; a relative path does nothing.
+    virtual void reveal(const QString& path) = 0;
 
     /// The application processes of this user, in the platform's order.
     [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0;

@@ -168,7 +168,7 @@ Item {
                     entry: page.entries[index]
                     toggleEnabled: !page.model.isCleaning
                     onToggled: page.model.toggleItem(entry.id)
-                    onRevealed: Qt.openUrlExternally(page.model.revealUrl(entry.id))
+                    onRevealed: page.model.revealItem(entry.id)
                 }
             }
 

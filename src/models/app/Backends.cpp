@@ -46,6 +46,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
             [&tools](const QList<CleanItem>& items) { return CommandCleaners::runCommandsNow(tools, items); },
         .quit = overrides.quit ? std::move(overrides.quit) : std::move(quit),
         .haptics = {},
+        .workspace = m_workspace.get(),
     });
 }
 

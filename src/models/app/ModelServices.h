@@ -52,6 +52,8 @@ struct ModelServices
     /// How long an uninstall waits between looks at a quitting application, and how many looks.
     std::chrono::milliseconds quitPollInterval = std::chrono::milliseconds(100);
     int quitPolls = 30;
+    /// Shows items in the file manager; none offers no such button.
+    Workspace* workspace = nullptr;
 };
 
 } // namespace nubo

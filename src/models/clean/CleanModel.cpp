@@ -315,6 +315,14 @@ QUrl CleanModel::revealUrl(const QString& itemId) const
     return QUrl::fromLocalFile(folder);
 }
 
+void CleanModel::revealItem(const QString& itemId) const
+{
+    const auto item = findItem(itemId);
+    const auto path = item ? item->url() : std::nullopt;
+    if (path && m_services.workspace && !revealUrl(itemId).isEmpty())
+        m_services.workspace->reveal(*path);
+}
+
 QVariantMap CleanModel::itemMaps() const
 {
     QVariantMap all;

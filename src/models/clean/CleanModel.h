@@ -118,6 +118,8 @@ public:
     /// The folder holding an item, as an address the file browser opens; empty for a command
     /// item, an unknown id, or a folder whose name only the disk's own bytes can reach.
     Q_INVOKABLE [[nodiscard]] QUrl revealUrl(const QString& itemId) const;
+    /// Shows the item in the file manager, when it has a button for that (`revealUrl` not empty).
+    Q_INVOKABLE void revealItem(const QString& itemId) const;
     /// All selected → none; none or some → all.
     Q_INVOKABLE void toggleCategory(const QString& categoryId);
     Q_INVOKABLE void toggleItem(const QString& itemId);

@@ -363,9 +363,11 @@ void MapModel::menuReveal()
 {
     if (!m_menu || !m_workspace)
         return;
-    // The file manager opens the folder that holds the item (an aggregate is its folder).
-    const QString folder = m_menu->isAggregate() ? m_menu->path() : QFileInfo(m_menu->path()).path();
-    m_workspace->openUrl(urlOf(folder));
+    // An aggregate of small files has no file of its own to select: open the folder they fill.
+    if (m_menu->isAggregate())
+        m_workspace->openUrl(urlOf(m_menu->path()));
+    else
+        m_workspace->reveal(m_menu->path());
 }
 
 void MapModel::menuOpenWithDefaultApp()

@@ -13,6 +13,7 @@ class FakeWorkspace final : public Workspace
 {
 public:
     void openUrl(const QString& url) override { openedUrls << url; }
+    void reveal(const QString& path) override { revealedPaths << path; }
 
     QList<RunningApplication> runningApplications() const override { return running; }
 
@@ -33,6 +34,7 @@ public:
     void forceTerminate(const RunningApplication& app) override { record("forceTerminate", app); }
 
     QStringList openedUrls;
+    QStringList revealedPaths;
     QList<RunningApplication> running;
     bool windowActions = true;
     /// The actions asked for, in order, as "<action> <pid>" ("hide 42").

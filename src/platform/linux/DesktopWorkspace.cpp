@@ -5,6 +5,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QStandardPaths>
 #include <QUrl>
@@ -83,6 +84,17 @@ void DesktopWorkspace::openUrl(const QString& url)
     if (address.scheme().startsWith(QLatin1String("x-apple")))
         return;
     QDesktopServices::openUrl(address);
+}
+
+void DesktopWorkspace::reveal(const QString& path)
+{
+    // Desktop file managers have no common way to select an item: open the folder that holds it.
+    // A folder whose name holds bytes that are not UTF-8 cannot be named by an address, and a
+    // look-alike folder must never open in its place.
+    const QString folder = QFileInfo(path).path();
+    if (!QDir::isAbsolutePath(path) || NativePath::hasEscapedBytes(folder))
+        return;
+    QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
 }
 
 QString DesktopWorkspace::bundleOfExecutable(const QString& executable)

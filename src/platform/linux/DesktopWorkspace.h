@@ -24,6 +24,7 @@ class DesktopWorkspace final : public Workspace
 {
 public:
     void openUrl(const QString& url) override;
+    void reveal(const QString& path) override;
     [[nodiscard]] QList<RunningApplication> runningApplications() const override;
     [[nodiscard]] std::optional<QString> applicationLocation(const QString& bundleIdentifier) const override;
     [[nodiscard]] bool canActivate() const override;

@@ -2,6 +2,8 @@
 // conversions live here; every decision about what the answers mean is made in portable code.
 #include "platform/Workspace.h"
 
+#include "core/files/NativePath.h"
+
 #import <AppKit/AppKit.h>
 #include <QUrl>
 
@@ -23,6 +25,22 @@ public:
             NSURL* address = QUrl(url).toNSURL();
             if (address)
                 [[NSWorkspace sharedWorkspace] openURL:address];
+        }
+    }
+
+    // The address is made from the path's exact bytes, so a name that is not UTF-8 still selects
+    // that very item. Safe from any thread (NSWorkspace activateFileViewerSelectingURLs:).
+    void reveal(const QString& path) override
+    {
+        if (!path.startsWith(QLatin1Char('/')))
+            return;
+        @autoreleasepool {
+            const QByteArray bytes = NativePath::encode(path);
+            NSURL* item = [NSURL fileURLWithFileSystemRepresentation:bytes.constData()
+                                                         isDirectory:NO
+                                                       relativeToURL:nil];
+            if (item)
+                [[NSWorkspace sharedWorkspace] activateFileViewerSelectingURLs:@[ item ]];
         }
     }
 

@@ -282,10 +282,9 @@ TEST_F(MapViewsTest, AProtectedFoldersMenuOffersNothingThatDeletes)
     EXPECT_TRUE(entry("menuOpen")->isVisible());
     snapshot(window, DefaultSize, QStringLiteral("map-protected-menu-default"));
 
-    // "Mostrar en Finder" reaches the workspace with the folder that holds the node.
+    // "Mostrar en Finder" hands the workspace the node itself, to select it in the file manager.
     QMetaObject::invokeMethod(entry("menuReveal"), "triggered");
-    ASSERT_EQ(m_workspace.openedUrls.size(), 1);
-    EXPECT_EQ(QUrl(m_workspace.openedUrls[0]).toLocalFile(), m_roots.home);
+    EXPECT_EQ(m_workspace.revealedPaths, QStringList{m_roots.home + QStringLiteral("/Movies")});
     EXPECT_EQ(map().markedCount(), 0);
 }
 

@@ -208,6 +208,10 @@ TEST_F(CleanScreenModelTest, RevealPointsAtTheHoldingFolderButNeverAtALookAlike)
     EXPECT_TRUE(clean().revealUrl(hidden.id).isEmpty());
     EXPECT_TRUE(clean().revealUrl(command.id).isEmpty());
     EXPECT_TRUE(clean().revealUrl(QStringLiteral("/nowhere/at/all")).isEmpty());
+    // Only the item that has a button reaches the file manager, with its exact path.
+    for (const CleanItem* item : {&plain, &hidden, &command})
+        clean().revealItem(item->id);
+    EXPECT_EQ(m_workspace.revealedPaths, QStringList{path(QStringLiteral("home/Downloads/plain/file.zip"))});
 
     clean().open(id);
     const QVariantList items = clean().detail().value(QStringLiteral("items")).toList();

@@ -61,6 +61,7 @@ void ModelWorld::SetUp()
         .progressInterval = std::chrono::milliseconds(120),
         .quitPollInterval = std::chrono::milliseconds(100),
         .quitPolls = 30,
+        .workspace = &m_workspace,
     });
 }
 
