@@ -14,40 +14,6 @@ using namespace nubo::test;
 
 namespace {
 
-// Every item below `root` in the visual tree, the way the window draws them: the rows that lists
-// and repeaters create are not children of the window in the object tree.
-void collect(QQuickItem* root, QList<QQuickItem*>& out)
-{
-    out.append(root);
-    for (QQuickItem* child : root->childItems())
-        collect(child, out);
-}
-
-// Scrolls every list or page around `target` so that it shows, as a user would before clicking.
-void scrollTo(QQuickItem& target)
-{
-    for (QQuickItem* up = target.parentItem(); up; up = up->parentItem()) {
-        if (!up->inherits("QQuickFlickable"))
-            continue;
-        auto* content = up->property("contentItem").value<QQuickItem*>();
-        if (!content)
-            continue;
-        const qreal top = target.mapToItem(content, QPointF()).y();
-        const qreal most = qMax(0.0, up->property("contentHeight").toReal() - up->height());
-        const qreal visibleTop = up->property("contentY").toReal();
-        if (top < visibleTop || top + target.height() > visibleTop + up->height())
-            up->setProperty("contentY", qBound(0.0, top - up->height() / 3, most));
-    }
-    QTest::qWait(50);
-}
-
-QList<QQuickItem*> drawn(QQuickWindow& window)
-{
-    QList<QQuickItem*> all;
-    collect(window.contentItem(), all);
-    return all;
-}
-
 // The cleanup screen in the main window over a prepared home: caches and logs that start
 // selected, personal downloads (one with an awkward name) that do not, a Docker command item,
 // and rules that can be held back to catch the screen mid-scan.

@@ -14,6 +14,13 @@ namespace {
 
 QStringList g_warnings;
 
+void collect(QQuickItem* root, QList<QQuickItem*>& out)
+{
+    out.append(root);
+    for (QQuickItem* child : root->childItems())
+        collect(child, out);
+}
+
 void collectWarnings(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
     if (type != QtDebugMsg && type != QtInfoMsg && !message.startsWith(QLatin1String("QStandardPaths:")))
@@ -81,6 +88,30 @@ void UiWorld::click(QQuickItem& target, Qt::MouseButton button)
 {
     const QPointF centre = target.mapToScene(QPointF(target.width() / 2, target.height() / 2));
     QTest::mouseClick(target.window(), button, Qt::NoModifier, centre.toPoint());
+}
+
+QList<QQuickItem*> UiWorld::drawn(QQuickWindow& window)
+{
+    QList<QQuickItem*> all;
+    collect(window.contentItem(), all);
+    return all;
+}
+
+void UiWorld::scrollTo(QQuickItem& target)
+{
+    for (QQuickItem* up = target.parentItem(); up; up = up->parentItem()) {
+        if (!up->inherits("QQuickFlickable"))
+            continue;
+        auto* content = up->property("contentItem").value<QQuickItem*>();
+        if (!content)
+            continue;
+        const qreal top = target.mapToItem(content, QPointF()).y();
+        const qreal most = qMax(0.0, up->property("contentHeight").toReal() - up->height());
+        const qreal visibleTop = up->property("contentY").toReal();
+        if (top < visibleTop || top + target.height() > visibleTop + up->height())
+            up->setProperty("contentY", qBound(0.0, top - up->height() / 3, most));
+    }
+    QTest::qWait(50);
 }
 
 QImage UiWorld::snapshot(QQuickWindow& window, QSize size, const QString& name)

@@ -40,6 +40,13 @@ protected:
     /// covered control does not react.
     static void click(QQuickItem& target, Qt::MouseButton button = Qt::LeftButton);
 
+    /// Every item the window draws, in visual-tree order: the rows that lists and repeaters create
+    /// are not children of the window in the object tree, so `item` cannot find them.
+    static QList<QQuickItem*> drawn(QQuickWindow& window);
+    /// Scrolls every list or page around `target` so that it shows, as a user would before
+    /// clicking it.
+    static void scrollTo(QQuickItem& target);
+
     /// Resizes the window, lets it settle and writes `<name>.png`.
     QImage snapshot(QQuickWindow& window, QSize size, const QString& name);
     /// `<name>-default.png` and `<name>-minimum.png` at the window's two sizes.
