@@ -15,51 +15,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// The item named `name` anywhere in the visual tree below `root`: list and repeater rows and
-// the entries of an open menu hang there, not below their view as QObject children.
-QQuickItem* visual(QQuickItem* root, const QString& name)
-{
-    if (!root)
-        return nullptr;
-    if (root->objectName() == name)
-        return root;
-    for (QQuickItem* child : root->childItems()) {
-        if (QQuickItem* found = visual(child, name))
-            return found;
-    }
-    return nullptr;
-}
 
 constexpr qint64 kOwnPid = 10;
 
 // The activity screen beside a stand-in sidebar, at the width the main window gives it.
-const QByteArray kScreen = R"(
-import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
-import Nubo
-import Nubo.Models
-ApplicationWindow {
-    id: win
-    required property AppState appState
-    required property ActivityModel model
-    width: 1280; height: 820; visible: true
-    color: Theme.windowBackground
-    RowLayout {
-        anchors.fill: parent
-        spacing: 0
-        Rectangle { Layout.preferredWidth: 232; Layout.fillHeight: true; color: Theme.sidebarBackground }
-        Rectangle { Layout.preferredWidth: 1; Layout.fillHeight: true; color: Theme.separator }
-        ActivityView {
-            objectName: "activityView"
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            appState: win.appState
-            model: win.model
-        }
-    }
-}
-)";
+const QByteArray kScreen = besideSidebar("ActivityView", "ActivityModel");
 
 class ActivityViewsTest : public UiWorld
 {

@@ -52,21 +52,6 @@ protected:
         return window;
     }
 
-    QQuickItem& named(QQuickWindow& window, const QString& name)
-    {
-        QQuickItem* found = item(window, name);
-        for (QQuickItem* candidate : drawn(window)) {
-            if (!found && candidate->objectName() == name)
-                found = candidate;
-        }
-        if (!found) {
-            ADD_FAILURE() << "no item " << name.toStdString();
-            static QQuickItem* none = new QQuickItem; // stands in so the test can go on and fail
-            return *none;
-        }
-        return *found;
-    }
-
     static QList<QQuickItem*> visibleNamed(QQuickWindow& window, const QString& name)
     {
         QList<QQuickItem*> found;

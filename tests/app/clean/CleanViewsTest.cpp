@@ -105,21 +105,6 @@ protected:
         QTest::qWait(Settle);
     }
 
-    QQuickItem& named(QQuickWindow& window, const QString& name)
-    {
-        QQuickItem* found = item(window, name);
-        for (QQuickItem* candidate : drawn(window)) {
-            if (!found && candidate->objectName() == name)
-                found = candidate;
-        }
-        if (!found) {
-            ADD_FAILURE() << "no item " << name.toStdString();
-            static QQuickItem* none = new QQuickItem; // stands in so the test can go on and fail
-            return *none;
-        }
-        return *found;
-    }
-
     // The visible buttons of the window's open confirmation that read `text`.
     static QQuickItem* button(QQuickWindow& window, const QString& text)
     {

@@ -10,6 +10,7 @@
 #include "models/performance/PerformanceModel.h"
 #include "support/FixtureFiles.h"
 #include "support/PlistWriter.h"
+#include "support/TemporaryMac.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -21,49 +22,9 @@ using namespace nubo::test;
 
 namespace {
 
-// The item named `name` anywhere in the visual tree below `root`: list and repeater rows and
-// the entries of an open menu hang there, not below their view as QObject children.
-QQuickItem* visual(QQuickItem* root, const QString& name)
-{
-    if (!root)
-        return nullptr;
-    if (root->objectName() == name)
-        return root;
-    for (QQuickItem* child : root->childItems()) {
-        if (QQuickItem* found = visual(child, name))
-            return found;
-    }
-    return nullptr;
-}
 
 // The performance screen beside a stand-in sidebar, at the width the main window gives it.
-const QByteArray kScreen = R"(
-import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
-import Nubo
-import Nubo.Models
-ApplicationWindow {
-    id: win
-    required property AppState appState
-    required property PerformanceModel model
-    width: 1280; height: 820; visible: true
-    color: Theme.windowBackground
-    RowLayout {
-        anchors.fill: parent
-        spacing: 0
-        Rectangle { Layout.preferredWidth: 232; Layout.fillHeight: true; color: Theme.sidebarBackground }
-        Rectangle { Layout.preferredWidth: 1; Layout.fillHeight: true; color: Theme.separator }
-        PerformanceView {
-            objectName: "performanceView"
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            appState: win.appState
-            model: win.model
-        }
-    }
-}
-)";
+const QByteArray kScreen = besideSidebar("PerformanceView", "PerformanceModel");
 
 // A temporary Mac behind the real runner: the three launch folders with an app's agent, a
 // running agent of the user's, a switched-off agent and a system daemon; a launchctl that lists
@@ -77,14 +38,6 @@ protected:
     {
         UiWorld::SetUp();
         ASSERT_TRUE(m_mac.isValid());
-        m_tools.userId = 501;
-        m_tools.launchctl = mac("bin/launchctl");
-        m_tools.tmutil = mac("bin/tmutil");
-        m_tools.shell = mac("bin/sh");
-        m_tools.userAgents = mac("home/Library/LaunchAgents");
-        m_tools.agents = mac("Library/LaunchAgents");
-        m_tools.daemons = mac("Library/LaunchDaemons");
-        makeDir(mac("tmp"));
         const QByteArray listGate = shellQuote(mac("list-go")).toUtf8();
         writeScript(m_tools.launchctl,
                     "if [ \"$1\" = list ]; then\n"
@@ -119,7 +72,7 @@ protected:
                {QStringLiteral("Program"), QStringLiteral("/Library/PrivilegedHelperTools/com.vendor.daemon")}},
               PlistFormat::binary);
 
-        m_safety = std::make_unique<Safety>(SystemRoots{mac("home"), mac("Library"), mac("tmp")});
+        m_safety = std::make_unique<Safety>(m_mac.roots());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_launchItems = std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
         m_maintenance = std::make_unique<MaintenanceCatalog>(m_tools, m_shell, m_admin);
@@ -135,7 +88,7 @@ protected:
         m_model.reset();
     }
 
-    [[nodiscard]] QString mac(const char* relative) const { return m_mac.filePath(QString::fromUtf8(relative)); }
+    [[nodiscard]] QString mac(const char* relative) const { return m_mac.path(relative); }
 
     // Jobs ship in both forms; the daemon's is binary.
     void plist(const char* relative, const QVariantMap& content, PlistFormat format = PlistFormat::xml) const
@@ -192,8 +145,8 @@ protected:
         QTest::qWait(50);
     }
 
-    QTemporaryDir m_mac;
-    SystemTools m_tools;
+    TemporaryMac m_mac;
+    SystemTools& m_tools = m_mac.tools;
     ShellToolRunner m_shell;
     Naming m_naming;
     std::unique_ptr<Safety> m_safety;

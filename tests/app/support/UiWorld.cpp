@@ -114,6 +114,65 @@ void UiWorld::scrollTo(QQuickItem& target)
     QTest::qWait(50);
 }
 
+QQuickItem* UiWorld::visual(QQuickItem* root, const QString& name)
+{
+    if (!root)
+        return nullptr;
+    if (root->objectName() == name)
+        return root;
+    for (QQuickItem* child : root->childItems()) {
+        if (QQuickItem* found = visual(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+QQuickItem& UiWorld::named(QQuickWindow& window, const QString& name)
+{
+    QQuickItem* found = item(window, name);
+    if (!found)
+        found = visual(window.contentItem(), name);
+    if (!found) {
+        ADD_FAILURE() << "no item " << name.toStdString();
+        static QQuickItem* none = new QQuickItem; // stands in so the test can go on and fail
+        return *none;
+    }
+    return *found;
+}
+
+QByteArray besideSidebar(const char* view, const char* modelType)
+{
+    QByteArray objectName(view);
+    objectName[0] = char(QChar::toLower(ushort(objectName[0])));
+    return QByteArray(R"(
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Nubo
+import Nubo.Models
+ApplicationWindow {
+    id: win
+    required property AppState appState
+    required property )") + modelType + R"( model
+    width: 1280; height: 820; visible: true
+    color: Theme.windowBackground
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+        Rectangle { Layout.preferredWidth: 232; Layout.fillHeight: true; color: Theme.sidebarBackground }
+        Rectangle { Layout.preferredWidth: 1; Layout.fillHeight: true; color: Theme.separator }
+        )" + view + R"( {
+            objectName: ")" + objectName + R"("
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            appState: win.appState
+            model: win.model
+        }
+    }
+}
+)";
+}
+
 QImage UiWorld::snapshot(QQuickWindow& window, QSize size, const QString& name)
 {
     window.resize(size);

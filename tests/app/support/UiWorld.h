@@ -47,6 +47,12 @@ protected:
     /// clicking it.
     static void scrollTo(QQuickItem& target);
 
+    /// The item named `name` anywhere in the visual tree below `root`: list and repeater rows and
+    /// the entries of an open menu hang there, not below their view as QObject children.
+    static QQuickItem* visual(QQuickItem* root, const QString& name);
+    /// The item named `name`, found by `item` or among the items the window draws; a missing one
+    /// fails the test and stands in with an empty item, so the test goes on and fails.
+    static QQuickItem& named(QQuickWindow& window, const QString& name);
     /// Resizes the window, lets it settle and writes `<name>.png`.
     QImage snapshot(QQuickWindow& window, QSize size, const QString& name);
     /// `<name>-default.png` and `<name>-minimum.png` at the window's two sizes.
@@ -59,6 +65,11 @@ private:
     QQuickWindow* m_main = nullptr;
     std::vector<std::unique_ptr<QObject>> m_windows;
 };
+
+/// QML for a window with one pane's view (`view`, with `appState` and a `model` of type
+/// `modelType` as required properties) beside a stand-in sidebar, at the width the main window
+/// gives it; the view is named after its type in lower camel case ("activityView").
+[[nodiscard]] QByteArray besideSidebar(const char* view, const char* modelType);
 
 /// How many different colours a sparse grid of the image's pixels shows: a blank or broken
 /// view shows very few.

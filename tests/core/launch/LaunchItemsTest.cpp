@@ -11,11 +11,11 @@
 #include "platform/fake/ScriptedToolRunner.h"
 #include "support/AppleScriptText.h"
 #include "support/FixtureFiles.h"
+#include "support/TemporaryMac.h"
 #include "support/PlistWriter.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -47,17 +47,8 @@ class LaunchItemsTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(m_dir.isValid());
-        for (const char* folder :
-             {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
-            ASSERT_TRUE(QDir().mkpath(path(folder)));
-        m_tools.userId = 501;
-        m_tools.launchctl = path("launchctl");
-        m_tools.userAgents = path("home/Library/LaunchAgents");
-        m_tools.agents = path("Library/LaunchAgents");
-        m_tools.daemons = path("Library/LaunchDaemons");
-
-        const QByteArray dir = shellQuote(m_dir.path()).toUtf8();
+        ASSERT_TRUE(m_mac.isValid());
+        const QByteArray dir = shellQuote(m_mac.root()).toUtf8();
         test::writeScript(path("launchctl"),
                           "line=\"$1\"; shift; for a in \"$@\"; do line=\"$line|$a\"; done\n"
                           "printf '%s\\n' \"$line\" >> " +
@@ -70,17 +61,14 @@ protected:
                               "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
                               "exit 0\n");
 
-        m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
+        m_safety = std::make_unique<Safety>(m_mac.roots());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_naming = std::make_unique<Naming>([this](const QString& identifier) {
             return m_workspace.applicationLocation(identifier).value_or(QString());
         });
     }
 
-    [[nodiscard]] QString path(const char* relative) const
-    {
-        return m_dir.filePath(QString::fromUtf8(relative));
-    }
+    [[nodiscard]] QString path(const char* relative) const { return m_mac.path(relative); }
 
     void write(const char* relative, const QByteArray& bytes) const
     {
@@ -134,8 +122,8 @@ protected:
         return item;
     }
 
-    QTemporaryDir m_dir;
-    SystemTools m_tools;
+    test::TemporaryMac m_mac;
+    SystemTools& m_tools = m_mac.tools;
     ShellToolRunner m_shell;
     mutable FakeAdminRunner m_admin;
     mutable FakeWorkspace m_workspace;

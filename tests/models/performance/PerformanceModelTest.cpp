@@ -1,5 +1,6 @@
 #include "models/performance/PerformanceModel.h"
 #include "support/Eventually.h"
+#include "support/TemporaryMac.h"
 
 #include "core/admin/ShellQuote.h"
 #include "core/deletion/Deleter.h"
@@ -14,7 +15,6 @@
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
@@ -34,17 +34,7 @@ class PerformanceModelTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(m_dir.isValid());
-        for (const char* folder :
-             {"home/Library/LaunchAgents", "Library/LaunchAgents", "Library/LaunchDaemons", "tmp"})
-            ASSERT_TRUE(QDir().mkpath(path(folder)));
-        m_tools.userId = 501;
-        m_tools.launchctl = path("launchctl");
-        m_tools.tmutil = path("tmutil");
-        m_tools.shell = path("sh");
-        m_tools.userAgents = path("home/Library/LaunchAgents");
-        m_tools.agents = path("Library/LaunchAgents");
-        m_tools.daemons = path("Library/LaunchDaemons");
+        ASSERT_TRUE(m_mac.isValid());
         tool("launchctl", "exit 0\n");
         tool("tmutil", "echo 'Snapshots for disk /:'\n"
                        "echo com.apple.TimeMachine.2026-01-01-000000.local\n"
@@ -60,7 +50,7 @@ protected:
         plist("home/Library/LaunchAgents/com.me.agent.plist", "com.me.agent");
         plist("Library/LaunchDaemons/com.sys.daemon.plist", "com.sys.daemon");
 
-        m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")});
+        m_safety = std::make_unique<Safety>(m_mac.roots());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_launchItems =
             std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
@@ -68,19 +58,8 @@ protected:
         m_model = std::make_unique<PerformanceModel>(*m_launchItems, *m_maintenance);
     }
 
-    [[nodiscard]] QString path(const char* relative) const
-    {
-        return m_dir.filePath(QString::fromUtf8(relative));
-    }
-
-    void tool(const char* name, const QByteArray& body) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\n" + body);
-        file.close();
-        ASSERT_EQ(::chmod(QFile::encodeName(path(name)).constData(), 0755), 0);
-    }
+    [[nodiscard]] QString path(const char* relative) const { return m_mac.path(relative); }
+    void tool(const char* name, const QByteArray& body) const { m_mac.tool(name, body); }
 
     void plist(const char* relative, const QByteArray& label) const
     {
@@ -115,8 +94,8 @@ protected:
         return none;
     }
 
-    QTemporaryDir m_dir;
-    SystemTools m_tools;
+    test::TemporaryMac m_mac;
+    SystemTools& m_tools = m_mac.tools;
     ShellToolRunner m_shell;
     FakeAdminRunner m_admin;
     FakeWorkspace m_workspace;
