@@ -110,7 +110,7 @@ int main(int argc, char** argv)
     std::printf("fixture: %d apps, %d library entries, built in %.2f s\n", kApps, kLibraryEntries,
                 double(timer.nsecsElapsed()) / 1e9);
 
-    const Safety safety(roots);
+    const Safety safety(roots, SafetyRules::forMac());
     const Privacy privacy(roots.home, [] { return true; });
     const std::unique_ptr<Workspace> workspace = makeWorkspace();
     const std::unique_ptr<Metadata> metadata = makeMetadata();

@@ -207,7 +207,7 @@ int main(int argc, char** argv)
         roots.temporary = home + QStringLiteral("/.bench-tmp/user");
         shared = home + QStringLiteral("/.bench-tmp/shared");
     }
-    const Safety safety(roots);
+    const Safety safety(roots, SafetyRules::forMac());
     const Privacy privacy(home, [] { return true; });
     const std::unique_ptr<Workspace> workspace = makeWorkspace();
     const std::unique_ptr<Metadata> metadata = makeMetadata();
@@ -216,7 +216,7 @@ int main(int argc, char** argv)
     const AppCatalog apps(roots, safety, privacy, *workspace, *metadata);
 
     auto context = std::make_shared<CleanContext>(safety, privacy, naming, tools, roots);
-    context->sharedTemporary = shared;
+    context->sharedTemporaries = {shared};
     context->findTool = [](const QString& name) { return Shell::which(name); };
     context->orphans = [&apps] { return apps.orphanedLeftovers(); };
     const CleanCatalog catalog(CatalogRules::make(context));

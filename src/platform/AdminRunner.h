@@ -31,6 +31,11 @@ class AdminRunner
 public:
     virtual ~AdminRunner() = default;
     virtual AdminOutcome run(const AdminRequest& request) = 0;
+
+    /// True when the request's command line reaches the shell byte for byte, so a name that is
+    /// not UTF-8 can travel in it (as octal escapes). The Mac's script is text: such a name is
+    /// never handed to it, and counts as not deleted instead.
+    [[nodiscard]] virtual bool carriesAnyBytes() const { return false; }
 };
 
 /// The runner of the platform the program was built for: NSAppleScript on macOS, pkexec with

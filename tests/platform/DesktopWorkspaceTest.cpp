@@ -47,7 +47,7 @@ TEST(DesktopWorkspace, ARealProcessIsTheRunningInstanceOfItsBundle)
     SystemRoots roots{dir.filePath(QStringLiteral("home")), dir.filePath(QStringLiteral("Library")),
                       dir.filePath(QStringLiteral("tmp"))};
     roots.applications = dir.filePath(QStringLiteral("Applications"));
-    const Safety safety(roots);
+    const Safety safety(roots, SafetyRules::forMac());
     const Privacy privacy(roots.home, [] { return true; });
     const AppCatalog catalog(roots, safety, privacy, workspace, metadata);
 

@@ -21,7 +21,9 @@ namespace nubo::AdminScript {
 /// shellQuote, which quotes the same way). For "/a" and "/b c" the script reads
 /// do shell script "/bin/rm -rf -- " & quoted form of "/a" & " " & quoted form of "/b c" with administrator privileges
 /// and the command line /bin/rm -rf -- '/a' '/b c'. "--" keeps a name starting with "-" from
-/// being read as an option. `paths` must not be empty.
+/// being read as an option. A path whose bytes are not all UTF-8 (see NativePath) is rebuilt in
+/// the command line by printf from octal escapes, so the shell removes exactly that file and
+/// never a look-alike; the script, being text, cannot carry it. `paths` must not be empty.
 [[nodiscard]] AdminRequest forRemoval(const QStringList& paths);
 
 } // namespace nubo::AdminScript

@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -35,8 +36,8 @@ struct CleanContext
     const Naming& naming;
     const ToolRunner& tools;
     SystemRoots roots;
-    /// The shared temporary folder where every user leaves files; only the user's own are offered.
-    QString sharedTemporary = QStringLiteral("/private/tmp");
+    /// The shared temporary folders where every user leaves files; only the user's own are offered.
+    QStringList sharedTemporaries{QStringLiteral("/private/tmp")};
     /// Our own bundle identifier: our cache folder is never offered while we run. Empty when unknown.
     QString ownBundleIdentifier;
     /// Finds a tool by name on the tool search path (`Shell::which` in production).

@@ -2,7 +2,26 @@
 
 #include "core/cleanup/FolderRule.h"
 
+#include <QFile>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace nubo::FolderCategories {
+
+namespace {
+
+// A folder someone else owns, or that others may write to, is shared with other users.
+bool isShared(const QString& folder)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(folder).constData(), &status) != 0)
+        return true;
+    return status.st_uid != ::getuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+}
+
+} // namespace
 
 const QSet<QString>& packageCacheNames()
 {
@@ -30,9 +49,14 @@ QList<CleanItem> logs(const CleanContext& context)
 QList<CleanItem> temp(const CleanContext& context)
 {
     const FolderRule rule(context);
-    QList<CleanItem> items = rule.children(context.roots.temporary, {}, 3, false);
-    // Every user writes to the shared folder: only what is ours is ours to remove.
-    items << rule.children(context.sharedTemporary, {}, 3, true);
+    // The per-user folder of a Mac (or a TMPDIR of the user's own) holds only the user's files;
+    // where it is a folder every user writes to, only what is ours is ours to remove.
+    const QString own = QFileInfo(context.roots.temporary).canonicalFilePath();
+    QList<CleanItem> items = rule.children(context.roots.temporary, {}, 3, isShared(context.roots.temporary));
+    for (const QString& shared : context.sharedTemporaries) {
+        if (own.isEmpty() || QFileInfo(shared).canonicalFilePath() != own)
+            items << rule.children(shared, {}, 3, true);
+    }
     return items;
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/admin/AdminScript.h"
 #include "core/deletion/Removal.h"
+#include "core/files/NativePath.h"
 #include "core/format/CheckedMath.h"
 #include "core/safety/Safety.h"
 #include "platform/AdminRunner.h"
@@ -56,15 +57,16 @@ DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool al
     QList<std::pair<DeletionItem, QString>> adminQueue;
 
     for (const DeletionItem& item : items) {
-        const Verdict verdict = m_safety.check(item.path);
-        if (!verdict.isAllowed()) {
-            result.failed.append({item.path, verdict.reason()});
+        // The disk is acted on exactly where the gate looked, resolved once: the parent folder
+        // resolved and the last name as it stands. The text as given could differ from it ("link/"
+        // or "link/." reach through a link the gate judged as a link; "link/../x" lands beside
+        // its target), and a second resolution could land somewhere the gate never judged.
+        const Safety::Assessment judged = m_safety.assess(item.path);
+        if (!judged.verdict.isAllowed()) {
+            result.failed.append({item.path, judged.verdict.reason()});
             continue;
         }
-        // The disk is acted on exactly where the gate looked: the parent folder resolved and the
-        // last name as it stands. The text as given could differ from it ("link/" or "link/."
-        // reach through a link the gate judged as a link; "link/../x" lands beside its target).
-        const QString target = m_safety.normalise(item.path);
+        const QString& target = judged.path;
         // A name the disk gave in bytes that are not UTF-8 came back with replacement characters:
         // this text no longer names that file, and may name another one. Acting on it could
         // remove the wrong item, or call a file that is still there "already gone".
@@ -82,8 +84,10 @@ DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool al
         if (error == 0) {
             result.deleted.append(item.path);
             addFreed(result, item);
-        } else if (Removal::isRightsFailure(error) && allowAdmin) {
+        } else if (Removal::isRightsFailure(error) && allowAdmin && reachesAdministrator(target)) {
             adminQueue.append({item, target});
+        } else if (Removal::isRightsFailure(error) && allowAdmin) {
+            result.failed.append({item.path, notDeletedReason()});
         } else {
             result.failed.append({item.path, Removal::systemMessage(error)});
         }
@@ -109,12 +113,19 @@ DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool al
     return result;
 }
 
+bool Deleter::reachesAdministrator(const QString& path) const
+{
+    // A path reaches the privileged command byte for byte, or not at all.
+    return !path.contains(QChar::ReplacementCharacter) &&
+           (m_admin.carriesAnyBytes() || !NativePath::hasEscapedBytes(path));
+}
+
 bool Deleter::removeAsAdmin(const QStringList& paths) const
 {
     // Asked again on purpose: nothing the gate has not just allowed reaches the privileged command.
     QStringList allowed;
     for (const QString& path : paths) {
-        if (m_safety.isAllowed(path) && !path.contains(QChar::ReplacementCharacter))
+        if (m_safety.isAllowed(path) && reachesAdministrator(path))
             allowed << path;
     }
     if (allowed.isEmpty())

@@ -17,8 +17,10 @@ class Safety;
 /// refused for lack of rights are retried together with one administrator prompt for the whole
 /// batch, after the gate has been asked again. A failure never stops the batch: every item ends
 /// either deleted or failed with a reason for the user, reported under the path the caller gave.
-/// The disk is acted on at the path exactly as the gate judged it (parent folder resolved, last
-/// name as it stands), so no spelling of a path can reach past what was allowed.
+/// The disk is acted on at the path exactly as the gate judged it (parent folder resolved once,
+/// last name as it stands), so no spelling of a path can reach past what was allowed. An item
+/// the administrator could remove but whose name cannot be written exactly in the privileged
+/// command never reaches it and reads "No se pudo borrar".
 ///
 /// The deleter keeps references to the gate and the runner; both must outlive every batch.
 class Deleter
@@ -37,6 +39,10 @@ public:
     /// left or the user refused; true when it ran, and also when the platform could not even
     /// try, since the caller then finds on disk what is still there.
     [[nodiscard]] bool removeAsAdmin(const QStringList& paths) const;
+
+    /// Whether `path` can be named exactly in the administrator's command: a name that is not
+    /// UTF-8 travels only where the platform's runner carries bytes.
+    [[nodiscard]] bool reachesAdministrator(const QString& path) const;
 
     static QString notDeletedReason();
     static QString adminDeniedReason();

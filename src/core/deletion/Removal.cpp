@@ -99,6 +99,11 @@ int removeFolder(const char* top, int current)
                     keepFirst(first, errno);
                 continue;
             }
+            // A volume mounted inside the item is not part of it: nothing on another volume goes.
+            if (status.st_dev != stack.front().device) {
+                keepFirst(first, EXDEV);
+                continue;
+            }
             const int child = ::openat(current, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
             if (child < 0) {
                 const int openError = errno;

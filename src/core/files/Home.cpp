@@ -9,9 +9,9 @@ namespace nubo::Home {
 
 namespace {
 
-QString resolveHome()
+QString resolveHome(bool allowOverride)
 {
-    const QByteArray override = qgetenv("NUBO_HOME");
+    const QByteArray override = allowOverride ? qgetenv("NUBO_HOME") : QByteArray();
     QString home;
     if (!override.isEmpty()) {
         home = QString::fromLocal8Bit(override);
@@ -28,7 +28,13 @@ QString resolveHome()
 
 const QString& url()
 {
-    static const QString home = resolveHome();
+    static const QString home = resolveHome(true);
+    return home;
+}
+
+const QString& real()
+{
+    static const QString home = resolveHome(false);
     return home;
 }
 

@@ -9,6 +9,10 @@ namespace nubo::Home {
 /// replaces the real home: tests and trial runs point the whole app at a prepared folder this way.
 [[nodiscard]] const QString& url();
 
+/// The user's own home folder from the user database, whatever NUBO_HOME says: the gate keeps
+/// protecting it while the program works on a prepared folder.
+[[nodiscard]] const QString& real();
+
 /// The home folder with `relative` appended ("Library/Caches" gives "<home>/Library/Caches").
 [[nodiscard]] QString path(const QString& relative);
 

@@ -26,7 +26,10 @@ QString temporaryFolder()
 
 SystemRoots SystemRoots::system()
 {
-    return {Home::url(), QStringLiteral("/Library"), temporaryFolder()};
+    SystemRoots roots{Home::url(), QStringLiteral("/Library"), temporaryFolder()};
+    if (Home::real() != roots.home)
+        roots.realHome = Home::real();
+    return roots;
 }
 
 } // namespace nubo

@@ -16,6 +16,9 @@ struct SystemRoots
     QString applications = QStringLiteral("/Applications");
     /// The applications that come with the system (read-only on a Mac).
     QString systemApplications = QStringLiteral("/System/Applications");
+    /// The user's real home when the program works on another folder (NUBO_HOME); empty when it
+    /// is `home`. The gate protects both.
+    QString realHome = QString();
 
     /// The user's own applications folder, "Applications" in the home folder.
     [[nodiscard]] QString userApplications() const { return home + QStringLiteral("/Applications"); }
@@ -24,7 +27,7 @@ struct SystemRoots
     /// The utilities inside the system-wide applications folder.
     [[nodiscard]] QString utilities() const { return applications + QStringLiteral("/Utilities"); }
 
-    /// The real roots of this machine: `Home::url()`, "/Library", the per-user temporary folder
+    /// The real roots of this machine: `Home::url()` (and `Home::real()` when that differs), "/Library", the per-user temporary folder
     /// (Darwin's per-user folder on a Mac, $TMPDIR or /tmp elsewhere), "/Applications" and
     /// "/System/Applications".
     [[nodiscard]] static SystemRoots system();

@@ -1,12 +1,18 @@
 #include "core/safety/Safety.h"
 
+#include "core/files/MountTable.h"
 #include "core/files/NativePath.h"
+#include "core/files/UserDirectories.h"
 
 #include <QDir>
-#include <QFile>
 
+#include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace nubo {
 
@@ -20,6 +26,19 @@ QString reasonProtectedTree() { return QStringLiteral("Zona protegida"); }
 QString reasonPhotoLibrary() { return QStringLiteral("Dentro de una fototeca"); }
 QString reasonSystemApp() { return QStringLiteral("App del sistema"); }
 QString reasonNearRoot() { return QStringLiteral("Demasiado cerca de la raíz"); }
+QString reasonOtherUser() { return QStringLiteral("Pertenece a otro usuario"); }
+
+// The mount table changes when a volume comes or goes; reading it for every path would cost more
+// than the rest of the check, and no one selects a path on a volume within a second of mounting it.
+constexpr std::chrono::seconds kMountTableAge(1);
+
+// True when `path` is `folder` or lies below it.
+bool within(const QString& path, const QString& folder)
+{
+    if (folder == QLatin1String("/"))
+        return path.startsWith(QLatin1Char('/'));
+    return path.startsWith(folder) && (path.size() == folder.size() || path.at(folder.size()) == QLatin1Char('/'));
+}
 
 // The system's realpath: links, "." and ".." resolved; null when the path does not exist.
 QString resolved(const QString& path)
@@ -69,105 +88,118 @@ QStringList spellings(const QString& folder)
     return forms;
 }
 
-constexpr const char* kFixedRoots[] = {
-    "/", "/Applications", "/Users", "/private", "/private/var", "/private/tmp", "/opt", "/opt/homebrew",
-    "/System/Applications",
-};
-
-constexpr const char* kHomeRoots[] = {
-    "", "/Library", "/Desktop", "/Documents", "/Downloads", "/Pictures", "/Movies", "/Music", "/Public",
-    "/Applications", "/.Trash", "/dev",
-};
-
-constexpr const char* kLibraryRoots[] = {
-    "/Application Support", "/Caches", "/Preferences", "/LaunchAgents", "/LaunchDaemons", "/Logs",
-    "/PrivilegedHelperTools", "/Frameworks", "/Extensions",
-};
-
-// Containers of removable things: their items may go, the containers themselves never.
-constexpr const char* kHomeContainerRoots[] = {
-    "/Library/Developer/Xcode",
-    "/Library/Developer/CoreSimulator",
-    "/Library/Developer/CoreSimulator/Devices",
-    "/Library/Developer/CoreSimulator/Caches",
-    "/Library/Developer/Xcode/DerivedData",
-    "/Library/Developer/Xcode/Archives",
-    "/Library/Developer/Xcode/iOS DeviceSupport",
-    "/Library/Developer/Xcode/watchOS DeviceSupport",
-    "/Library/Developer/Xcode/tvOS DeviceSupport",
-    "/Library/Developer/Xcode/visionOS DeviceSupport",
-    "/Library/Developer/Xcode/macOS DeviceSupport",
-    "/Library/Application Support/MobileSync",
-    "/Library/Application Support/MobileSync/Backup",
-    "/Library/Preferences/ByHost",
-    "/Library/Containers/com.apple.mail/Data/Library/Mail Downloads",
-};
-
-constexpr const char* kFixedTrees[] = {
-    "/System", "/bin", "/sbin", "/usr", "/etc", "/dev", "/cores", "/private/etc", "/private/var/db",
-    "/private/var/root", "/Volumes",
-};
-
-constexpr const char* kLibraryTrees[] = {"/Apple", "/Keychains", "/Security"};
-
-constexpr const char* kHomeTrees[] = {
-    "/Library/Keychains",
-    "/Library/Mobile Documents",
-    "/Library/CloudStorage",
-    "/Library/Mail",
-    "/Library/Messages",
-    "/Library/Accounts",
-    "/Library/Cookies/Cookies.binarycookies",
-    "/Library/Application Support/com.apple.TCC",
-    "/Library/Application Support/AddressBook",
-    "/Library/Calendars",
-    "/Library/Containers/com.apple.Notes",
-};
-
 } // namespace
 
-Safety::Safety(SystemRoots roots) : m_roots(std::move(roots))
+Safety::Safety(SystemRoots roots, SafetyRules rules, MountSource mounts)
+    : m_roots(std::move(roots)), m_rules(std::move(rules)), m_mounts(std::move(mounts))
 {
+    if (!m_mounts)
+        m_mounts = [] { return MountTable::points(); };
     m_homes = spellings(m_roots.home);
+    if (!m_roots.realHome.isEmpty()) {
+        for (const QString& home : spellings(m_roots.realHome)) {
+            if (!m_homes.contains(home))
+                m_homes << home;
+        }
+    }
+    m_libraries = spellings(m_roots.library);
     const QString temporary = resolved(m_roots.temporary);
     m_temporary = temporary.isEmpty() ? withoutTrailingSlash(m_roots.temporary) : temporary;
+    m_temporaries << m_temporary;
+    for (const QString& shared : m_rules.sharedTemporaries)
+        m_temporaries << spellings(shared);
 
-    for (const char* tree : kFixedTrees)
-        m_protectedTrees << QString::fromUtf8(tree);
-    for (const QString& library : spellings(m_roots.library)) {
-        for (const char* tree : kLibraryTrees)
-            m_protectedTrees << library + QString::fromUtf8(tree);
+    for (const SafetyRules::Tree& rule : m_rules.trees) {
+        QStringList exempt = rule.except;
+        if (rule.exceptHomes)
+            exempt << m_homes;
+        for (const QString& path : expand(rule.place))
+            m_trees.append({path, rule.namePrefix, exempt});
     }
-    for (const QString& home : m_homes) {
-        for (const char* tree : kHomeTrees)
-            m_protectedTrees << home + QString::fromUtf8(tree);
+}
+
+QStringList Safety::expand(const SafetyRules::Place& place) const
+{
+    switch (place.base) {
+    case SafetyRules::Base::Root:
+        return {place.path};
+    case SafetyRules::Base::Home:
+    case SafetyRules::Base::Library: {
+        QStringList out;
+        for (const QString& base : place.base == SafetyRules::Base::Home ? m_homes : m_libraries)
+            out << base + place.path;
+        return out;
     }
+    }
+    return {};
 }
 
 void Safety::buildProtectedRoots() const
 {
     QSet<QString> set;
-    for (const char* root : kFixedRoots)
-        set.insert(QString::fromUtf8(root));
-    for (const QString& library : spellings(m_roots.library)) {
-        set.insert(library);
-        for (const char* root : kLibraryRoots)
-            set.insert(library + QString::fromUtf8(root));
+    for (const SafetyRules::Place& place : m_rules.roots) {
+        for (const QString& path : expand(place))
+            set.insert(path);
     }
-    for (const QString& home : m_homes) {
-        for (const char* root : kHomeRoots)
-            set.insert(home + QString::fromUtf8(root));
-        // Every folder directly inside the user's Library, as it is now: a folder made later is
-        // not protected as a whole, which keeps this listing to one per run.
-        const QDir library(home + QStringLiteral("/Library"));
-        const QStringList names =
-            library.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-        for (const QString& name : names)
-            set.insert(home + QStringLiteral("/Library/") + name);
-        for (const char* root : kHomeContainerRoots)
-            set.insert(home + QString::fromUtf8(root));
+    for (const QString& shared : m_rules.sharedTemporaries)
+        set.insert(shared);
+    // Every entry of a listed folder, as it is now: an entry made later is not protected as a
+    // whole, which keeps this listing to one per run.
+    for (const SafetyRules::Place& place : m_rules.listedRoots) {
+        for (const QString& folder : expand(place)) {
+            const QStringList names =
+                QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+            for (const QString& name : names)
+                set.insert(folder + QLatin1Char('/') + name);
+        }
+    }
+    if (m_rules.userDirectories) {
+        for (const QString& home : m_homes) {
+            for (const QString& folder : UserDirectories::configured(home))
+                set.insert(withoutTrailingSlash(standardised(folder)));
+        }
     }
     m_protectedRoots = std::move(set);
+}
+
+bool Safety::insideHome(const QString& path) const
+{
+    return std::any_of(m_homes.cbegin(), m_homes.cend(), [&path](const QString& home) { return within(path, home); });
+}
+
+bool Safety::onOtherVolume(const QString& path) const
+{
+    std::shared_ptr<const QStringList> volumes;
+    {
+        const std::lock_guard lock(m_volumesMutex);
+        const auto now = std::chrono::steady_clock::now();
+        if (!m_volumes || now - m_volumesRead >= kMountTableAge) {
+            const QStringList points = m_mounts();
+            // The volume holding the system, those holding a home and those holding a temporary
+            // folder are the user's working places; every other one is somewhere else.
+            QSet<QString> ours{QStringLiteral("/")};
+            QStringList anchors = m_homes;
+            anchors << m_temporaries;
+            for (const QString& anchor : anchors) {
+                QString holder;
+                for (const QString& point : points) {
+                    if (within(anchor, point) && point.size() > holder.size())
+                        holder = point;
+                }
+                ours.insert(holder);
+            }
+            QStringList others;
+            for (const QString& point : points) {
+                if (!ours.contains(point))
+                    others << point;
+            }
+            m_volumes = std::make_shared<const QStringList>(std::move(others));
+            m_volumesRead = now;
+        }
+        volumes = m_volumes;
+    }
+    return std::any_of(volumes->cbegin(), volumes->cend(),
+                       [&path](const QString& point) { return within(path, point); });
 }
 
 QString Safety::normalise(const QString& path) const
@@ -225,19 +257,34 @@ Verdict Safety::judge(const QString& path) const
     if (m_protectedRoots.contains(path))
         return Verdict::denied(reasonSystemFolder());
 
-    for (const QString& tree : m_protectedTrees) {
-        if (path.startsWith(tree) && (path.size() == tree.size() || path.at(tree.size()) == QLatin1Char('/')))
+    for (const Tree& tree : m_trees) {
+        const bool inside = tree.namePrefix ? path.startsWith(tree.path) : within(path, tree.path);
+        if (!inside)
+            continue;
+        const bool exempt = std::any_of(tree.exempt.cbegin(), tree.exempt.cend(),
+                                        [&path](const QString& folder) { return within(path, folder); });
+        if (!exempt)
             return Verdict::denied(reasonProtectedTree());
     }
 
-    if (path.contains(QLatin1String(".photoslibrary/")))
+    if (m_rules.otherVolumes && onOtherVolume(path))
+        return Verdict::denied(reasonProtectedTree());
+
+    if (!m_rules.insideBundle.isEmpty() && path.contains(m_rules.insideBundle))
         return Verdict::denied(reasonPhotoLibrary());
 
-    if (path.startsWith(QLatin1String("/System/Applications")))
+    if (!m_rules.systemApplications.isEmpty() && path.startsWith(m_rules.systemApplications))
         return Verdict::denied(reasonSystemApp());
 
     if (path.split(QLatin1Char('/'), Qt::SkipEmptyParts).size() <= 1)
         return Verdict::denied(reasonNearRoot());
+
+    if (m_rules.onlyOwnItemsOutsideHomes && !insideHome(path)) {
+        struct stat status = {};
+        if (::lstat(NativePath::encode(path).constData(), &status) == 0 ? status.st_uid != ::getuid()
+                                                                        : errno != ENOENT)
+            return Verdict::denied(reasonOtherUser());
+    }
 
     return Verdict::allowed();
 }
@@ -249,17 +296,17 @@ Verdict Safety::check(const QUrl& url) const
     return check(url.toLocalFile());
 }
 
-Verdict Safety::check(const QString& input) const
+Safety::Assessment Safety::assess(const QString& input) const
 {
     // The system cuts a path at a NUL character: what it would resolve or remove is not what
     // was judged.
     if (input.contains(QChar(0)))
-        return Verdict::denied(reasonInvalid());
+        return {Verdict::denied(reasonInvalid()), input};
     const Normalised path = normalised(input);
     Verdict verdict = judge(path.path);
     if (verdict.isAllowed() && !path.landing.isEmpty())
         verdict = judge(path.landing);
-    return verdict;
+    return {verdict, path.path};
 }
 
 } // namespace nubo

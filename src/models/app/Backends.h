@@ -45,6 +45,8 @@ public:
         CleanCatalog::Rules rules;
         /// By default the workspace's polite request, made on the user-interface thread.
         ModelServices::Quitter quit;
+        /// What the gate protects; by default the rules of the system we run on.
+        std::optional<SafetyRules> safety;
     };
 
     /// `privacy` gates what the scanner and the catalogue read; it must outlive the backends.

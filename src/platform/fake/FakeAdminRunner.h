@@ -16,12 +16,15 @@ class FakeAdminRunner final : public AdminRunner
 {
 public:
     AdminOutcome run(const AdminRequest& request) override;
+    [[nodiscard]] bool carriesAnyBytes() const override { return anyBytes; }
 
     /// The requests so far, in order.
     [[nodiscard]] QList<AdminRequest> requests() const;
 
     AdminOutcome outcome = AdminOutcome::Succeeded;
     std::function<AdminOutcome(const AdminRequest&)> handler;
+    /// Whether this stand-in passes command lines on byte for byte, as the shell of Linux does.
+    bool anyBytes = true;
 
 private:
     mutable std::mutex m_mutex;

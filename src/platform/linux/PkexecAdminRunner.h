@@ -16,6 +16,8 @@ public:
     explicit PkexecAdminRunner(QStringList folders);
 
     AdminOutcome run(const AdminRequest& request) override;
+    /// The command line is ASCII and the shell rebuilds every byte from it.
+    [[nodiscard]] bool carriesAnyBytes() const override { return true; }
 
 private:
     QStringList m_folders;

@@ -72,7 +72,7 @@ protected:
                {QStringLiteral("Program"), QStringLiteral("/Library/PrivilegedHelperTools/com.vendor.daemon")}},
               PlistFormat::binary);
 
-        m_safety = std::make_unique<Safety>(m_mac.roots());
+        m_safety = std::make_unique<Safety>(m_mac.roots(), SafetyRules::forMac());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_launchItems = std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
         m_maintenance = std::make_unique<MaintenanceCatalog>(m_tools, m_shell, m_admin);

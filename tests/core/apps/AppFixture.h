@@ -91,7 +91,7 @@ protected:
     {
         if (!m_catalog) {
             m_privacy = std::make_unique<Privacy>(roots.home, [this] { return fullDiskAccess; });
-            m_safety = std::make_unique<Safety>(roots);
+            m_safety = std::make_unique<Safety>(roots, SafetyRules::forMac());
             m_catalog = std::make_unique<AppCatalog>(roots, *m_safety, *m_privacy, workspace, metadata);
         }
         return *m_catalog;

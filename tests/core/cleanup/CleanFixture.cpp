@@ -17,11 +17,11 @@ void CleanFixture::SetUp()
                              "Library/Caches", "tmp-user/T", "shared-tmp"})
         folder(QString::fromUtf8(path));
     m_roots = SystemRoots{base(QStringLiteral("home")), base(QStringLiteral("Library")), base(QStringLiteral("tmp-user/T"))};
-    m_safety = std::make_unique<Safety>(m_roots);
+    m_safety = std::make_unique<Safety>(m_roots, SafetyRules::forMac());
     m_privacy = std::make_unique<Privacy>(m_roots.home, [this] { return m_fullDiskAccess.load(); });
     m_naming = std::make_unique<Naming>(Naming::lookupIn(m_workspace));
     m_context = std::make_unique<CleanContext>(*m_safety, *m_privacy, *m_naming, m_tools, m_roots);
-    m_context->sharedTemporary = base(QStringLiteral("shared-tmp"));
+    m_context->sharedTemporaries = QStringList{base(QStringLiteral("shared-tmp"))};
 }
 
 QString CleanFixture::folder(const QString& relative) const

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace nubo;
@@ -59,6 +60,13 @@ TEST_F(FolderRuleTest, SharedTemporaryFolderOffersOnlyTheUsersOwnEntries)
     // The per-user folder comes first and does not ask who owns what; the shared one does.
     EXPECT_EQ(relative(FolderCategories::temp(*m_context)),
               (list({"tmp-user/T/theirs-in-private", "shared-tmp/mine"})));
+
+    // A per-user folder every user may write to (a Linux TMPDIR of /tmp) is shared too, and is
+    // listed once though the shared folders name it again.
+    age(file(QStringLiteral("tmp-user/T/mine-here")), 10);
+    ASSERT_EQ(::chmod(QFile::encodeName(base(QStringLiteral("tmp-user/T"))).constData(), 01777), 0);
+    m_context->sharedTemporaries.prepend(base(QStringLiteral("tmp-user/T")));
+    EXPECT_EQ(relative(FolderCategories::temp(*m_context)), (list({"tmp-user/T/mine-here", "shared-tmp/mine"})));
 }
 
 TEST_F(FolderRuleTest, AgeLimitOfDownloadsAndCaseOfInstallerExtensions)

@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstring>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace nubo;
 using namespace nubo::test;
@@ -372,6 +374,45 @@ TEST_F(DeleterRightsTest, OddNamesReachThePrivilegedRemovalIntact)
     EXPECT_EQ(result.deleted.size(), names.size());
     EXPECT_EQ(result.freed, names.size());
     EXPECT_EQ(listing(), without(before, removed));
+}
+
+TEST_F(DeleterRightsTest, ThePrivilegedCommandNamesExactlyTheBytesItWasGiven)
+{
+    // GIVEN names that are not UTF-8, one also ending in a line break, each beside the look-alike
+    // its text would turn into if a byte were lost on the way
+    const QList<QByteArray> names{"a\xff", "a?", "b\xfe\n", "b?\n", "b\xfe"};
+    dir("work/odd");
+    OrdinaryUser::handOver(bytes("work/odd"));
+    for (const QByteArray& name : names) {
+        file("work/odd/" + name, 1);
+        OrdinaryUser::handOver(bytes("work/odd/" + name));
+    }
+    const std::set<std::string> before = listing();
+    // The privileged shell's stand-in really runs the line, as an ordinary user in a child process.
+    m_admin.handler = [](const AdminRequest& request) {
+        const QByteArray line = request.commandLine.toUtf8();
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))
+                ::_exit(3);
+            ::execl("/bin/sh", "sh", "-c", line.constData(), static_cast<char*>(nullptr));
+            ::_exit(127);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? AdminOutcome::Succeeded : AdminOutcome::Failed;
+    };
+    const QString odd = NativePath::decode(bytes("work/odd/a\xff"));
+    const QString oddWithBreak = NativePath::decode(bytes("work/odd/b\xfe\n"));
+
+    // WHEN both are handed to the administrator THEN exactly they are gone
+    EXPECT_TRUE(m_deleter->removeAsAdmin({odd, oddWithBreak}));
+    EXPECT_EQ(listing(), without(before, {"work/odd/a\xff", "work/odd/b\xfe\n"}));
+
+    // A runner whose command is text (the Mac's script) is never handed such a name.
+    m_admin.anyBytes = false;
+    EXPECT_FALSE(m_deleter->removeAsAdmin({oddWithBreak, NativePath::decode(bytes("work/odd/b\xfe"))}));
+    EXPECT_EQ(m_admin.requests().size(), 1);
 }
 
 TEST_F(DeleterRightsTest, PrivilegedRemovalAsksTheGateAgain)

@@ -9,7 +9,7 @@ void DeletionFixture::SetUp()
     for (const char* folder : {"home/Library/Caches", "Library", "tmp", "work"})
         dir(folder);
     SystemRoots roots{path("home"), path("Library"), path("tmp")};
-    m_safety = std::make_unique<Safety>(roots);
+    m_safety = std::make_unique<Safety>(roots, SafetyRules::forMac());
     m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
 }
 

@@ -61,7 +61,7 @@ protected:
                               "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
                               "exit 0\n");
 
-        m_safety = std::make_unique<Safety>(m_mac.roots());
+        m_safety = std::make_unique<Safety>(m_mac.roots(), SafetyRules::forMac());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_naming = std::make_unique<Naming>([this](const QString& identifier) {
             return m_workspace.applicationLocation(identifier).value_or(QString());

@@ -19,7 +19,7 @@ TEST_F(GateConcurrencyTest, ChecksAndGateQueriesRaceARefreshingProbe)
         ++probes;
         return grant.load();
     });
-    Safety fresh(m_roots); // its tables are built by whichever thread comes first
+    Safety fresh(m_roots, SafetyRules::forMac()); // its tables are built by whichever thread comes first
 
     const QString gatedPath = home(QStringLiteral("Library/Mail/V10"));
     const QString openPath = home(QStringLiteral("Projects/app"));

@@ -30,7 +30,7 @@ protected:
         }
         m_roots = SystemRoots{base(QStringLiteral("home")), base(QStringLiteral("Library")),
                               base(QStringLiteral("tmp-user/T/"))};
-        m_safety = std::make_unique<Safety>(m_roots);
+        m_safety = std::make_unique<Safety>(m_roots, SafetyRules::forMac());
     }
 
     QString base(const QString& relative) const { return m_base.path() + QLatin1Char('/') + relative; }

@@ -134,6 +134,7 @@ TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
     overrides.admin = std::make_unique<FakeAdminRunner>();
     overrides.workspace = std::make_unique<FakeWorkspace>();
     overrides.metadata = std::make_unique<FakeMetadata>();
+    overrides.safety = SafetyRules::forMac();
     Backends backends(roots, privacy, std::move(overrides));
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     {

@@ -50,7 +50,7 @@ protected:
         plist("home/Library/LaunchAgents/com.me.agent.plist", "com.me.agent");
         plist("Library/LaunchDaemons/com.sys.daemon.plist", "com.sys.daemon");
 
-        m_safety = std::make_unique<Safety>(m_mac.roots());
+        m_safety = std::make_unique<Safety>(m_mac.roots(), SafetyRules::forMac());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_launchItems =
             std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);

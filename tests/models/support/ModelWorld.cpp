@@ -17,7 +17,7 @@ void ModelWorld::SetUp()
                           path(QStringLiteral("tmp")), path(QStringLiteral("Applications")),
                           path(QStringLiteral("System/Applications"))};
     m_volume.answer = {1'000'000'000'000, 250'000'000'000, 200'000'000'000};
-    m_safety = std::make_unique<Safety>(m_roots);
+    m_safety = std::make_unique<Safety>(m_roots, SafetyRules::forMac());
     m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
     m_scanner = std::make_unique<DiskScanner>();
     m_catalog = std::make_unique<CleanCatalog>([this](const QString& id) {
