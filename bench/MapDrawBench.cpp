@@ -124,8 +124,8 @@ int main(int argc, char** argv)
                             dir.path() + QStringLiteral("/tmp"), dir.path() + QStringLiteral("/Applications"),
                             dir.path() + QStringLiteral("/System/Applications")};
     const Privacy privacy(QStringLiteral("/nowhere"), [] { return true; });
-    Backends backends(roots, privacy);
-    MapModel model(backends.services());
+    const auto backends = std::make_shared<Backends>(roots, privacy);
+    MapModel model(backends->services());
     model.present(largestMap(home));
 
     QQmlApplicationEngine engine;

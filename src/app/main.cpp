@@ -2,6 +2,7 @@
 #include "core/privacy/Permissions.h"
 #include "core/privacy/Privacy.h"
 #include "models/app/AppState.h"
+#include "models/app/Jobs.h"
 #include "models/app/ShellController.h"
 #include "platform/AppShell.h"
 #include "platform/SymbolImages.h"
@@ -16,6 +17,9 @@
 #include <QQuickWindow>
 #include <QSystemTrayIcon>
 
+#include <chrono>
+#include <cstdlib>
+
 int main(int argc, char* argv[])
 {
     // A widgets application: the tray icon and the platform's own menu bar are widgets classes.
@@ -27,33 +31,45 @@ int main(int argc, char* argv[])
     QQuickStyle::setStyle(QStringLiteral("Fusion"));
 #endif
 
-    // The services live as long as the window; the state borrows them.
+    // The services outlive the window and the state, which borrows them; background work that
+    // outlives the state shares what it uses.
     const QString home = nubo::Home::url();
     nubo::Privacy privacy(home, [home] { return nubo::Permissions::hasFullDiskAccess(home); });
     const std::unique_ptr<nubo::VolumeCapacity> volume = nubo::makeVolumeCapacity();
-    nubo::AppState state({privacy, *volume});
+    int code = 0;
+    {
+        nubo::AppState state({privacy, *volume});
 
-    // Then the update service, then the window and the menu-bar panel.
-    const std::unique_ptr<nubo::AppShell> shell = nubo::makeAppShell();
-    nubo::ShellController controller(state, *shell);
-    controller.start();
+        // Then the update service, then the window and the menu-bar panel.
+        const std::unique_ptr<nubo::AppShell> shell = nubo::makeAppShell();
+        nubo::ShellController controller(state, *shell);
+        controller.start();
 #ifdef Q_OS_MACOS
-    const nubo::NativeMenus menus(controller);
-    constexpr bool platformReopens = true;
+        const nubo::NativeMenus menus(controller);
+        constexpr bool platformReopens = true;
 #else
-    constexpr bool platformReopens = false;
+        constexpr bool platformReopens = false;
 #endif
 
-    QQmlApplicationEngine engine;
-    nubo::UiEngine::configure(engine);
-    QQuickWindow* window = nubo::UiEngine::loadMainWindow(engine, state, &controller);
-    if (!window)
-        return 1;
-    nubo::UiEngine::attachShell(*window, controller);
-    const std::unique_ptr<nubo::SymbolImages> symbols = nubo::makeSymbolImages();
-    nubo::MenuBarPresenter panel(engine, state, controller, *symbols, QSystemTrayIcon::isSystemTrayAvailable());
-    QApplication::setQuitOnLastWindowClosed(!controller.keepsRunningWithoutWindow(platformReopens));
-    QObject::connect(&controller, &nubo::ShellController::quitRequested, &app, &QCoreApplication::quit,
-                     Qt::QueuedConnection);
-    return QApplication::exec();
+        QQmlApplicationEngine engine;
+        nubo::UiEngine::configure(engine);
+        QQuickWindow* window = nubo::UiEngine::loadMainWindow(engine, state, &controller);
+        if (!window)
+            return 1;
+        nubo::UiEngine::attachShell(*window, controller);
+        const std::unique_ptr<nubo::SymbolImages> symbols = nubo::makeSymbolImages();
+        nubo::MenuBarPresenter panel(engine, state, controller, *symbols,
+                                     QSystemTrayIcon::isSystemTrayAvailable());
+        QApplication::setQuitOnLastWindowClosed(!controller.keepsRunningWithoutWindow(platformReopens));
+        QObject::connect(&controller, &nubo::ShellController::quitRequested, &app, &QCoreApplication::quit,
+                         Qt::QueuedConnection);
+        code = QApplication::exec();
+    } // The window goes, then the state: every model asks its work to stop and returns at once.
+
+    // Work that was asked to stop ends within moments (a tool is killed, a scan gives up); what
+    // cannot stop, such as a password prompt, must not find the services gone under it, so the
+    // program then ends without taking anything apart.
+    if (!nubo::Jobs::waitForAll(std::chrono::seconds(2)))
+        std::_Exit(code);
+    return code;
 }

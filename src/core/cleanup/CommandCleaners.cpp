@@ -7,13 +7,10 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPromise>
 #include <QRegularExpression>
 
 #include <cmath>
 #include <limits>
-#include <memory>
-#include <thread>
 
 namespace nubo::CommandCleaners {
 
@@ -198,34 +195,25 @@ QList<CleanItem> dockerItems(const CleanContext& context)
                                           QStringLiteral("-f")}})};
 }
 
-CommandOutcome runCommandsNow(const ToolRunner& tools, const QList<CleanItem>& items)
+CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items, std::stop_token stop)
 {
     CommandOutcome outcome;
     for (const CleanItem& item : items) {
         const auto* command = std::get_if<CleanItem::Command>(&item.action);
         if (!command)
             continue;
-        const ShellResult result = tools.run(command->program, command->arguments, 600s);
+        if (stop.stop_requested())
+            break;
+        const ShellResult result = tools.run(command->program, command->arguments, 600s, stop);
+        // A command ended because we were asked to stop neither freed nor failed.
+        if (stop.stop_requested())
+            break;
         if (result.status == 0)
             outcome.freed = checkedAdd(outcome.freed, std::max<qint64>(item.size, 0));
         else
             outcome.failed << item.name;
     }
     return outcome;
-}
-
-QFuture<CommandOutcome> runCommands(const ToolRunner& tools, const QList<CleanItem>& items)
-{
-    auto promise = std::make_shared<QPromise<CommandOutcome>>();
-    QFuture<CommandOutcome> future = promise->future();
-    promise->start();
-    // A thread of its own rather than the shared pool: a command may take minutes, and the scans
-    // that share the pool must never wait behind it.
-    std::thread([promise, &tools, items] {
-        promise->addResult(runCommandsNow(tools, items));
-        promise->finish();
-    }).detach();
-    return future;
 }
 
 } // namespace nubo::CommandCleaners

@@ -3,10 +3,11 @@
 #include "core/cleanup/CleanContext.h"
 #include "core/cleanup/CleanItem.h"
 
-#include <QFuture>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <stop_token>
 
 namespace nubo {
 
@@ -46,14 +47,13 @@ struct CommandOutcome
     friend bool operator==(const CommandOutcome&, const CommandOutcome&) = default;
 };
 
-/// Runs the command items among `items` one after another, each with ten minutes to finish, on a
-/// thread of its own so the caller never waits; items that remove a path are left to the deleter.
-/// Exit status 0 counts the item's announced size as freed (nothing is measured again); anything
-/// else lists its name as failed. `tools` must outlive the returned future's completion.
-[[nodiscard]] QFuture<CommandOutcome> runCommands(const ToolRunner& tools, const QList<CleanItem>& items);
-
-/// The same work, on the calling thread.
-[[nodiscard]] CommandOutcome runCommandsNow(const ToolRunner& tools, const QList<CleanItem>& items);
+/// Runs the command items among `items` one after another on the calling thread, each with ten
+/// minutes to finish; items that remove a path are left to the deleter. Exit status 0 counts the
+/// item's announced size as freed (nothing is measured again); anything else lists its name as
+/// failed. Asked to stop, the running command is ended and the items never reached are in
+/// neither list.
+[[nodiscard]] CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items,
+                                         std::stop_token stop = {});
 
 } // namespace CommandCleaners
 

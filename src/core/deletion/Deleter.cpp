@@ -7,9 +7,6 @@
 #include "core/safety/Safety.h"
 #include "platform/AdminRunner.h"
 
-#include <QPromise>
-#include <QThreadPool>
-
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -38,25 +35,17 @@ QString Deleter::adminDeniedReason()
     return QStringLiteral("Permiso de administrador denegado");
 }
 
-QFuture<DeletionResult> Deleter::deleteItems(QList<DeletionItem> items, bool allowAdmin) const
-{
-    auto promise = std::make_shared<QPromise<DeletionResult>>();
-    QFuture<DeletionResult> future = promise->future();
-    promise->start();
-    m_pool.start([this, promise, items = std::move(items), allowAdmin] {
-        promise->addResult(deleteItemsNow(items, allowAdmin));
-        promise->finish();
-    });
-    return future;
-}
-
-DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool allowAdmin) const
+DeletionResult Deleter::deleteItems(const QList<DeletionItem>& items, bool allowAdmin, std::stop_token stop) const
 {
     DeletionResult result;
     // Queued for the administrator: the caller's item and the path that is acted on.
     QList<std::pair<DeletionItem, QString>> adminQueue;
 
     for (const DeletionItem& item : items) {
+        if (stop.stop_requested()) {
+            result.stopped = true;
+            return result;
+        }
         // The disk is acted on exactly where the gate looked, resolved once: the parent folder
         // resolved and the last name as it stands. The text as given could differ from it ("link/"
         // or "link/." reach through a link the gate judged as a link; "link/../x" lands beside
@@ -95,6 +84,11 @@ DeletionResult Deleter::deleteItemsNow(const QList<DeletionItem>& items, bool al
 
     if (adminQueue.isEmpty())
         return result;
+    // Stopped before the prompt: what waited for it was never tried by the administrator.
+    if (stop.stop_requested()) {
+        result.stopped = true;
+        return result;
+    }
 
     QStringList targets;
     for (const auto& queued : adminQueue)

@@ -2,8 +2,7 @@
 
 #include "core/deletion/DeletionResult.h"
 
-#include <QFuture>
-#include <QThreadPool>
+#include <stop_token>
 
 namespace nubo {
 
@@ -22,18 +21,18 @@ class Safety;
 /// the administrator could remove but whose name cannot be written exactly in the privileged
 /// command never reaches it and reads "No se pudo borrar".
 ///
-/// The deleter keeps references to the gate and the runner; both must outlive every batch.
+/// The deleter keeps references to the gate and the runner; whoever owns it owns them too.
 class Deleter
 {
 public:
     Deleter(const Safety& safety, AdminRunner& admin);
 
-    /// Runs the batch on the global thread pool; the prompt, if any, is shown from there. The
-    /// caller publishes the result on the user-interface thread when the future has it.
-    [[nodiscard]] QFuture<DeletionResult> deleteItems(QList<DeletionItem> items, bool allowAdmin) const;
-
-    /// The same batch on the calling thread, blocking until done.
-    [[nodiscard]] DeletionResult deleteItemsNow(const QList<DeletionItem>& items, bool allowAdmin) const;
+    /// Deletes the batch on the calling thread, blocking until done: call it from background
+    /// work. Asked to stop, it ends before the next item; the items never reached are neither
+    /// deleted nor failed, and `stopped` says so. The administrator prompt, once shown, cannot be
+    /// stopped: it ends when the user answers it.
+    [[nodiscard]] DeletionResult deleteItems(const QList<DeletionItem>& items, bool allowAdmin,
+                                             std::stop_token stop = {}) const;
 
     /// One administrator /bin/rm for all `paths` that the gate still allows. False when none is
     /// left or the user refused; true when it ran, and also when the platform could not even
@@ -50,10 +49,6 @@ public:
 private:
     const Safety& m_safety;
     AdminRunner& m_admin;
-    // Deletions (and the password prompt they may wait on) run on threads of their own: Qt's
-    // shared pool also draws images for the window, which must not wait behind a prompt. The
-    // pool's end waits for a running deletion, which borrows this object.
-    mutable QThreadPool m_pool;
 };
 
 } // namespace nubo

@@ -23,7 +23,8 @@ struct DeletionFailure
 };
 
 /// What one batch deletion did. Every item of the batch ends in exactly one of the two lists,
-/// in the caller's order within each.
+/// in the caller's order within each, unless the batch was stopped: then the items never
+/// reached are in neither.
 struct DeletionResult
 {
     /// Sum of the sizes the caller gave for the items that are gone; an item that was already
@@ -32,6 +33,8 @@ struct DeletionResult
     /// Items that are gone: removed now, or already absent.
     QStringList deleted;
     QList<DeletionFailure> failed;
+    /// The batch was asked to stop before its end.
+    bool stopped = false;
 };
 
 } // namespace nubo

@@ -239,7 +239,7 @@ bool LaunchItems::remove(const LaunchItem& item) const
                            kActionTimeout);
     }
     const DeletionResult result =
-        m_deleter.deleteItemsNow({{item.url, Location::allocatedSize(item.url)}}, true);
+        m_deleter.deleteItems({{item.url, Location::allocatedSize(item.url)}}, true);
     return result.failed.isEmpty() && result.deleted.contains(item.url);
 }
 

@@ -121,7 +121,7 @@ MaintenanceTask::Outcome MaintenanceCatalog::outcomeOf(const MaintenanceTask& ta
     return {false, last.isEmpty() ? QStringLiteral("Error") : last};
 }
 
-MaintenanceTask::Outcome MaintenanceCatalog::run(const MaintenanceTask& task) const
+MaintenanceTask::Outcome MaintenanceCatalog::run(const MaintenanceTask& task, std::stop_token stop) const
 {
     if (task.needsAdmin) {
         // A refused prompt and a failed command read the same: the user learns nothing more
@@ -129,7 +129,8 @@ MaintenanceTask::Outcome MaintenanceCatalog::run(const MaintenanceTask& task) co
         const bool ok = Admin::run(m_admin, task.command);
         return {ok, ok ? QStringLiteral("Hecho") : QStringLiteral("Cancelado")};
     }
-    return outcomeOf(task, m_runner.run(m_tools.shell, {QStringLiteral("-c"), task.command}, kTaskTimeout));
+    return outcomeOf(task,
+                     m_runner.run(m_tools.shell, {QStringLiteral("-c"), task.command}, kTaskTimeout, std::move(stop)));
 }
 
 } // namespace nubo

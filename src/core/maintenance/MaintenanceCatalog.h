@@ -8,6 +8,8 @@
 
 #include <chrono>
 
+#include <stop_token>
+
 namespace nubo {
 
 class AdminRunner;
@@ -45,7 +47,9 @@ public:
     /// Runs `task`: behind the administrator prompt when it needs it ("Hecho", or "Cancelado"
     /// whether the prompt was refused or the command failed), otherwise through the shell as the
     /// user with a ten-minute limit (see `outcomeOf`).
-    [[nodiscard]] MaintenanceTask::Outcome run(const MaintenanceTask& task) const;
+    /// Asked to stop, a running tool is ended within about a tenth of a second; a password
+    /// prompt cannot be stopped and ends when the user answers it.
+    [[nodiscard]] MaintenanceTask::Outcome run(const MaintenanceTask& task, std::stop_token stop = {}) const;
 
     /// The snapshot lines of a listing: non-empty lines naming "com.apple.TimeMachine".
     [[nodiscard]] static int countSnapshots(const QString& listing);

@@ -7,6 +7,7 @@
 #include <QProcessEnvironment>
 
 #include <algorithm>
+#include <limits>
 
 #include <csignal>
 
@@ -19,6 +20,8 @@ namespace {
 
 // Once the deadline has passed: a polite request, one second, then no more asking, one second.
 constexpr int kGraceMilliseconds = 1000;
+// How soon a run notices that it was asked to stop.
+constexpr int kStopSliceMilliseconds = 50;
 
 int waitSlice(const QDeadlineTimer& deadline)
 {
@@ -33,7 +36,8 @@ QStringList whichFolders()
     return {QStringLiteral("/opt/homebrew/bin"), QStringLiteral("/usr/local/bin"), QStringLiteral("/usr/bin")};
 }
 
-ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout)
+ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout,
+                std::stop_token stop)
 {
     // QProcess would look a bare name up in our own search path; a tool is always named by its
     // full path so that what runs is exactly what the caller meant.
@@ -60,10 +64,14 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
 
     // waitForFinished keeps reading standard output into the process's buffer while it waits,
     // so the tool never blocks on a full pipe however much it writes.
-    while (process.state() != QProcess::NotRunning && !deadline.hasExpired())
-        process.waitForFinished(waitSlice(deadline));
+    // Whoever may stop the run is answered within a slice.
+    const int slice = stop.stop_possible() ? kStopSliceMilliseconds : std::numeric_limits<int>::max();
+    while (process.state() != QProcess::NotRunning && !deadline.hasExpired() && !stop.stop_requested())
+        process.waitForFinished(std::min(waitSlice(deadline), slice));
 
     if (process.state() != QProcess::NotRunning) {
+        // Asked to stop, the tool gets one slice to end by itself; at the deadline, a second.
+        const int grace = stop.stop_requested() ? kStopSliceMilliseconds : kGraceMilliseconds;
         const pid_t tool = pid_t(process.processId());
         // Never 0 or below: kill(0) would signal our own process group, the app itself. When the
         // tool could not get its own group, it alone is signalled.
@@ -72,7 +80,7 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
                 ::kill(tool, signal);
         };
         signalTool(SIGTERM);
-        if (!process.waitForFinished(kGraceMilliseconds)) {
+        if (!process.waitForFinished(grace)) {
             signalTool(SIGKILL);
             process.waitForFinished(kGraceMilliseconds);
         }

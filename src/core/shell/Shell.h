@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <optional>
+#include <stop_token>
 
 namespace nubo::Shell {
 
@@ -26,10 +27,14 @@ inline constexpr const char* kToolSearchPath =
 /// nothing it started outlives it. A tool that ends in time may leave children running.
 /// Output is decoded as UTF-8 with invalid bytes replaced, never dropped, and not trimmed.
 ///
+/// A run whose `stop` is requested ends the same way within about a tenth of a second: the
+/// tool's group is asked to terminate, killed 50 ms later, and the result is status -1.
+///
 /// Blocks the calling thread for up to `timeout` plus about three seconds: never call it on the
 /// user-interface thread. Any number of runs may proceed at once on different threads.
 [[nodiscard]] ShellResult run(const QString& executable, const QStringList& arguments,
-                              std::chrono::milliseconds timeout = std::chrono::seconds(60));
+                              std::chrono::milliseconds timeout = std::chrono::seconds(60),
+                              std::stop_token stop = {});
 
 /// The first of `folders` holding an executable file called `name`, or nothing. A name that is
 /// empty or holds a "/" finds nothing, so it can never reach outside those folders.

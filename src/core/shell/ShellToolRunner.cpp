@@ -5,9 +5,9 @@
 namespace nubo {
 
 ShellResult ShellToolRunner::run(const QString& executable, const QStringList& arguments,
-                                 std::chrono::milliseconds timeout) const
+                                 std::chrono::milliseconds timeout, std::stop_token stop) const
 {
-    return Shell::run(executable, arguments, timeout);
+    return Shell::run(executable, arguments, timeout, std::move(stop));
 }
 
 } // namespace nubo

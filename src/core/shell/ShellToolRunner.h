@@ -9,8 +9,9 @@ namespace nubo {
 class ShellToolRunner final : public ToolRunner
 {
 public:
-    ShellResult run(const QString& executable, const QStringList& arguments,
-                    std::chrono::milliseconds timeout) const override;
+    using ToolRunner::run;
+    ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout,
+                    std::stop_token stop) const override;
 };
 
 } // namespace nubo

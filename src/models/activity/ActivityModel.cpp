@@ -7,9 +7,7 @@
 #include "platform/Workspace.h"
 
 #include <QDir>
-#include <QFutureWatcher>
 #include <QVariantMap>
-#include <QtConcurrent>
 #include <algorithm>
 #include <mutex>
 
@@ -19,8 +17,8 @@ namespace nubo {
 // mid-refresh leaves the job a live sampler; the job's result is then simply never published.
 struct ActivityModel::Sampling
 {
-    Sampling(const Workspace& apps, const ProcessTable& table)
-        : workspace(apps), processes(table), sampler(table)
+    Sampling(const Workspace& apps, const ProcessTable& table, std::shared_ptr<const void> services)
+        : workspace(apps), processes(table), owner(std::move(services)), sampler(table)
     {
     }
 
@@ -57,6 +55,7 @@ struct ActivityModel::Sampling
 
     const Workspace& workspace;
     const ProcessTable& processes;
+    std::shared_ptr<const void> owner;
     std::mutex mutex;
     UsageSampler sampler;
 };
@@ -106,7 +105,7 @@ std::optional<ActivityModel::Sort> ActivityModel::sortFromLabel(const QString& t
 
 ActivityModel::ActivityModel(Services services, QObject* parent)
     : QObject(parent), m_services(services),
-      m_sampling(std::make_shared<Sampling>(services.workspace, services.processes)),
+      m_sampling(std::make_shared<Sampling>(services.workspace, services.processes, services.owner)),
       m_launchAtLogin(services.loginItem.isRegistered()),
       m_lastAccessibility(services.accessibility.isTrusted())
 {
@@ -118,13 +117,7 @@ ActivityModel::ActivityModel(Services services, QObject* parent)
     connect(&m_bump, &QTimer::timeout, this, &ActivityModel::refresh);
 }
 
-ActivityModel::~ActivityModel()
-{
-    // Both kinds of job are short and use the borrowed services, which may go right after us.
-    m_refreshJob.waitForFinished();
-    for (QFuture<void>& job : m_minimizeJobs)
-        job.waitForFinished();
-}
+ActivityModel::~ActivityModel() = default;
 
 QList<AppUsage> ActivityModel::sorted() const
 {
@@ -207,13 +200,9 @@ void ActivityModel::refresh()
     }
     m_refreshing = true;
     m_loop.stop();
-    auto* watcher = new QFutureWatcher<Snapshot>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        publish(watcher->result());
-    });
-    m_refreshJob = QtConcurrent::run(&m_pool, [sampling = m_sampling] { return sampling->take(); });
-    watcher->setFuture(m_refreshJob);
+    m_jobs.start(
+        QStringLiteral("sample"), [sampling = m_sampling](std::stop_token) { return sampling->take(); },
+        [this](const Snapshot& snapshot) { publish(snapshot); }, [this] { publish(Snapshot{m_apps, m_memory}); });
 }
 
 void ActivityModel::publish(const Snapshot& snapshot)
@@ -318,7 +307,7 @@ void ActivityModel::minimize(const AppUsage& app)
 {
     if (!canMinimize() || !trusted())
         return;
-    minimizeOnPool({app.pid});
+    minimizeInTurn({app.pid});
 }
 
 void ActivityModel::activate(int pid)
@@ -367,7 +356,7 @@ void ActivityModel::minimizeAll()
             pids << app.pid;
     }
     // Minimising does not change the list, so no bump follows.
-    minimizeOnPool(pids);
+    minimizeInTurn(pids);
 }
 
 void ActivityModel::hideAll()
@@ -393,17 +382,15 @@ bool ActivityModel::trusted()
     return granted;
 }
 
-void ActivityModel::minimizeOnPool(QList<qint64> pids)
+void ActivityModel::minimizeInTurn(QList<qint64> pids)
 {
     if (pids.isEmpty())
         return;
-    // Each window is a message to another application that may be slow to answer.
-    Accessibility& accessibility = m_services.accessibility;
-    m_minimizeJobs.removeIf([](const QFuture<void>& job) { return job.isFinished(); });
-    m_minimizeJobs << QtConcurrent::run(&m_pool, [&accessibility, pids = std::move(pids)] {
-        for (const qint64 pid : pids)
-            accessibility.minimizeWindows(pid);
-    });
+    // Accessibility belongs on this thread; each application is a message that may be slow to
+    // answer, so one application per turn of the event loop keeps the window responsive.
+    m_services.accessibility.minimizeWindows(pids.takeFirst());
+    if (!pids.isEmpty())
+        QTimer::singleShot(0, this, [this, pids = std::move(pids)]() mutable { minimizeInTurn(std::move(pids)); });
 }
 
 void ActivityModel::ensureAccessibility()

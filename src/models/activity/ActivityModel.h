@@ -2,15 +2,15 @@
 
 #include "core/activity/AppUsage.h"
 #include "core/activity/UsageSampler.h"
+#include "models/app/Jobs.h"
 
-#include <QFuture>
 #include <QList>
 #include <QObject>
 #include <QStringList>
-#include <QThreadPool>
 #include <QTimer>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
+
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -78,6 +78,8 @@ public:
         qint64 ownPid = 0;
         std::chrono::milliseconds interval = std::chrono::seconds(2);
         std::chrono::milliseconds bumpDelay = std::chrono::milliseconds(300);
+        /// Whatever keeps the services above alive; the sampling in the background holds it.
+        std::shared_ptr<const void> owner = {};
     };
 
     explicit ActivityModel(Services services, QObject* parent = nullptr);
@@ -164,7 +166,7 @@ private:
                                                                   const QList<RunningApplication>& all);
     void act(const AppUsage& app, void (Workspace::*action)(const RunningApplication&), bool supported);
     bool trusted();
-    void minimizeOnPool(QList<qint64> pids);
+    void minimizeInTurn(QList<qint64> pids);
     void noteAccessibility();
 
     Services m_services;
@@ -180,11 +182,8 @@ private:
     bool m_refreshAgain = false;
     QTimer m_loop;
     QTimer m_bump;
-    // Sampling and minimising run on threads of our own, never on the pool Qt draws images with:
-    // a hung application can keep a minimise waiting for its time-out.
-    QThreadPool m_pool;
-    QFuture<Snapshot> m_refreshJob;
-    QList<QFuture<void>> m_minimizeJobs;
+    // Last, so that it goes first: nothing lands on a model that is being taken apart.
+    Jobs m_jobs{this};
 };
 
 } // namespace nubo

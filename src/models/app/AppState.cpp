@@ -19,14 +19,14 @@ AppState::AppState(Services services, QObject* parent)
       m_showPermissions(!services.privacy.hasFullDiskAccess())
 {
     if (!services.models) {
-        m_backends = std::make_unique<Backends>(SystemRoots::system(), services.privacy);
-        m_models = &m_backends->services();
+        m_backends = std::make_shared<Backends>(SystemRoots::system(), services.privacy);
+        m_models = m_backends->services();
     } else {
         m_models = services.models;
     }
-    m_map = std::make_unique<MapModel>(*m_models, this);
-    m_clean = std::make_unique<CleanModel>(*m_models, this);
-    m_apps = std::make_unique<AppsModel>(*m_models, this);
+    m_map = std::make_unique<MapModel>(m_models, this);
+    m_clean = std::make_unique<CleanModel>(m_models, this);
+    m_apps = std::make_unique<AppsModel>(m_models, this);
     m_map->setApp(this);
     // The node menu reveals and opens files through the same workspace as the settings page.
     m_map->setWorkspace(workspace());

@@ -72,9 +72,9 @@ public:
         Privacy& privacy;
         const VolumeCapacity& volume;
         std::chrono::milliseconds toastDuration = std::chrono::seconds(4);
-        /// What the feature models work with, borrowed; none builds the real backends over this
-        /// machine's roots (whose home NUBO_HOME may replace).
-        const ModelServices* models = nullptr;
+        /// What the feature models work with; none builds the real backends over this machine's
+        /// roots (whose home NUBO_HOME may replace).
+        std::shared_ptr<const ModelServices> models = {};
         /// Opens the settings page for Full Disk Access; none uses the real backends' workspace
         /// (a state over prepared services then opens nothing).
         Workspace* workspace = nullptr;
@@ -86,7 +86,7 @@ public:
     /// exactly when access is missing; then creates the map, cleanup and apps models and hands
     /// each a reference back to this state.
     explicit AppState(Services services, QObject* parent = nullptr);
-    /// The models go first: they wait for their background work, which borrows the services.
+    /// The models go first; each asks its background work to stop and returns at once.
     ~AppState() override;
 
     [[nodiscard]] Pane pane() const { return m_section; }
@@ -193,8 +193,8 @@ private:
     bool m_showPermissions = false;
     std::optional<Toast> m_toast;
     qint64 m_totalFreed = 0;
-    std::unique_ptr<Backends> m_backends;
-    const ModelServices* m_models = nullptr;
+    std::shared_ptr<Backends> m_backends;
+    std::shared_ptr<const ModelServices> m_models;
     std::unique_ptr<MapModel> m_map;
     std::unique_ptr<CleanModel> m_clean;
     std::unique_ptr<AppsModel> m_apps;

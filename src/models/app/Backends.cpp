@@ -43,8 +43,8 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
         .scanner = m_scanner,
         .catalog = m_catalog,
         .apps = m_apps,
-        .runCommands =
-            [&tools](const QList<CleanItem>& items) { return CommandCleaners::runCommandsNow(tools, items); },
+        .runCommands = [&tools](const QList<CleanItem>& items,
+                                std::stop_token stop) { return CommandCleaners::runCommands(tools, items, stop); },
         .quit = overrides.quit ? std::move(overrides.quit) : std::move(quit),
         .haptics = {},
         .workspace = m_workspace.get(),
@@ -53,7 +53,27 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
 
 ActivityModel::Services Backends::activityServices()
 {
-    return {*m_workspace, *m_processes, *m_accessibility, *m_loginItem, QCoreApplication::applicationPid()};
+    ActivityModel::Services services{*m_workspace, *m_processes, *m_accessibility, *m_loginItem,
+                                     QCoreApplication::applicationPid()};
+    services.owner = shared_from_this();
+    return services;
+}
+
+// Each pointer shares the ownership of the whole: background work that holds one keeps every
+// service it may reach through it.
+std::shared_ptr<const ModelServices> Backends::services() const
+{
+    return {shared_from_this(), &*m_services};
+}
+
+std::shared_ptr<const LaunchItems> Backends::launchItems() const
+{
+    return {shared_from_this(), &m_launchItems};
+}
+
+std::shared_ptr<const MaintenanceCatalog> Backends::maintenance() const
+{
+    return {shared_from_this(), &m_maintenance};
 }
 
 } // namespace nubo

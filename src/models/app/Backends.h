@@ -31,7 +31,7 @@ class Privacy;
 /// safety gate, the deleter with the platform's administrator prompt, the disk scanner, the
 /// cleanup and application catalogues, and the command runner. Pointing the roots at a prepared
 /// folder gives the whole program a fixture home; each platform backend may be replaced.
-class Backends
+class Backends : public std::enable_shared_from_this<Backends>
 {
 public:
     struct Overrides
@@ -54,16 +54,18 @@ public:
     Backends(const Backends&) = delete;
     Backends& operator=(const Backends&) = delete;
 
-    [[nodiscard]] const ModelServices& services() const { return *m_services; }
+    /// What the map, cleanup and apps models work with; keeps these backends alive. The backends
+    /// must be owned by a shared pointer (`std::make_shared`).
+    [[nodiscard]] std::shared_ptr<const ModelServices> services() const;
     [[nodiscard]] const Safety& safety() const { return m_safety; }
     [[nodiscard]] const CleanCatalog& catalog() const { return m_catalog; }
     /// What the activity model drives: the workspace, the process table, Accessibility and the
-    /// login item, with this program's own process id.
+    /// login item, with this program's own process id; keeps these backends alive.
     [[nodiscard]] ActivityModel::Services activityServices();
     /// The running applications and the pages the system opens.
     [[nodiscard]] Workspace& workspace() { return *m_workspace; }
-    [[nodiscard]] const LaunchItems& launchItems() const { return m_launchItems; }
-    [[nodiscard]] const MaintenanceCatalog& maintenance() const { return m_maintenance; }
+    [[nodiscard]] std::shared_ptr<const LaunchItems> launchItems() const;
+    [[nodiscard]] std::shared_ptr<const MaintenanceCatalog> maintenance() const;
 
 private:
     SystemRoots m_roots;

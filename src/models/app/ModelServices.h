@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <chrono>
 #include <functional>
+#include <stop_token>
 
 namespace nubo {
 
@@ -27,14 +28,16 @@ enum class Feedback
 
 using CommandCleaners::CommandOutcome;
 
-/// Everything the map, cleanup and apps models need from the machine, borrowed: each service must
-/// outlive the models. Production builds them in `Backends`; tests build real core services on a
+/// Everything the map, cleanup and apps models need from the machine. The models and their
+/// background work hold it through a shared pointer that keeps the services alive as long as any
+/// of them runs. Production builds them in `Backends`; tests build real core services on a
 /// temporary tree with fakes at the platform boundary. The functions may be empty.
 struct ModelServices
 {
     using Haptics = std::function<void(Feedback)>;
     /// Runs the command items of a clean one after another; blocking, called from background work.
-    using CommandRunner = std::function<CommandOutcome(const QList<CleanItem>& items)>;
+    /// Asked to stop, it ends the running command and leaves the rest.
+    using CommandRunner = std::function<CommandOutcome(const QList<CleanItem>& items, std::stop_token stop)>;
     /// Asks a running application to quit, politely (never forced). Called from background work.
     using Quitter = std::function<void(const RunningApplication& app)>;
 

@@ -14,8 +14,8 @@
 #include <QLocale>
 #include <QPointer>
 #include <QThread>
-#include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
+#include <thread>
 #include <sys/stat.h>
 
 namespace nubo {
@@ -51,10 +51,9 @@ struct UninstallOutcome
 
 } // namespace
 
-AppsModel::AppsModel(const ModelServices& services, QObject* parent) : QObject(parent), m_services(services)
+AppsModel::AppsModel(std::shared_ptr<const ModelServices> services, QObject* parent)
+    : QObject(parent), m_services(std::move(services))
 {
-    // Enough threads that a few slow rules or tools do not hold the others back.
-    m_pool.setMaxThreadCount(qMax(4, QThread::idealThreadCount()));
     connect(this, &AppsModel::appsChanged, this, &AppsModel::headerLineChanged);
     connect(this, &AppsModel::isLoadingChanged, this, &AppsModel::headerLineChanged);
     connect(this, &AppsModel::selectionChanged, this, &AppsModel::selectedAppChanged);
@@ -66,11 +65,7 @@ AppsModel::AppsModel(const ModelServices& services, QObject* parent) : QObject(p
     connect(&m_runningPoll, &QTimer::timeout, this, &AppsModel::refreshRunning);
 }
 
-AppsModel::~AppsModel()
-{
-    m_stop->store(true);
-    m_work.waitForAll();
-}
+AppsModel::~AppsModel() = default;
 
 QList<InstalledApp> AppsModel::arrange(const QList<InstalledApp>& apps, const QString& query, Sort sort)
 {
@@ -180,7 +175,7 @@ QList<CleanItem> AppsModel::removalItems() const
     const auto app = selected();
     if (!app)
         return {};
-    QList<CleanItem> items{CleanItem(app->url, app->name, Location::tildePath(app->url, m_services.home),
+    QList<CleanItem> items{CleanItem(app->url, app->name, Location::tildePath(app->url, m_services->home),
                                      app->size.value_or(0), CleanItem::Remove{app->url})};
     for (const CleanItem& item : m_leftovers) {
         if (!m_excluded.contains(item.id))
@@ -258,14 +253,14 @@ QVariantMap AppsModel::selectedApp() const
         {QStringLiteral("versionLine"), AppsTexts::versionLine(app->version)},
         {QStringLiteral("isStore"), app->isStore},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(*app->size) : QString()},
-        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services.home))},
+        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services->home))},
     };
 }
 
 void AppsModel::refreshRunning()
 {
     const auto app = selected();
-    const bool running = app && m_services.apps.runningInstance(*app).has_value();
+    const bool running = app && m_services->apps.runningInstance(*app).has_value();
     if (app && !m_runningPoll.isActive())
         m_runningPoll.start();
     else if (!app)
@@ -284,7 +279,7 @@ QVariantList AppsModel::removalRows() const
         {QStringLiteral("id"), app->url},
         {QStringLiteral("label"), AppsTexts::removalLabel(app->name, true)},
         {QStringLiteral("symbol"), AppsTexts::removalSymbol(app->name, true)},
-        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services.home))},
+        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services->home))},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(bundleSize) : QString()},
         {QStringLiteral("ticked"), true},
         {QStringLiteral("locked"), true},
@@ -331,7 +326,7 @@ void AppsModel::setRemoving(bool removing)
 void AppsModel::clear()
 {
     // Sizes still being measured belong to the old list.
-    ++m_generation;
+    m_jobs.stop(QStringLiteral("sizes"));
     setSizesLoaded(false);
     if (m_apps.isEmpty())
         return;
@@ -355,59 +350,71 @@ void AppsModel::load()
     m_everLoaded = true;
     setLoading(true);
     setSizesLoaded(false);
-    const quint64 generation = ++m_generation;
-    const AppCatalog& catalog = m_services.apps;
-    m_work.start(this, QtConcurrent::run(&m_pool, [&catalog] { return catalog.load(); }),
-                 [this, generation](const QList<InstalledApp>& found) {
-                     if (generation != m_generation)
-                         return;
-                     m_apps = found;
-                     setLoading(false);
-                     emit appsChanged();
-                     emit visibleChanged();
-                     emit selectionChanged();
-                     emit removalChanged();
-                     measure(generation);
-                 });
-}
-
-void AppsModel::measure(quint64 generation)
-{
-    QStringList urls;
-    for (const InstalledApp& app : m_apps)
-        urls.append(app.url);
-    m_work.add(QtConcurrent::run(&m_pool, [this, urls, generation, stop = m_stop] {
-        for (const QString& url : urls) {
-            if (stop->load())
-                return;
-            const qint64 size = Location::allocatedSize(url);
-            QMetaObject::invokeMethod(
-                this, [this, generation, url, size] { storeSize(generation, url, size); },
-                Qt::QueuedConnection);
-        }
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation] {
-                if (generation == m_generation)
-                    setSizesLoaded(true);
-            },
-            Qt::QueuedConnection);
-    }));
-}
-
-void AppsModel::storeSize(quint64 generation, const QString& url, qint64 size)
-{
-    if (generation != m_generation)
-        return;
-    for (InstalledApp& app : m_apps) {
-        if (app.url == url && app.size != size) {
-            app.size = size;
+    m_jobs.stop(QStringLiteral("sizes"));
+    m_jobs.start(
+        QStringLiteral("apps"), [services = m_services](std::stop_token) { return services->apps.load(); },
+        [this](const QList<InstalledApp>& found) {
+            m_apps = found;
+            setLoading(false);
             emit appsChanged();
             emit visibleChanged();
-            if (url == m_selection)
-                emit removalChanged();
+            emit selectionChanged();
+            emit removalChanged();
+            QStringList urls;
+            for (const InstalledApp& app : m_apps)
+                urls.append(app.url);
+            measure(urls);
+        },
+        [this] { setLoading(false); });
+}
+
+void AppsModel::measure(QStringList urls)
+{
+    // A few bundles at a time, one batch after another, so sizes show as they come without
+    // walking every bundle at once.
+    constexpr qsizetype kBatch = 8;
+    if (urls.isEmpty()) {
+        setSizesLoaded(true);
+        return;
+    }
+    const QStringList batch = urls.mid(0, kBatch);
+    urls.remove(0, batch.size());
+    m_jobs.start(
+        QStringLiteral("sizes"),
+        [batch](std::stop_token stop) {
+            QHash<QString, qint64> sizes;
+            for (const QString& url : batch) {
+                if (stop.stop_requested())
+                    break;
+                sizes.insert(url, Location::allocatedSize(url));
+            }
+            return sizes;
+        },
+        [this, urls](const QHash<QString, qint64>& sizes) {
+            storeSizes(sizes);
+            measure(urls);
+        },
+        [this, urls] { measure(urls); });
+}
+
+void AppsModel::storeSizes(const QHash<QString, qint64>& sizes)
+{
+    bool changed = false;
+    bool selectedChanged = false;
+    for (InstalledApp& app : m_apps) {
+        const auto size = sizes.constFind(app.url);
+        if (size != sizes.constEnd() && app.size != *size) {
+            app.size = *size;
+            changed = true;
+            selectedChanged = selectedChanged || app.url == m_selection;
         }
     }
+    if (changed) {
+        emit appsChanged();
+        emit visibleChanged();
+    }
+    if (selectedChanged)
+        emit removalChanged();
 }
 
 void AppsModel::select(const QString& url)
@@ -425,16 +432,16 @@ void AppsModel::select(const QString& url)
         return;
     }
     setLeftoversLoading(true);
-    const AppCatalog& catalog = m_services.apps;
-    m_work.start(this, QtConcurrent::run(&m_pool, [&catalog, app = *app] { return catalog.leftovers(app); }),
-                 [this, url](const QList<CleanItem>& found) {
-                     // A search for an application no longer chosen has nothing to say.
-                     if (url != m_selection)
-                         return;
-                     m_leftovers = found;
-                     setLeftoversLoading(false);
-                     emit removalChanged();
-                 });
+    // A search for an application no longer chosen is replaced by this one.
+    m_jobs.start(
+        QStringLiteral("leftovers"),
+        [services = m_services, app = *app](std::stop_token) { return services->apps.leftovers(app); },
+        [this](const QList<CleanItem>& found) {
+            m_leftovers = found;
+            setLeftoversLoading(false);
+            emit removalChanged();
+        },
+        [this] { setLeftoversLoading(false); });
 }
 
 void AppsModel::toggle(const QString& itemId)
@@ -453,7 +460,8 @@ void AppsModel::toggle(const QString& itemId)
 void AppsModel::uninstall()
 {
     const auto app = selected();
-    if (!app || m_isRemoving)
+    // Until the leftovers have landed, what would go is not known yet.
+    if (!app || m_isRemoving || m_leftoversLoading)
         return;
     setRemoving(true);
     QList<DeletionItem> items;
@@ -461,35 +469,41 @@ void AppsModel::uninstall()
         if (const auto path = item.url())
             items.append({*path, item.size});
     }
-    const ModelServices& services = m_services;
-    m_work.start(
-        this,
-        QtConcurrent::run(&m_pool,
-                          [&services, app = *app, items] {
-                              if (const auto running = services.apps.runningInstance(app)) {
-                                  if (services.quit)
-                                      services.quit(*running);
-                                  // Quitting politely may take a moment (a document to save); whether or not
-                                  // it has quit after the last look, the removal goes ahead.
-                                  for (int look = 0; look < services.quitPolls; ++look) {
-                                      const auto still = services.apps.runningInstance(app);
-                                      if (!still || still->pid != running->pid)
-                                          break;
-                                      QThread::msleep(quint64(services.quitPollInterval.count()));
-                                  }
-                              }
-                              const DeletionResult result = services.deleter.deleteItemsNow(items, true);
-                              return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
-                          }),
+    // A list read while the application is being removed may bring it back: it is read again
+    // once the removal has landed.
+    m_jobs.stop(QStringLiteral("apps"));
+    m_jobs.start(
+        QStringLiteral("uninstall"),
+        [services = m_services, app = *app, items](std::stop_token stop) {
+            if (const auto running = services->apps.runningInstance(app)) {
+                if (services->quit)
+                    services->quit(*running);
+                // Quitting politely may take a moment (a document to save); whether or not it
+                // has quit after the last look, the removal goes ahead.
+                for (int look = 0; look < services->quitPolls && !stop.stop_requested(); ++look) {
+                    const auto still = services->apps.runningInstance(app);
+                    if (!still || still->pid != running->pid)
+                        break;
+                    std::this_thread::sleep_for(services->quitPollInterval);
+                }
+            }
+            const DeletionResult result = services->deleter.deleteItems(items, true, stop);
+            return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
+        },
         [this, app = *app](const UninstallOutcome& outcome) {
             finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
-        });
+            if (m_isLoading) {
+                setLoading(false);
+                load();
+            }
+        },
+        [this, app = *app] { finishUninstall(app, 0, 0, false); });
 }
 
 void AppsModel::finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone)
 {
-    if (m_services.haptics)
-        m_services.haptics(Feedback::Commit);
+    if (m_services->haptics)
+        m_services->haptics(Feedback::Commit);
     if (m_app)
         m_app->report(freed, failures);
     if (bundleGone) {

@@ -2,7 +2,7 @@
 
 #include "core/apps/InstalledApp.h"
 #include "core/cleanup/CleanItem.h"
-#include "models/app/BackgroundWork.h"
+#include "models/app/Jobs.h"
 #include "models/app/ModelServices.h"
 
 #include <QDateTime>
@@ -10,7 +10,6 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
-#include <QThreadPool>
 #include <QTimer>
 #include <QVariantList>
 #include <QVariantMap>
@@ -82,7 +81,7 @@ public:
     /// An application unused for longer than this is recommended for removal.
     static constexpr qint64 unusedAfterSeconds = 7'776'000;
 
-    explicit AppsModel(const ModelServices& services, QObject* parent = nullptr);
+    explicit AppsModel(std::shared_ptr<const ModelServices> services, QObject* parent = nullptr);
     /// Stops measuring and waits for the background work, which borrows the services.
     ~AppsModel() override;
 
@@ -172,16 +171,15 @@ private:
     void setSizesLoaded(bool loaded);
     void setLeftoversLoading(bool loading);
     void setRemoving(bool removing);
-    void measure(quint64 generation);
-    void storeSize(quint64 generation, const QString& url, qint64 size);
+    void measure(QStringList urls);
+    void storeSizes(const QHash<QString, qint64>& sizes);
     void finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone);
 
-    const ModelServices& m_services;
+    std::shared_ptr<const ModelServices> m_services;
     AppState* m_app = nullptr;
     QList<InstalledApp> m_apps;
     bool m_isLoading = false;
     bool m_sizesLoaded = false;
-    quint64 m_generation = 0;
     Sort m_sort = Sort::Name;
     QString m_query;
     QString m_selection;
@@ -192,12 +190,8 @@ private:
     bool m_selectedRunning = false;
     bool m_everLoaded = false;
     QTimer m_runningPoll;
-    std::shared_ptr<std::atomic<bool>> m_stop = std::make_shared<std::atomic<bool>>(false);
-    // The model's own threads: its rules, measuring and deletions block on the disk and on tools
-    // for long stretches, and on the shared pool they would starve Qt's own parallel work (the
-    // software renderer fills and scales images there), freezing the window while they run.
-    QThreadPool m_pool;
-    BackgroundWork m_work;
+    // Last, so that it goes first: nothing lands on a model that is being taken apart.
+    Jobs m_jobs{this};
 };
 
 } // namespace nubo

@@ -13,20 +13,11 @@
 
 #include <QFileInfo>
 #include <QThread>
-#include <QtConcurrent/QtConcurrentRun>
 #include <sys/stat.h>
 
 namespace nubo {
 
 namespace {
-
-struct CleanOutcome
-{
-    qint64 freed = 0;
-    qint64 failures = 0;
-    QSet<QString> failedPaths;
-    QSet<QString> failedNames;
-};
 
 QString stateName(CleanModel::CategoryState state)
 {
@@ -60,10 +51,9 @@ QString bundleName(const QString& bundlePath)
 
 } // namespace
 
-CleanModel::CleanModel(const ModelServices& services, QObject* parent) : QObject(parent), m_services(services)
+CleanModel::CleanModel(std::shared_ptr<const ModelServices> services, QObject* parent)
+    : QObject(parent), m_services(std::move(services))
 {
-    // Enough threads that a few slow rules or tools do not hold the others back.
-    m_pool.setMaxThreadCount(qMax(4, QThread::idealThreadCount()));
     connect(this, &CleanModel::categoriesChanged, this, &CleanModel::detailChanged);
     connect(this, &CleanModel::selectionChanged, this, &CleanModel::detailChanged);
     connect(this, &CleanModel::pathChanged, this, &CleanModel::detailChanged);
@@ -72,14 +62,11 @@ CleanModel::CleanModel(const ModelServices& services, QObject* parent) : QObject
     connect(this, &CleanModel::isScanningChanged, this, &CleanModel::textsChanged);
 }
 
-CleanModel::~CleanModel()
-{
-    m_work.waitForAll();
-}
+CleanModel::~CleanModel() = default;
 
 const CleanCategory* CleanModel::category(const QString& categoryId) const
 {
-    for (const CleanCategory& row : m_services.catalog.all()) {
+    for (const CleanCategory& row : m_services->catalog.all()) {
         if (row.id == categoryId)
             return &row;
     }
@@ -137,7 +124,7 @@ QStringList CleanModel::loading() const
 qint64 CleanModel::totalSelected() const
 {
     qint64 total = 0;
-    for (const CleanCategory& row : m_services.catalog.all())
+    for (const CleanCategory& row : m_services->catalog.all())
         total = checkedAdd(total, selectedSize(row.id));
     return total;
 }
@@ -145,7 +132,7 @@ qint64 CleanModel::totalSelected() const
 qint64 CleanModel::totalFound() const
 {
     qint64 total = 0;
-    for (const CleanCategory& row : m_services.catalog.all())
+    for (const CleanCategory& row : m_services->catalog.all())
         total = checkedAdd(total, size(row.id));
     return total;
 }
@@ -153,7 +140,7 @@ qint64 CleanModel::totalFound() const
 int CleanModel::selectedCount() const
 {
     int count = 0;
-    for (const CleanCategory& row : m_services.catalog.all()) {
+    for (const CleanCategory& row : m_services->catalog.all()) {
         for (const CleanItem& item : m_items.value(row.id))
             count += m_selected.contains(item.id) ? 1 : 0;
     }
@@ -162,7 +149,7 @@ int CleanModel::selectedCount() const
 
 int CleanModel::categoryCount() const
 {
-    return int(m_services.catalog.all().size());
+    return int(m_services->catalog.all().size());
 }
 
 QVariantMap CleanModel::categoryMap(const CleanCategory& row) const
@@ -193,7 +180,7 @@ QVariantMap CleanModel::categoryMap(const CleanCategory& row) const
 QVariantList CleanModel::categories() const
 {
     QVariantList rows;
-    for (const CleanCategory& row : m_services.catalog.all())
+    for (const CleanCategory& row : m_services->catalog.all())
         rows.append(categoryMap(row));
     return rows;
 }
@@ -203,7 +190,7 @@ QVariantList CleanModel::groups() const
     QVariantList headed;
     for (const CleanGroup group : CleanGroups::all()) {
         QVariantList rows;
-        for (const CleanCategory& row : m_services.catalog.all()) {
+        for (const CleanCategory& row : m_services->catalog.all()) {
             if (row.group == group)
                 rows.append(categoryMap(row));
         }
@@ -292,7 +279,7 @@ QVariantMap CleanModel::itemMap(const CleanItem& item) const
 
 std::optional<CleanItem> CleanModel::findItem(const QString& itemId) const
 {
-    for (const CleanCategory& row : m_services.catalog.all()) {
+    for (const CleanCategory& row : m_services->catalog.all()) {
         for (const CleanItem& item : m_items.value(row.id)) {
             if (item.id == itemId)
                 return item;
@@ -319,8 +306,8 @@ void CleanModel::revealItem(const QString& itemId) const
 {
     const auto item = findItem(itemId);
     const auto path = item ? item->url() : std::nullopt;
-    if (path && m_services.workspace && !revealUrl(itemId).isEmpty())
-        m_services.workspace->reveal(*path);
+    if (path && m_services->workspace && !revealUrl(itemId).isEmpty())
+        m_services->workspace->reveal(*path);
 }
 
 QVariantMap CleanModel::itemMaps() const
@@ -357,36 +344,37 @@ void CleanModel::scan()
         emit hasScannedChanged();
     }
     const bool wasScanning = isScanning();
-    for (const CleanCategory& row : m_services.catalog.all()) {
-        m_loading.insert(row.id);
-        const quint64 generation = ++m_generation[row.id];
-        // Each category lands on its own; an older run of the same category that ends later is
-        // dropped, so the newest list always wins.
-        m_work.start(this,
-                     QtConcurrent::run(&m_pool,
-                                       [scan = row.scan] {
-                                           Found found;
-                                           if (scan)
-                                               found.items = scan();
-                                           // Whether a path is a folder is read here, off the user-interface
-                                           // thread.
-                                           for (const CleanItem& item : found.items) {
-                                               if (const auto path = item.url(); path && isFolder(*path))
-                                                   found.folders.insert(item.id);
-                                           }
-                                           return found;
-                                       }),
-                     [this, id = row.id, generation](const Found& found) { land(id, generation, found); });
-    }
+    for (const CleanCategory& row : m_services->catalog.all())
+        read(row);
     if (!wasScanning && isScanning())
         emit isScanningChanged();
     emit categoriesChanged();
 }
 
-void CleanModel::land(const QString& categoryId, quint64 generation, const Found& landed)
+void CleanModel::read(const CleanCategory& row)
 {
-    if (m_generation.value(categoryId) != generation)
-        return;
+    m_loading.insert(row.id);
+    // Each category lands on its own; a newer read of the same category replaces an older one,
+    // so the newest list always wins.
+    m_jobs.start(
+        QStringLiteral("category:") + row.id,
+        [services = m_services, scan = row.scan](std::stop_token) {
+            Found found;
+            if (scan)
+                found.items = scan();
+            // Whether a path is a folder is read here, off the user-interface thread.
+            for (const CleanItem& item : found.items) {
+                if (const auto path = item.url(); path && isFolder(*path))
+                    found.folders.insert(item.id);
+            }
+            return found;
+        },
+        [this, id = row.id](const Found& found) { land(id, found); },
+        [this, id = row.id] { land(id, Found{}); });
+}
+
+void CleanModel::land(const QString& categoryId, const Found& landed)
+{
     const QList<CleanItem>& found = landed.items;
     for (const CleanItem& item : m_items.value(categoryId))
         m_folders.remove(item.id);
@@ -455,7 +443,7 @@ void CleanModel::toggleExpanded(const QString& categoryId)
 void CleanModel::clean()
 {
     QStringList all;
-    for (const CleanCategory& row : m_services.catalog.all())
+    for (const CleanCategory& row : m_services->catalog.all())
         all.append(row.id);
     clean(all);
 }
@@ -479,63 +467,72 @@ void CleanModel::clean(const QStringList& categoryIds)
     m_isCleaning = true;
     emit isCleaningChanged();
 
-    const Deleter& deleter = m_services.deleter;
-    m_work.start(this,
-                 QtConcurrent::run(&m_pool,
-                                   [chosen, &deleter, runCommands = m_services.runCommands] {
-                                       CleanOutcome outcome;
-                                       QList<DeletionItem> paths;
-                                       QList<CleanItem> commands;
-                                       for (const CleanItem& item : chosen) {
-                                           if (const auto path = item.url())
-                                               paths.append({*path, item.size});
-                                           else
-                                               commands.append(item);
-                                       }
-                                       if (!paths.isEmpty()) {
-                                           const DeletionResult result = deleter.deleteItemsNow(paths, true);
-                                           outcome.freed = result.freed;
-                                           outcome.failures = result.failed.size();
-                                           for (const DeletionFailure& failure : result.failed)
-                                               outcome.failedPaths.insert(failure.path);
-                                       }
-                                       if (!commands.isEmpty()) {
-                                           CommandOutcome ran;
-                                           if (runCommands) {
-                                               ran = runCommands(commands);
-                                           } else {
-                                               // Without a runner nothing ran, and nothing may be reported as
-                                               // freed.
-                                               for (const CleanItem& item : commands)
-                                                   ran.failed.append(item.name);
-                                           }
-                                           outcome.freed = checkedAdd(outcome.freed, ran.freed);
-                                           outcome.failures += ran.failed.size();
-                                           outcome.failedNames =
-                                               QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
-                                       }
-                                       return outcome;
-                                   }),
-                 [this, categoryIds, chosen](const CleanOutcome& outcome) {
-                     finishClean(categoryIds, chosen, outcome.freed, outcome.failedPaths, outcome.failedNames,
-                                 outcome.failures);
-                 });
+    // A read of a category being cleaned that is still under way may list what is about to go:
+    // it is stopped now and made again once the clean has landed.
+    for (const QString& id : categoryIds)
+        m_jobs.stop(QStringLiteral("category:") + id);
+
+    m_jobs.start(
+        QStringLiteral("clean"),
+        [services = m_services, chosen](std::stop_token stop) {
+            Outcome outcome;
+            QList<DeletionItem> paths;
+            QList<CleanItem> commands;
+            for (const CleanItem& item : chosen) {
+                if (const auto path = item.url())
+                    paths.append({*path, item.size});
+                else
+                    commands.append(item);
+            }
+            if (!paths.isEmpty()) {
+                const DeletionResult result = services->deleter.deleteItems(paths, true, stop);
+                outcome.freed = result.freed;
+                outcome.failures = result.failed.size();
+                for (const DeletionFailure& failure : result.failed)
+                    outcome.failedPaths.insert(failure.path);
+                // What the batch never reached is still there, neither freed nor failed.
+                for (const DeletionItem& item : paths) {
+                    if (!result.deleted.contains(item.path) && !outcome.failedPaths.contains(item.path))
+                        outcome.untouched.insert(item.path);
+                }
+            }
+            if (!commands.isEmpty()) {
+                CommandOutcome ran;
+                if (services->runCommands) {
+                    ran = services->runCommands(commands, stop);
+                } else {
+                    // Without a runner nothing ran, and nothing may be reported as freed.
+                    for (const CleanItem& item : commands)
+                        ran.failed.append(item.name);
+                }
+                outcome.freed = checkedAdd(outcome.freed, ran.freed);
+                outcome.failures += ran.failed.size();
+                outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+                if (stop.stop_requested()) {
+                    for (const CleanItem& item : commands)
+                        outcome.untouchedNames.insert(item.name);
+                }
+            }
+            return outcome;
+        },
+        [this, categoryIds, chosen](const Outcome& outcome) { finishClean(categoryIds, chosen, outcome); },
+        [this, categoryIds] { finishClean(categoryIds, {}, Outcome{}); });
 }
 
-void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, qint64 freed,
-                             const QSet<QString>& failedPaths, const QSet<QString>& failedNames,
-                             qint64 failures)
+void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted,
+                             const Outcome& outcome)
 {
-    if (m_services.haptics)
-        m_services.haptics(Feedback::Commit);
+    if (m_services->haptics)
+        m_services->haptics(Feedback::Commit);
     if (m_app)
-        m_app->report(freed, failures);
+        m_app->report(outcome.freed, outcome.failures);
 
     QSet<QString> gone;
     for (const CleanItem& item : attempted) {
         const auto path = item.url();
-        const bool failed = path ? failedPaths.contains(*path) : failedNames.contains(item.name);
-        if (!failed)
+        const bool stayed = path ? outcome.failedPaths.contains(*path) || outcome.untouched.contains(*path)
+                                 : outcome.failedNames.contains(item.name) || outcome.untouchedNames.contains(item.name);
+        if (!stayed)
             gone.insert(item.id);
     }
     for (const QString& id : categoryIds) {
@@ -549,6 +546,11 @@ void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanIt
     emit selectionChanged();
     emit categoriesChanged();
     emit isCleaningChanged();
+    // The reads stopped for the clean, or started while it ran, are made again over what is left.
+    for (const CleanCategory& row : m_services->catalog.all()) {
+        if (categoryIds.contains(row.id) && m_loading.contains(row.id))
+            read(row);
+    }
 }
 
 } // namespace nubo

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/cleanup/CleanCategory.h"
-#include "models/app/BackgroundWork.h"
+#include "models/app/Jobs.h"
 #include "models/app/ModelServices.h"
 
 #include <QFuture>
@@ -9,7 +9,6 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
-#include <QThreadPool>
 #include <QUrl>
 #include <QVariantList>
 #include <QVariantMap>
@@ -70,7 +69,7 @@ public:
         Partial
     };
 
-    explicit CleanModel(const ModelServices& services, QObject* parent = nullptr);
+    explicit CleanModel(std::shared_ptr<const ModelServices> services, QObject* parent = nullptr);
     /// Waits for the background work, which borrows the services.
     ~CleanModel() override;
 
@@ -148,30 +147,37 @@ private:
         QSet<QString> folders; ///< ids of the path items that were folders when found
     };
 
-    void land(const QString& categoryId, quint64 generation, const Found& found);
-    void finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, qint64 freed,
-                     const QSet<QString>& failedPaths, const QSet<QString>& failedNames, qint64 failures);
+    void read(const CleanCategory& row);
+    void land(const QString& categoryId, const Found& found);
+    /// What a clean did: what it freed and how many items failed, which paths and commands
+    /// failed, and which it never reached because it was stopped.
+    struct Outcome
+    {
+        qint64 freed = 0;
+        qint64 failures = 0;
+        QSet<QString> failedPaths;
+        QSet<QString> failedNames;
+        QSet<QString> untouched;
+        QSet<QString> untouchedNames;
+    };
+    void finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, const Outcome& outcome);
     [[nodiscard]] const CleanCategory* category(const QString& categoryId) const;
     [[nodiscard]] QVariantMap itemMap(const CleanItem& item) const;
     [[nodiscard]] QVariantMap categoryMap(const CleanCategory& row) const;
     [[nodiscard]] std::optional<CleanItem> findItem(const QString& itemId) const;
 
-    const ModelServices& m_services;
+    std::shared_ptr<const ModelServices> m_services;
     AppState* m_app = nullptr;
     QHash<QString, QList<CleanItem>> m_items;
     QSet<QString> m_loading;
-    QHash<QString, quint64> m_generation;
     QSet<QString> m_folders;
     QSet<QString> m_selected;
     QSet<QString> m_expanded;
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
-    // The model's own threads: its rules, measuring and deletions block on the disk and on tools
-    // for long stretches, and on the shared pool they would starve Qt's own parallel work (the
-    // software renderer fills and scales images there), freezing the window while they run.
-    QThreadPool m_pool;
-    BackgroundWork m_work;
+    // Last, so that it goes first: nothing lands on a model that is being taken apart.
+    Jobs m_jobs{this};
 };
 
 } // namespace nubo

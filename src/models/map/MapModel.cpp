@@ -15,7 +15,6 @@
 
 #include <QFileInfo>
 #include <QUrl>
-#include <QtConcurrent/QtConcurrentRun>
 
 namespace nubo {
 
@@ -45,8 +44,8 @@ QString MapModel::Scope::label() const
     return QStringLiteral("Tu carpeta");
 }
 
-MapModel::MapModel(const ModelServices& services, QObject* parent)
-    : QObject(parent), m_services(services),
+MapModel::MapModel(std::shared_ptr<const ModelServices> services, QObject* parent)
+    : QObject(parent), m_services(std::move(services)),
       m_inspectedRows([this](const FileNode* node) { return isMarked(node); }),
       m_children([this](const FileNode* node) { return isMarked(node); })
 {
@@ -61,7 +60,7 @@ MapModel::MapModel(const ModelServices& services, QObject* parent)
     connect(this, &MapModel::revisionChanged, this, &MapModel::subtitleChanged);
     connect(this, &MapModel::scopeChanged, this, &MapModel::subtitleChanged);
     connect(this, &MapModel::markedChanged, this, &MapModel::menuChanged);
-    m_poll.setInterval(services.progressInterval);
+    m_poll.setInterval(m_services->progressInterval);
     connect(&m_poll, &QTimer::timeout, this, &MapModel::pollProgress);
 }
 
@@ -69,19 +68,19 @@ MapModel::~MapModel()
 {
     if (m_progress)
         m_progress->cancel();
-    m_work.waitForAll();
 }
 
 void MapModel::discard(std::shared_ptr<const FileNode> tree)
 {
+    // Freeing cannot be stopped halfway, so a newer one on the lane leaves it to finish.
     if (tree)
-        m_work.add(QtConcurrent::run(&m_pool, [tree = std::move(tree)]() mutable { tree.reset(); }));
+        m_jobs.start(QStringLiteral("free"), [tree = std::move(tree)](std::stop_token) mutable { tree.reset(); }, [] {});
 }
 
 void MapModel::feedback(Feedback kind) const
 {
-    if (m_services.haptics)
-        m_services.haptics(kind);
+    if (m_services->haptics)
+        m_services->haptics(kind);
 }
 
 QString MapModel::currentName() const
@@ -240,7 +239,7 @@ QString MapModel::subtitle() const
 
 QString MapModel::scanningPathText() const
 {
-    return MapTexts::scanningPath(m_scanningPath, m_services.home);
+    return MapTexts::scanningPath(m_scanningPath, m_services->home);
 }
 
 QStringList MapModel::pathNames() const
@@ -255,7 +254,7 @@ QStringList MapModel::pathNames() const
 
 bool MapModel::isProtected(const FileNode* node) const
 {
-    return node && !m_services.safety.isAllowed(node->path());
+    return node && !m_services->safety.isAllowed(node->path());
 }
 
 bool MapModel::canMark(const FileNode* node) const
@@ -386,7 +385,7 @@ void MapModel::scan(const Scope& scope)
         m_progress->cancel();
     m_progress.reset();
 
-    const QString folder = m_scope.path(m_services.home);
+    const QString folder = m_scope.path(m_services->home);
     setScanning(true);
     clearMarks();
     if (m_scannedFiles != 0) {
@@ -401,11 +400,13 @@ void MapModel::scan(const Scope& scope)
     auto progress = std::make_shared<ScanProgress>();
     m_progress = progress;
     m_poll.start();
-    DiskScanner& scanner = m_services.scanner;
-    m_work.start(this, QtConcurrent::run(&m_pool, [&scanner, folder, progress] {
-                     return Tree(scanner.scan(folder, *progress));
-                 }),
-                 [this, progress](Tree tree) { land(progress, std::move(tree)); });
+    m_jobs.start(
+        QStringLiteral("tree"),
+        [services = m_services, folder, progress](std::stop_token stop) {
+            const std::stop_callback cancel(stop, [progress] { progress->cancel(); });
+            return Tree(services->scanner.scan(folder, *progress));
+        },
+        [this, progress](Tree tree) { land(progress, std::move(tree)); }, [this] { cancelScan(); });
 }
 
 void MapModel::scanFolderUrl(const QUrl& url)
@@ -427,6 +428,8 @@ void MapModel::land(const std::shared_ptr<ScanProgress>& progress, Tree tree)
     pollProgress();
     m_progress.reset();
 
+    // Nothing may keep pointing into the tree that is about to be freed.
+    clearMarks();
     setHovered(nullptr);
     setMenuNode(nullptr);
     Tree old = std::exchange(m_root, std::move(tree));
@@ -474,6 +477,7 @@ void MapModel::cancelScan()
 {
     if (m_progress)
         m_progress->cancel();
+    m_jobs.stop(QStringLiteral("tree"));
     m_progress.reset();
     m_poll.stop();
     setScanning(false);
@@ -495,7 +499,9 @@ void MapModel::goUp()
 
 void MapModel::toggleMark(const FileNode* node)
 {
-    if (m_isDeleting || !canMark(node))
+    // While a scan runs the tree on screen is about to be replaced: a mark made now would point
+    // into it after it is gone.
+    if (m_isDeleting || m_isScanning || !canMark(node))
         return;
     feedback(Feedback::Tap);
     if (!m_marked.remove(node))
@@ -506,7 +512,7 @@ void MapModel::toggleMark(const FileNode* node)
 
 void MapModel::deleteMarked()
 {
-    if (m_isDeleting || m_marked.isEmpty())
+    if (m_isDeleting || m_isScanning || m_marked.isEmpty())
         return;
     setDeleting(true);
     const QList<const FileNode*> nodes = topMarked();
@@ -515,9 +521,13 @@ void MapModel::deleteMarked()
     for (const FileNode* node : nodes)
         items.append({node->path(), node->size()});
     // The tree rides along so that its nodes outlive a scan that lands while the deletion runs.
-    m_work.start(
-        this, m_services.deleter.deleteItems(items, true),
-        [this, tree = m_root, nodes](const DeletionResult& result) { finishDeletion(tree, nodes, result); });
+    m_jobs.start(
+        QStringLiteral("delete"),
+        [services = m_services, items](std::stop_token stop) {
+            return services->deleter.deleteItems(items, true, std::move(stop));
+        },
+        [this, tree = m_root, nodes](const DeletionResult& result) { finishDeletion(tree, nodes, result); },
+        [this] { setDeleting(false); });
 }
 
 void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& removed,
@@ -571,6 +581,9 @@ void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& re
         bumpRevision();
     }
     setDeleting(false);
+    // A scan that started while the deletion ran may have listed what is gone now: read again.
+    if (m_isScanning)
+        scan(m_scope);
 }
 
 } // namespace nubo

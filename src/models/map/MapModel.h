@@ -1,13 +1,11 @@
 #pragma once
 
-#include "models/app/BackgroundWork.h"
+#include "models/app/Jobs.h"
 #include "models/app/ModelServices.h"
 #include "models/map/MapNodeModel.h"
 
-#include <QFuture>
 #include <QObject>
 #include <QSet>
-#include <QThreadPool>
 #include <QTimer>
 #include <QUrl>
 #include <QVariantList>
@@ -90,7 +88,7 @@ public:
         friend bool operator==(const Scope&, const Scope&) = default;
     };
 
-    explicit MapModel(const ModelServices& services, QObject* parent = nullptr);
+    explicit MapModel(std::shared_ptr<const ModelServices> services, QObject* parent = nullptr);
     /// Cancels a running scan and waits for background work, which borrows the services.
     ~MapModel() override;
 
@@ -102,7 +100,7 @@ public:
 
     [[nodiscard]] const Scope& scope() const { return m_scope; }
     [[nodiscard]] QString scopeLabel() const { return m_scope.label(); }
-    [[nodiscard]] QString scopePath() const { return m_scope.path(m_services.home); }
+    [[nodiscard]] QString scopePath() const { return m_scope.path(m_services->home); }
     [[nodiscard]] const FileNode* root() const { return m_root.get(); }
     [[nodiscard]] const FileNode* current() const { return m_current; }
     [[nodiscard]] bool hasTree() const { return m_root != nullptr; }
@@ -243,10 +241,10 @@ private:
     void bumpRevision();
     void feedback(Feedback kind) const;
     [[nodiscard]] QList<const FileNode*> topMarked() const;
-    // Big trees are freed on the pool so that replacing one never stalls the screen.
+    // Big trees are freed in the background so that replacing one never stalls the screen.
     void discard(std::shared_ptr<const FileNode> tree);
 
-    const ModelServices& m_services;
+    std::shared_ptr<const ModelServices> m_services;
     AppState* m_app = nullptr;
     Scope m_scope;
     Tree m_root;
@@ -266,10 +264,8 @@ private:
     QString m_scanningPath;
     int m_revision = 0;
     bool m_isDeleting = false;
-    // The scan and the freeing of old trees run on threads of our own: Qt's shared pool also
-    // draws images for the window, and a long scan there could stall the drawing.
-    QThreadPool m_pool;
-    BackgroundWork m_work;
+    // Last, so that it goes first: nothing lands on a model that is being taken apart.
+    Jobs m_jobs{this};
 };
 
 } // namespace nubo

@@ -5,37 +5,15 @@
 #include "core/launch/LaunchItems.h"
 #include "core/maintenance/MaintenanceCatalog.h"
 
-#include <QFutureWatcher>
-#include <QThread>
-#include <QtConcurrent>
 #include <algorithm>
+#include <utility>
 
 namespace nubo {
 
-namespace {
-
-// Runs `work` on `pool` and hands its result to `done` on `context`'s thread; when the
-// context is destroyed first, the result is dropped.
-template <typename Work, typename Done>
-void inBackground(QThreadPool& pool, QObject* context, Work work, Done done)
+PerformanceModel::PerformanceModel(std::shared_ptr<const LaunchItems> launchItems,
+                                   std::shared_ptr<const MaintenanceCatalog> maintenance, QObject* parent)
+    : QObject(parent), m_launchItems(std::move(launchItems)), m_maintenance(std::move(maintenance))
 {
-    using Result = std::invoke_result_t<Work>;
-    auto* watcher = new QFutureWatcher<Result>(context);
-    QObject::connect(watcher, &QFutureWatcherBase::finished, context, [watcher, done = std::move(done)] {
-        watcher->deleteLater();
-        done(watcher->result());
-    });
-    watcher->setFuture(QtConcurrent::run(&pool, std::move(work)));
-}
-
-} // namespace
-
-PerformanceModel::PerformanceModel(const LaunchItems& launchItems, const MaintenanceCatalog& maintenance,
-                                   QObject* parent)
-    : QObject(parent), m_launchItems(launchItems), m_maintenance(maintenance)
-{
-    // A task waiting for the password must not hold back a listing or another task.
-    m_pool.setMaxThreadCount(qMax(4, QThread::idealThreadCount()));
 }
 
 QVariantList PerformanceModel::itemsList() const
@@ -79,7 +57,7 @@ QVariantList PerformanceModel::tasksList()
 
 void PerformanceModel::openLoginItemsSettings() const
 {
-    m_launchItems.openLoginItemsSettings();
+    m_launchItems->openLoginItemsSettings();
 }
 
 QStringList PerformanceModel::runningList() const
@@ -105,42 +83,56 @@ void PerformanceModel::load()
         QList<LaunchItem> items;
         int snapshots = 0;
     };
-    const quint64 generation = ++m_loadGeneration;
-    if (m_loading++ == 0)
-        emit isLoadingChanged();
-    const LaunchItems& launchItems = m_launchItems;
-    const MaintenanceCatalog& maintenance = m_maintenance;
-    inBackground(
-        m_pool, this,
-        [&launchItems, &maintenance] {
-            return Loaded{launchItems.load(), maintenance.localSnapshotCount()};
+    const bool wasLoading = isLoading();
+    // A newer load replaces an older one, whose list could be staler.
+    m_jobs.start(
+        QStringLiteral("launch"),
+        [launchItems = m_launchItems, maintenance = m_maintenance](std::stop_token) {
+            return Loaded{launchItems->load(), maintenance->localSnapshotCount()};
         },
-        [this, generation](const Loaded& loaded) {
-            // An older load that ends after a newer one started would show a stale list.
-            if (generation == m_loadGeneration) {
-                if (loaded.items != m_items) {
-                    m_items = loaded.items;
-                    emit itemsChanged();
-                }
-                setSnapshotCount(loaded.snapshots);
-                assignAndNotify(this, m_hasLoaded, true, &PerformanceModel::hasLoadedChanged);
+        [this](const Loaded& loaded) {
+            if (loaded.items != m_items) {
+                m_items = loaded.items;
+                emit itemsChanged();
             }
-            if (--m_loading == 0)
-                emit isLoadingChanged();
-        });
+            setSnapshotCount(loaded.snapshots);
+            assignAndNotify(this, m_hasLoaded, true, &PerformanceModel::hasLoadedChanged);
+            emit isLoadingChanged();
+        },
+        [this] { emit isLoadingChanged(); });
+    if (!wasLoading)
+        emit isLoadingChanged();
+}
+
+void PerformanceModel::act(const QString& url, std::function<bool(const LaunchItems&)> action,
+                           std::function<void()> done)
+{
+    // A listing under way may have read the item before the change: it is read again after.
+    if (isLoading()) {
+        m_jobs.stop(QStringLiteral("launch"));
+        m_rereadAfterAction = true;
+        emit isLoadingChanged();
+    }
+    m_jobs.start(
+        QStringLiteral("action:%1").arg(++m_actions),
+        [launchItems = m_launchItems, action = std::move(action)](std::stop_token) { return action(*launchItems); },
+        [this, url, done = std::move(done)](bool succeeded) {
+            if (succeeded)
+                done();
+            else
+                emit actionFailed(url);
+            if (std::exchange(m_rereadAfterAction, false) || isLoading())
+                load();
+        },
+        [this, url] { emit actionFailed(url); });
 }
 
 void PerformanceModel::toggle(const LaunchItem& item)
 {
     const bool enabled = !item.isEnabled;
-    const LaunchItems& launchItems = m_launchItems;
-    inBackground(
-        m_pool, this, [&launchItems, item, enabled] { return launchItems.setEnabled(item, enabled); },
-        [this, url = item.url, enabled](bool done) {
-            if (!done) {
-                emit actionFailed(url);
-                return;
-            }
+    act(
+        item.url, [item, enabled](const LaunchItems& launchItems) { return launchItems.setEnabled(item, enabled); },
+        [this, url = item.url, enabled] {
             const auto found = std::find_if(m_items.begin(), m_items.end(),
                                             [&url](const LaunchItem& listed) { return listed.url == url; });
             if (found == m_items.end() || found->isEnabled == enabled)
@@ -152,14 +144,9 @@ void PerformanceModel::toggle(const LaunchItem& item)
 
 void PerformanceModel::remove(const LaunchItem& item)
 {
-    const LaunchItems& launchItems = m_launchItems;
-    inBackground(
-        m_pool, this, [&launchItems, item] { return launchItems.remove(item); },
-        [this, url = item.url](bool done) {
-            if (!done) {
-                emit actionFailed(url);
-                return;
-            }
+    act(
+        item.url, [item](const LaunchItems& launchItems) { return launchItems.remove(item); },
+        [this, url = item.url] {
             const qsizetype removed =
                 m_items.removeIf([&url](const LaunchItem& listed) { return listed.url == url; });
             if (removed > 0)
@@ -203,13 +190,12 @@ void PerformanceModel::run(const QString& taskId)
         MaintenanceTask::Outcome outcome;
         std::optional<int> snapshots;
     };
-    const MaintenanceCatalog& maintenance = m_maintenance;
-    inBackground(
-        m_pool, this,
-        [&maintenance, task = *task] {
-            Ran ran{maintenance.run(task), std::nullopt};
+    m_jobs.start(
+        QStringLiteral("task:") + taskId,
+        [maintenance = m_maintenance, task = *task](std::stop_token stop) {
+            Ran ran{maintenance->run(task, stop), std::nullopt};
             if (task.id == QLatin1String("snapshots"))
-                ran.snapshots = maintenance.localSnapshotCount();
+                ran.snapshots = maintenance->localSnapshotCount();
             return ran;
         },
         [this, taskId](const Ran& ran) {
@@ -219,6 +205,12 @@ void PerformanceModel::run(const QString& taskId)
             emit runningChanged();
             if (ran.snapshots)
                 setSnapshotCount(*ran.snapshots);
+        },
+        [this, taskId] {
+            m_outcomes.insert(taskId, {false, QStringLiteral("Error")});
+            emit outcomesChanged();
+            m_running.remove(taskId);
+            emit runningChanged();
         });
 }
 

@@ -2,16 +2,19 @@
 
 #include "core/launch/LaunchItem.h"
 #include "core/maintenance/MaintenanceTask.h"
+#include "models/app/Jobs.h"
 
 #include <QHash>
 #include <QList>
 #include <QObject>
 #include <QSet>
 #include <QStringList>
-#include <QThreadPool>
 #include <QVariantList>
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
+
+#include <functional>
+#include <memory>
 
 namespace nubo {
 
@@ -41,13 +44,13 @@ class PerformanceModel : public QObject
     Q_PROPERTY(QVariantList tasks READ tasksList CONSTANT)
 
 public:
-    /// Both services are borrowed and must outlive the model and any work it has started.
-    PerformanceModel(const LaunchItems& launchItems, const MaintenanceCatalog& maintenance,
-                     QObject* parent = nullptr);
+    /// Both services are shared with the work the model starts, which may outlive the model.
+    PerformanceModel(std::shared_ptr<const LaunchItems> launchItems,
+                     std::shared_ptr<const MaintenanceCatalog> maintenance, QObject* parent = nullptr);
 
     [[nodiscard]] const QList<LaunchItem>& items() const { return m_items; }
     [[nodiscard]] QVariantList itemsList() const;
-    [[nodiscard]] bool isLoading() const { return m_loading > 0; }
+    [[nodiscard]] bool isLoading() const { return m_jobs.isRunning(QStringLiteral("launch")); }
     [[nodiscard]] const QSet<QString>& running() const { return m_running; }
     [[nodiscard]] QStringList runningList() const;
     [[nodiscard]] const QHash<QString, MaintenanceTask::Outcome>& outcomes() const { return m_outcomes; }
@@ -91,21 +94,21 @@ signals:
 
 private:
     [[nodiscard]] const LaunchItem* listed(const QString& url) const;
+    /// Runs a switch or a removal in the background; `done` updates the list when it worked.
+    void act(const QString& url, std::function<bool(const LaunchItems&)> action, std::function<void()> done);
     void setSnapshotCount(int count);
 
-    const LaunchItems& m_launchItems;
-    const MaintenanceCatalog& m_maintenance;
+    std::shared_ptr<const LaunchItems> m_launchItems;
+    std::shared_ptr<const MaintenanceCatalog> m_maintenance;
     QList<LaunchItem> m_items;
-    int m_loading = 0;
-    quint64 m_loadGeneration = 0;
+    bool m_rereadAfterAction = false;
+    quint64 m_actions = 0;
     QSet<QString> m_running;
     QHash<QString, MaintenanceTask::Outcome> m_outcomes;
     int m_snapshotCount = 0;
     bool m_hasLoaded = false;
-    // Listings and tasks (which may wait for a password or a tool's time-out) run on threads of
-    // our own, away from the pool Qt draws images with; going first, the pool waits for them
-    // while the services they borrow still exist.
-    QThreadPool m_pool;
+    // Last, so that it goes first: nothing lands on a model that is being taken apart.
+    Jobs m_jobs{this};
 };
 
 } // namespace nubo

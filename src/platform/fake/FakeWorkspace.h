@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QStringList>
 
+#include <mutex>
+
 namespace nubo {
 
 /// A workspace for tests: records what it was asked to do and answers from what the test put in
@@ -15,7 +17,17 @@ public:
     void openUrl(const QString& url) override { openedUrls << url; }
     void reveal(const QString& path) override { revealedPaths << path; }
 
-    QList<RunningApplication> runningApplications() const override { return running; }
+    QList<RunningApplication> runningApplications() const override
+    {
+        const std::lock_guard lock(m_runningMutex);
+        return running;
+    }
+    /// The application quits, as it would while background work watches the list.
+    void quit(qint64 pid)
+    {
+        const std::lock_guard lock(m_runningMutex);
+        running.removeIf([pid](const RunningApplication& app) { return app.pid == pid; });
+    }
 
     std::optional<QString> applicationLocation(const QString& bundleIdentifier) const override
     {
@@ -43,6 +55,7 @@ public:
     QHash<QString, QString> applications;
 
 private:
+    mutable std::mutex m_runningMutex;
     void record(const char* action, const RunningApplication& app)
     {
         actions << QString::fromLatin1(action) + QLatin1Char(' ') + QString::number(app.pid);

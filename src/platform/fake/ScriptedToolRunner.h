@@ -27,8 +27,9 @@ struct ToolCall
 class ScriptedToolRunner final : public ToolRunner
 {
 public:
-    ShellResult run(const QString& executable, const QStringList& arguments,
-                    std::chrono::milliseconds timeout) const override;
+    using ToolRunner::run;
+    ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout,
+                    std::stop_token stop) const override;
 
     /// From now on, `executable` run with exactly `arguments` gives `result`.
     void answer(const QString& executable, const QStringList& arguments, ShellResult result);

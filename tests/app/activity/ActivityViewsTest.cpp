@@ -1,4 +1,5 @@
 #include "app/support/UiWorld.h"
+#include "models/app/Jobs.h"
 
 #include "models/activity/ActivityModel.h"
 #include "platform/fake/FakeAccessibility.h"
@@ -45,6 +46,7 @@ protected:
     {
         UiWorld::TearDown(); // the views go before the model they bind to
         m_model.reset();
+        EXPECT_TRUE(nubo::Jobs::waitForAll(std::chrono::seconds(10)));
     }
 
     RunningApplication& app(qint64 pid, const char* name, quint64 memory)

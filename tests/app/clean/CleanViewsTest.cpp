@@ -3,7 +3,7 @@
 #include "core/format/Bytes.h"
 
 #include <QScopeGuard>
-#include <QSemaphore>
+#include <semaphore>
 #include <QSignalSpy>
 #include <QTest>
 #include <algorithm>
@@ -143,7 +143,7 @@ protected:
 
     std::shared_ptr<std::atomic<int>> m_runs;
     QList<CleanItem> m_downloads;
-    QSemaphore m_gate;
+    std::counting_semaphore<> m_gate{0};
 };
 
 } // namespace
@@ -243,7 +243,7 @@ TEST_F(CleanViewsTest, WhileACleanRunsItsButtonsAndChecksAreDisabled)
     if (!pin(QStringLiteral("home/Library/Caches/org.browser/cache.db")))
         GTEST_SKIP() << "this file system cannot make a file undeletable";
     // The administrator prompt for the pinned file stays open until the test answers it.
-    QSemaphore answer;
+    std::counting_semaphore<> answer{0};
     m_admin.handler = [&answer](const AdminRequest&) {
         answer.acquire();
         return AdminOutcome::Failed;

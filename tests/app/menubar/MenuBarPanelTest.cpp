@@ -1,4 +1,5 @@
 #include "app/support/UiWorld.h"
+#include "models/app/Jobs.h"
 #include "support/Eventually.h"
 
 #include "app/menubar/MenuBarPresenter.h"
@@ -48,6 +49,7 @@ protected:
         UiWorld::TearDown();
         m_controller.reset();
         m_activity.reset();
+        EXPECT_TRUE(nubo::Jobs::waitForAll(std::chrono::seconds(10)));
     }
 
     void addApp(qint64 pid, const QString& name, qint64 footprint)

@@ -7,6 +7,7 @@
 #include "core/naming/Naming.h"
 #include "core/safety/Safety.h"
 #include "core/shell/ShellToolRunner.h"
+#include "models/app/Jobs.h"
 #include "models/performance/PerformanceModel.h"
 #include "support/FixtureFiles.h"
 #include "support/PlistWriter.h"
@@ -74,18 +75,18 @@ protected:
 
         m_safety = std::make_unique<Safety>(m_mac.roots(), SafetyRules::forMac());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
-        m_launchItems = std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
-        m_maintenance = std::make_unique<MaintenanceCatalog>(m_tools, m_shell, m_admin);
-        m_model = std::make_unique<PerformanceModel>(*m_launchItems, *m_maintenance);
+        m_launchItems = std::make_shared<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
+        m_maintenance = std::make_shared<MaintenanceCatalog>(m_tools, m_shell, m_admin);
+        m_model = std::make_unique<PerformanceModel>(m_launchItems, m_maintenance);
     }
 
     void TearDown() override
     {
         openVerifyGate();
         UiWorld::TearDown(); // the views go before the model they bind to
-        // Work still running borrows the services: let it land before they go.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return m_model->running().isEmpty() && !m_model->isLoading(); }, 30000));
+        // Work still running borrows the runners of this fixture: it ends before they go.
         m_model.reset();
+        EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10)));
     }
 
     [[nodiscard]] QString mac(const char* relative) const { return m_mac.path(relative); }
@@ -151,8 +152,8 @@ protected:
     Naming m_naming;
     std::unique_ptr<Safety> m_safety;
     std::unique_ptr<Deleter> m_deleter;
-    std::unique_ptr<LaunchItems> m_launchItems;
-    std::unique_ptr<MaintenanceCatalog> m_maintenance;
+    std::shared_ptr<LaunchItems> m_launchItems;
+    std::shared_ptr<MaintenanceCatalog> m_maintenance;
     std::unique_ptr<PerformanceModel> m_model;
 };
 

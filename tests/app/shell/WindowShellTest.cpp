@@ -60,7 +60,7 @@ protected:
     {
         if (!m_ownState)
             m_ownState = std::make_unique<AppState>(
-                AppState::Services{m_probePrivacy, m_volume, m_toast, m_services.get(), &m_openPages});
+                AppState::Services{m_probePrivacy, m_volume, m_toast, m_services, &m_openPages});
         return *m_ownState;
     }
 

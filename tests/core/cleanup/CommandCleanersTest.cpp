@@ -208,12 +208,11 @@ TEST_F(CommandCleanersTest, CommandsRunOneAfterAnotherAndOnlySuccessesCountAsFre
     };
     const ShellToolRunner tools;
 
-    // WHEN they run in the background
-    QFuture<CommandCleaners::CommandOutcome> future = CommandCleaners::runCommands(tools, items);
-    future.waitForFinished();
+    // WHEN they run
+    const CommandCleaners::CommandOutcome outcome = CommandCleaners::runCommands(tools, items);
 
     // THEN each ran after the previous one ended, and the path item was left alone
-    EXPECT_EQ(future.result(), (CommandCleaners::CommandOutcome{105, {QStringLiteral("fails"), QStringLiteral("missing")}}));
+    EXPECT_EQ(outcome, (CommandCleaners::CommandOutcome{105, {QStringLiteral("fails"), QStringLiteral("missing")}}));
     QFile written(log);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(written.readAll()), QStringLiteral("start1\nend1\nfail\nstart2\n"));
@@ -228,7 +227,7 @@ TEST_F(CommandCleanersTest, CommandsGetTenMinutesAndANegativeSizeFreesNothing)
         return CleanItem(QString::fromUtf8(name), QString::fromUtf8(name), {}, size,
                          CleanItem::Command{QStringLiteral("/bin/tool"), {QString::fromUtf8(name)}});
     };
-    EXPECT_EQ(CommandCleaners::runCommandsNow(m_tools, {item("a", 1), item("b", -7)}).freed, 1);
+    EXPECT_EQ(CommandCleaners::runCommands(m_tools, {item("a", 1), item("b", -7)}).freed, 1);
     ASSERT_EQ(m_tools.calls().size(), 2);
     for (const ToolCall& call : m_tools.calls())
         EXPECT_EQ(call.timeout, 600s);

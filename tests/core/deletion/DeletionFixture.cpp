@@ -15,9 +15,7 @@ void DeletionFixture::SetUp()
 
 DeletionResult DeletionFixture::run(const QList<DeletionItem>& items, bool allowAdmin)
 {
-    QFuture<DeletionResult> future = m_deleter->deleteItems(items, allowAdmin);
-    future.waitForFinished();
-    return future.result();
+    return m_deleter->deleteItems(items, allowAdmin);
 }
 
 } // namespace nubo::test

@@ -18,7 +18,7 @@ class DeletionFixture : public ::testing::Test, protected TempTree
 protected:
     void SetUp() override;
 
-    /// Runs the batch through the real asynchronous deleter and waits for it.
+    /// Runs the batch through the real deleter.
     [[nodiscard]] DeletionResult run(const QList<DeletionItem>& items, bool allowAdmin);
 
     std::unique_ptr<Safety> m_safety;

@@ -1,4 +1,5 @@
 #include "models/activity/ActivityModel.h"
+#include "models/app/Jobs.h"
 #include "platform/fake/FakeLoginItem.h"
 #include "platform/linux/DesktopWorkspace.h"
 #include "platform/linux/ProcFsProcessTable.h"
@@ -8,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -45,6 +47,8 @@ TEST(ActivityModelLinux, ARealAppIsListedMeasuredAndQuit)
     ProcFsProcessTable processes;
     UnsupportedAccessibility accessibility;
     FakeLoginItem login;
+    // A sample still being taken when the model goes reads the services above: it ends first.
+    const auto settled = qScopeGuard([] { EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10))); });
     ActivityModel model(
         {workspace, processes, accessibility, login, QCoreApplication::applicationPid(), 1h, 50ms});
     EXPECT_FALSE(model.canHide());

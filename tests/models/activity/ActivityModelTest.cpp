@@ -1,4 +1,5 @@
 #include "models/activity/ActivityModel.h"
+#include "models/app/Jobs.h"
 #include "support/Eventually.h"
 
 #include "platform/fake/FakeAccessibility.h"
@@ -66,6 +67,9 @@ private:
 class ActivityModelTest : public ::testing::Test
 {
 protected:
+    // A sample still being taken when a test's model went reads this fixture's services.
+    void TearDown() override { EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10))); }
+
     // GIVEN three regular apps (our own among them), a menu-bar agent and an ended app; the
     // first two regular apps hold the same memory.
     void SetUp() override

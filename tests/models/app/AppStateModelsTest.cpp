@@ -135,10 +135,10 @@ TEST(AppStateEndToEnd, ASafeCleanFreesExactlyTheSafeCategories)
     overrides.workspace = std::make_unique<FakeWorkspace>();
     overrides.metadata = std::make_unique<FakeMetadata>();
     overrides.safety = SafetyRules::forMac();
-    Backends backends(roots, privacy, std::move(overrides));
+    const auto backends = std::make_shared<Backends>(roots, privacy, std::move(overrides));
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     {
-        AppState state({privacy, volume, std::chrono::seconds(4), &backends.services()});
+        AppState state({privacy, volume, std::chrono::seconds(4), backends->services()});
         state.analyze();
         ASSERT_TRUE(QTest::qWaitFor([&] { return !state.isAnalyzing(); }, 10000));
         ASSERT_EQ(state.apps()->count(), 1);

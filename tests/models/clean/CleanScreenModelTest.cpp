@@ -5,7 +5,7 @@
 #include "core/files/NativePath.h"
 
 #include <QScopeGuard>
-#include <QSemaphore>
+#include <semaphore>
 #include <QSignalSpy>
 #include <QTest>
 #include <atomic>
@@ -74,7 +74,7 @@ TEST_F(CleanScreenModelTest, WhileFiveCategoriesLoadTheSummaryCountsThirteenOfEi
     const QList<CleanCategory>& all = m_catalog->all();
     ASSERT_EQ(all.size(), 18);
     // The last five are held: the ones before them can finish even on a pool of one thread.
-    QSemaphore gate;
+    std::counting_semaphore<> gate{0};
     auto released = qScopeGuard([&gate] { gate.release(5); });
     for (qsizetype i = all.size() - 5; i < all.size(); ++i)
         rule(all.at(i).id, [&gate] {

@@ -111,6 +111,20 @@ TEST_F(MapModelTest, CancellingKeepsThePreviousTreeAndARescanReplacesIt)
     EXPECT_EQ(map().revision(), 2);
 }
 
+TEST_F(MapModelTest, NothingCanBeMarkedInATreeThatARescanIsAboutToReplace)
+{
+    scanHomeAndWait();
+    const FileNode* big = find(QStringLiteral("/Projects/big"));
+    map().rescan();
+    // The old tree is still on screen, and is freed when the new one lands.
+    map().toggleMark(big);
+    EXPECT_EQ(map().markedCount(), 0);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isScanning(); }, 10000));
+    EXPECT_EQ(map().markedSize(), 0);
+    map().deleteMarked();
+    EXPECT_FALSE(map().isDeleting());
+}
+
 TEST_F(MapModelTest, OnlyAllowedNodesInsideTheRootCanBeMarked)
 {
     scanHomeAndWait();

@@ -1,4 +1,5 @@
 #include "models/performance/PerformanceModel.h"
+#include "models/app/Jobs.h"
 #include "support/Eventually.h"
 #include "support/TemporaryMac.h"
 
@@ -14,6 +15,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -42,7 +44,8 @@ protected:
         // A held command ends when the test releases it (success) or fails it (status 1, no output).
         const QByteArray gate = shellQuote(path("release")).toUtf8();
         const QByteArray fail = shellQuote(path("fail")).toUtf8();
-        tool("sh", "i=0; while [ ! -e " + gate + " ] && [ ! -e " + fail +
+        tool("sh", "echo $$ > " + shellQuote(path("pid")).toUtf8() + "\n"
+                   "i=0; while [ ! -e " + gate + " ] && [ ! -e " + fail +
                        " ] && [ $i -lt 400 ]; do sleep 0.05; i=$((i+1)); done\n"
                        "[ -e " +
                        gate + " ]\n");
@@ -53,9 +56,16 @@ protected:
         m_safety = std::make_unique<Safety>(m_mac.roots(), SafetyRules::forMac());
         m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
         m_launchItems =
-            std::make_unique<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
-        m_maintenance = std::make_unique<MaintenanceCatalog>(m_tools, m_shell, m_admin);
-        m_model = std::make_unique<PerformanceModel>(*m_launchItems, *m_maintenance);
+            std::make_shared<LaunchItems>(m_tools, m_shell, m_admin, *m_deleter, m_naming, m_workspace);
+        m_maintenance = std::make_shared<MaintenanceCatalog>(m_tools, m_shell, m_admin);
+        m_model = std::make_unique<PerformanceModel>(m_launchItems, m_maintenance);
+    }
+
+    void TearDown() override
+    {
+        // Work still running borrows the runners of this fixture: it ends before they go.
+        m_model.reset();
+        EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10)));
     }
 
     [[nodiscard]] QString path(const char* relative) const { return m_mac.path(relative); }
@@ -102,8 +112,8 @@ protected:
     Naming m_naming;
     std::unique_ptr<Safety> m_safety;
     std::unique_ptr<Deleter> m_deleter;
-    std::unique_ptr<LaunchItems> m_launchItems;
-    std::unique_ptr<MaintenanceCatalog> m_maintenance;
+    std::shared_ptr<LaunchItems> m_launchItems;
+    std::shared_ptr<MaintenanceCatalog> m_maintenance;
     std::unique_ptr<PerformanceModel> m_model;
 };
 
@@ -246,6 +256,25 @@ TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
               (MaintenanceTask::Outcome{false, QStringLiteral("Cancelado")}));
     EXPECT_EQ(m_model->outcomes().value(QStringLiteral("dock")),
               (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
+}
+
+TEST_F(PerformanceModelTest, ATaskStillRunningEndsWithTheModelAndLeavesNoProcessBehind)
+{
+    // GIVEN a task whose tool would run for twenty seconds
+    hold();
+    m_model->run(QStringLiteral("dock"));
+    ASSERT_TRUE(eventually([&] { return QFileInfo(path("pid")).size() > 0; }, 10000));
+    QFile written(path("pid"));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const pid_t tool = pid_t(written.readAll().trimmed().toInt());
+    ASSERT_GT(tool, 0);
+
+    // WHEN the model goes, as it does when the program quits
+    m_model.reset();
+
+    // THEN the work ends at once rather than with the tool, and the tool is gone
+    EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(3)));
+    EXPECT_NE(::kill(tool, 0), 0);
 }
 
 } // namespace

@@ -31,7 +31,7 @@ void ModelWorld::SetUp()
         });
     });
     m_apps = std::make_unique<AppCatalog>(m_roots, *m_safety, m_privacy, m_workspace, m_metadata);
-    m_services = std::make_unique<ModelServices>(ModelServices{
+    m_services = std::make_shared<ModelServices>(ModelServices{
         .home = m_roots.home,
         .safety = *m_safety,
         .deleter = *m_deleter,
@@ -39,7 +39,7 @@ void ModelWorld::SetUp()
         .catalog = *m_catalog,
         .apps = *m_apps,
         .runCommands =
-            [this](const QList<CleanItem>& items) {
+            [this](const QList<CleanItem>& items, std::stop_token) {
                 CommandOutcome outcome;
                 for (const CleanItem& item : items) {
                     m_commandsRun.append(item);
@@ -54,8 +54,7 @@ void ModelWorld::SetUp()
             [this](const RunningApplication& app) {
                 ++m_quitRequests;
                 if (m_quitObeys)
-                    m_workspace.running.removeIf(
-                        [&app](const RunningApplication& other) { return other.pid == app.pid; });
+                    m_workspace.quit(app.pid);
             },
         .haptics = [this](Feedback) { ++m_feedback; },
         .progressInterval = std::chrono::milliseconds(120),
@@ -68,6 +67,8 @@ void ModelWorld::SetUp()
 void ModelWorld::TearDown()
 {
     m_state.reset();
+    // Work the state left running may still use the world's services.
+    EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10)));
     for (const QString& pinned : std::as_const(m_pinned))
         release(pinned);
 }
@@ -146,7 +147,7 @@ AppState& ModelWorld::state()
 {
     if (!m_state)
         m_state =
-            std::make_unique<AppState>(AppState::Services{m_privacy, m_volume, m_toast, m_services.get()});
+            std::make_unique<AppState>(AppState::Services{m_privacy, m_volume, m_toast, m_services});
     return *m_state;
 }
 

@@ -8,6 +8,7 @@
 #include "core/safety/Safety.h"
 #include "core/scanner/DiskScanner.h"
 #include "models/app/AppState.h"
+#include "models/app/Jobs.h"
 #include "models/app/ModelServices.h"
 #include "platform/fake/FakeAdminRunner.h"
 #include "platform/fake/FakeMetadata.h"
@@ -68,7 +69,7 @@ protected:
     std::unique_ptr<DiskScanner> m_scanner;
     std::unique_ptr<CleanCatalog> m_catalog;
     std::unique_ptr<AppCatalog> m_apps;
-    std::unique_ptr<ModelServices> m_services;
+    std::shared_ptr<ModelServices> m_services;
     std::unique_ptr<AppState> m_state;
     std::chrono::milliseconds m_toast = std::chrono::seconds(4);
 

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <stop_token>
+#include <type_traits>
+#include <utility>
+
+namespace nubo {
+
+class JobMailbox;
+
+/// The background work of one model, and the only way a model starts any. A job runs on a thread
+/// of its own and owns what it touches: values, and shared pointers to services that are safe to
+/// use from any thread; never the model, never a reference. Each job belongs to a lane (a
+/// cleanup category, the apps list, the map's tree…): starting a job on a lane stops the older
+/// one there and drops its result, and `stop` does the same for a change that makes a read in
+/// flight stale. A result reaches the model on the model's thread, and only while the model
+/// lives and the job is still the newest of its lane; a job that throws reaches `failed`
+/// instead, so a busy state is always cleared.
+///
+/// Results cross threads through a mailbox guarded by a mutex, with a wake-up that carries
+/// nothing, so that ThreadSanitizer sees every hand-off. Destroying the jobs asks every job to
+/// stop and returns at once: nothing here ever waits on the model's thread. The process waits,
+/// a bounded time, at its very end (`waitForAll`).
+class Jobs
+{
+public:
+    /// Results are handed to `owner`'s thread; `owner` must own these jobs.
+    explicit Jobs(QObject* owner);
+    ~Jobs();
+    Jobs(const Jobs&) = delete;
+    Jobs& operator=(const Jobs&) = delete;
+
+    /// Runs `work(std::stop_token)` as the newest job of `lane`. `land(result)` (or `land()` for
+    /// work that gives nothing) runs on the owner's thread when it ends in time; `failed()` runs
+    /// there instead when it threw.
+    template <typename Work, typename Land>
+    void start(const QString& lane, Work work, Land land, std::function<void()> failed = {})
+    {
+        using Result = std::invoke_result_t<Work&, std::stop_token>;
+        Erased erased;
+        Landing landing;
+        if constexpr (std::is_void_v<Result>) {
+            erased = [work = std::move(work)](std::stop_token stop) mutable {
+                work(std::move(stop));
+                return std::shared_ptr<void>();
+            };
+            landing = [land = std::move(land)](const std::shared_ptr<void>&) mutable { land(); };
+        } else {
+            erased = [work = std::move(work)](std::stop_token stop) mutable -> std::shared_ptr<void> {
+                return std::make_shared<Result>(work(std::move(stop)));
+            };
+            landing = [land = std::move(land)](const std::shared_ptr<void>& value) mutable {
+                land(std::move(*std::static_pointer_cast<Result>(value)));
+            };
+        }
+        launch(lane, std::move(erased), std::move(landing), std::move(failed));
+    }
+
+    /// Stops the job of `lane`, if any: it is asked to stop and its result is dropped.
+    void stop(const QString& lane);
+    /// Stops every job whose lane begins with `prefix`.
+    void stopAll(const QString& prefix = {});
+    /// Whether `lane` has a job whose result is still awaited.
+    [[nodiscard]] bool isRunning(const QString& lane) const { return m_lanes.contains(lane); }
+
+    /// Waits up to `limit` for every job of the process, stopped or not, to end: true when none
+    /// is left. For the very end of the program and for tests; never on the way to quitting.
+    static bool waitForAll(std::chrono::milliseconds limit);
+
+private:
+    friend class JobMailbox;
+    using Erased = std::function<std::shared_ptr<void>(std::stop_token)>;
+    using Landing = std::function<void(const std::shared_ptr<void>&)>;
+
+    struct Pending
+    {
+        quint64 id = 0;
+        std::stop_source source;
+        Landing land;
+        std::function<void()> failed;
+    };
+
+    struct Delivery
+    {
+        QString lane;
+        quint64 id = 0;
+        std::shared_ptr<void> value;
+        bool failed = false;
+    };
+
+    void launch(const QString& lane, Erased work, Landing land, std::function<void()> failed);
+    void arrive(Delivery delivery);
+
+    std::shared_ptr<JobMailbox> m_mailbox;
+    QHash<QString, Pending> m_lanes;
+    quint64 m_next = 0;
+};
+
+} // namespace nubo
