@@ -195,18 +195,18 @@ QList<CleanItem> dockerItems(const CleanContext& context)
                                           QStringLiteral("-f")}})};
 }
 
-CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items, std::stop_token stop)
+CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items, StopToken stop)
 {
     CommandOutcome outcome;
     for (const CleanItem& item : items) {
         const auto* command = std::get_if<CleanItem::Command>(&item.action);
         if (!command)
             continue;
-        if (stop.stop_requested())
+        if (stop.stopRequested())
             break;
         const ShellResult result = tools.run(command->program, command->arguments, 600s, stop);
         // A command ended because we were asked to stop neither freed nor failed.
-        if (stop.stop_requested())
+        if (stop.stopRequested())
             break;
         if (result.status == 0)
             outcome.freed = checkedAdd(outcome.freed, std::max<qint64>(item.size, 0));

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "core/cleanup/CleanContext.h"
+#include "core/stop/StopToken.h"
 #include "core/cleanup/CleanItem.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-#include <stop_token>
 
 namespace nubo {
 
@@ -53,7 +53,7 @@ struct CommandOutcome
 /// failed. Asked to stop, the running command is ended and the items never reached are in
 /// neither list.
 [[nodiscard]] CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items,
-                                         std::stop_token stop = {});
+                                         StopToken stop = {});
 
 } // namespace CommandCleaners
 

@@ -35,14 +35,14 @@ QString Deleter::adminDeniedReason()
     return QStringLiteral("Permiso de administrador denegado");
 }
 
-DeletionResult Deleter::deleteItems(const QList<DeletionItem>& items, bool allowAdmin, std::stop_token stop) const
+DeletionResult Deleter::deleteItems(const QList<DeletionItem>& items, bool allowAdmin, StopToken stop) const
 {
     DeletionResult result;
     // Queued for the administrator: the caller's item and the path that is acted on.
     QList<std::pair<DeletionItem, QString>> adminQueue;
 
     for (const DeletionItem& item : items) {
-        if (stop.stop_requested()) {
+        if (stop.stopRequested()) {
             result.stopped = true;
             return result;
         }
@@ -85,7 +85,7 @@ DeletionResult Deleter::deleteItems(const QList<DeletionItem>& items, bool allow
     if (adminQueue.isEmpty())
         return result;
     // Stopped before the prompt: what waited for it was never tried by the administrator.
-    if (stop.stop_requested()) {
+    if (stop.stopRequested()) {
         result.stopped = true;
         return result;
     }

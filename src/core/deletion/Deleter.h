@@ -1,8 +1,7 @@
 #pragma once
 
 #include "core/deletion/DeletionResult.h"
-
-#include <stop_token>
+#include "core/stop/StopToken.h"
 
 namespace nubo {
 
@@ -32,7 +31,7 @@ public:
     /// deleted nor failed, and `stopped` says so. The administrator prompt, once shown, cannot be
     /// stopped: it ends when the user answers it.
     [[nodiscard]] DeletionResult deleteItems(const QList<DeletionItem>& items, bool allowAdmin,
-                                             std::stop_token stop = {}) const;
+                                             StopToken stop = {}) const;
 
     /// One administrator /bin/rm for all `paths` that the gate still allows. False when none is
     /// left or the user refused; true when it ran, and also when the platform could not even

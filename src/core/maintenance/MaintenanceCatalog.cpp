@@ -121,7 +121,7 @@ MaintenanceTask::Outcome MaintenanceCatalog::outcomeOf(const MaintenanceTask& ta
     return {false, last.isEmpty() ? QStringLiteral("Error") : last};
 }
 
-MaintenanceTask::Outcome MaintenanceCatalog::run(const MaintenanceTask& task, std::stop_token stop) const
+MaintenanceTask::Outcome MaintenanceCatalog::run(const MaintenanceTask& task, StopToken stop) const
 {
     if (task.needsAdmin) {
         // A refused prompt and a failed command read the same: the user learns nothing more

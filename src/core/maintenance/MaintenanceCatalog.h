@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/maintenance/MaintenanceTask.h"
+#include "core/stop/StopToken.h"
 #include "core/maintenance/SystemTools.h"
 #include "core/shell/ShellResult.h"
 
@@ -8,7 +9,6 @@
 
 #include <chrono>
 
-#include <stop_token>
 
 namespace nubo {
 
@@ -49,7 +49,7 @@ public:
     /// user with a ten-minute limit (see `outcomeOf`).
     /// Asked to stop, a running tool is ended within about a tenth of a second; a password
     /// prompt cannot be stopped and ends when the user answers it.
-    [[nodiscard]] MaintenanceTask::Outcome run(const MaintenanceTask& task, std::stop_token stop = {}) const;
+    [[nodiscard]] MaintenanceTask::Outcome run(const MaintenanceTask& task, StopToken stop = {}) const;
 
     /// The snapshot lines of a listing: non-empty lines naming "com.apple.TimeMachine".
     [[nodiscard]] static int countSnapshots(const QString& listing);

@@ -37,7 +37,7 @@ QStringList whichFolders()
 }
 
 ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout,
-                std::stop_token stop)
+                StopToken stop)
 {
     // QProcess would look a bare name up in our own search path; a tool is always named by its
     // full path so that what runs is exactly what the caller meant.
@@ -65,13 +65,13 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
     // waitForFinished keeps reading standard output into the process's buffer while it waits,
     // so the tool never blocks on a full pipe however much it writes.
     // Whoever may stop the run is answered within a slice.
-    const int slice = stop.stop_possible() ? kStopSliceMilliseconds : std::numeric_limits<int>::max();
-    while (process.state() != QProcess::NotRunning && !deadline.hasExpired() && !stop.stop_requested())
+    const int slice = stop.stopPossible() ? kStopSliceMilliseconds : std::numeric_limits<int>::max();
+    while (process.state() != QProcess::NotRunning && !deadline.hasExpired() && !stop.stopRequested())
         process.waitForFinished(std::min(waitSlice(deadline), slice));
 
     if (process.state() != QProcess::NotRunning) {
         // Asked to stop, the tool gets one slice to end by itself; at the deadline, a second.
-        const int grace = stop.stop_requested() ? kStopSliceMilliseconds : kGraceMilliseconds;
+        const int grace = stop.stopRequested() ? kStopSliceMilliseconds : kGraceMilliseconds;
         const pid_t tool = pid_t(process.processId());
         // Never 0 or below: kill(0) would signal our own process group, the app itself. When the
         // tool could not get its own group, it alone is signalled.

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "core/shell/ShellResult.h"
+#include "core/stop/StopToken.h"
 
 #include <QStringList>
 
 #include <chrono>
 #include <optional>
-#include <stop_token>
 
 namespace nubo::Shell {
 
@@ -34,7 +34,7 @@ inline constexpr const char* kToolSearchPath =
 /// user-interface thread. Any number of runs may proceed at once on different threads.
 [[nodiscard]] ShellResult run(const QString& executable, const QStringList& arguments,
                               std::chrono::milliseconds timeout = std::chrono::seconds(60),
-                              std::stop_token stop = {});
+                              StopToken stop = {});
 
 /// The first of `folders` holding an executable file called `name`, or nothing. A name that is
 /// empty or holds a "/" finds nothing, so it can never reach outside those folders.

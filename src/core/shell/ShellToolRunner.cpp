@@ -5,7 +5,7 @@
 namespace nubo {
 
 ShellResult ShellToolRunner::run(const QString& executable, const QStringList& arguments,
-                                 std::chrono::milliseconds timeout, std::stop_token stop) const
+                                 std::chrono::milliseconds timeout, StopToken stop) const
 {
     return Shell::run(executable, arguments, timeout, std::move(stop));
 }

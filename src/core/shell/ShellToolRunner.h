@@ -11,7 +11,7 @@ class ShellToolRunner final : public ToolRunner
 public:
     using ToolRunner::run;
     ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout,
-                    std::stop_token stop) const override;
+                    StopToken stop) const override;
 };
 
 } // namespace nubo

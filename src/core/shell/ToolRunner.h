@@ -1,11 +1,11 @@
 #pragma once
 
 #include "core/shell/ShellResult.h"
+#include "core/stop/StopToken.h"
 
 #include <QStringList>
 
 #include <chrono>
-#include <stop_token>
 
 namespace nubo {
 
@@ -18,12 +18,12 @@ class ToolRunner
 public:
     virtual ~ToolRunner() = default;
     virtual ShellResult run(const QString& executable, const QStringList& arguments,
-                            std::chrono::milliseconds timeout, std::stop_token stop) const = 0;
+                            std::chrono::milliseconds timeout, StopToken stop) const = 0;
     /// The same run, for callers that never stop it.
     ShellResult run(const QString& executable, const QStringList& arguments,
                     std::chrono::milliseconds timeout) const
     {
-        return run(executable, arguments, timeout, std::stop_token());
+        return run(executable, arguments, timeout, StopToken());
     }
 };
 

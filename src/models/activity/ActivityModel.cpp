@@ -201,7 +201,7 @@ void ActivityModel::refresh()
     m_refreshing = true;
     m_loop.stop();
     m_jobs.start(
-        QStringLiteral("sample"), [sampling = m_sampling](std::stop_token) { return sampling->take(); },
+        QStringLiteral("sample"), [sampling = m_sampling](StopToken) { return sampling->take(); },
         [this](const Snapshot& snapshot) { publish(snapshot); }, [this] { publish(Snapshot{m_apps, m_memory}); });
 }
 

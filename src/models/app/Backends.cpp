@@ -44,7 +44,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
         .catalog = m_catalog,
         .apps = m_apps,
         .runCommands = [&tools](const QList<CleanItem>& items,
-                                std::stop_token stop) { return CommandCleaners::runCommands(tools, items, stop); },
+                                StopToken stop) { return CommandCleaners::runCommands(tools, items, stop); },
         .quit = overrides.quit ? std::move(overrides.quit) : std::move(quit),
         .haptics = {},
         .workspace = m_workspace.get(),

@@ -98,7 +98,7 @@ void Jobs::stop(const QString& lane)
     const auto it = m_lanes.find(lane);
     if (it == m_lanes.end())
         return;
-    it->source.request_stop();
+    it->source.requestStop();
     m_lanes.erase(it);
 }
 
@@ -106,7 +106,7 @@ void Jobs::stopAll(const QString& prefix)
 {
     for (auto it = m_lanes.begin(); it != m_lanes.end();) {
         if (it.key().startsWith(prefix)) {
-            it->source.request_stop();
+            it->source.requestStop();
             it = m_lanes.erase(it);
         } else {
             ++it;
@@ -118,8 +118,8 @@ void Jobs::launch(const QString& lane, Erased work, Landing land, std::function<
 {
     stop(lane);
     const quint64 id = ++m_next;
-    std::stop_source source;
-    const std::stop_token token = source.get_token();
+    StopSource source;
+    const StopToken token = source.token();
     m_lanes.insert(lane, Pending{id, std::move(source), std::move(land), std::move(failed)});
 
     enterRunning();
@@ -134,7 +134,7 @@ void Jobs::launch(const QString& lane, Erased work, Landing land, std::function<
             // What the work captured goes first, here, on this thread; so does the result of a
             // job that was stopped, which no one will read (a whole scanned tree, say).
             work = nullptr;
-            if (token.stop_requested())
+            if (token.stopRequested())
                 delivery.value.reset();
             else
                 mailbox->post(std::move(delivery));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/stop/StopToken.h"
+
 #include <QHash>
 #include <QObject>
 #include <QString>
@@ -7,7 +9,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <stop_token>
 #include <type_traits>
 #include <utility>
 
@@ -37,23 +38,23 @@ public:
     Jobs(const Jobs&) = delete;
     Jobs& operator=(const Jobs&) = delete;
 
-    /// Runs `work(std::stop_token)` as the newest job of `lane`. `land(result)` (or `land()` for
+    /// Runs `work(StopToken)` as the newest job of `lane`. `land(result)` (or `land()` for
     /// work that gives nothing) runs on the owner's thread when it ends in time; `failed()` runs
     /// there instead when it threw.
     template <typename Work, typename Land>
     void start(const QString& lane, Work work, Land land, std::function<void()> failed = {})
     {
-        using Result = std::invoke_result_t<Work&, std::stop_token>;
+        using Result = std::invoke_result_t<Work&, StopToken>;
         Erased erased;
         Landing landing;
         if constexpr (std::is_void_v<Result>) {
-            erased = [work = std::move(work)](std::stop_token stop) mutable {
+            erased = [work = std::move(work)](StopToken stop) mutable {
                 work(std::move(stop));
                 return std::shared_ptr<void>();
             };
             landing = [land = std::move(land)](const std::shared_ptr<void>&) mutable { land(); };
         } else {
-            erased = [work = std::move(work)](std::stop_token stop) mutable -> std::shared_ptr<void> {
+            erased = [work = std::move(work)](StopToken stop) mutable -> std::shared_ptr<void> {
                 return std::make_shared<Result>(work(std::move(stop)));
             };
             landing = [land = std::move(land)](const std::shared_ptr<void>& value) mutable {
@@ -76,13 +77,13 @@ public:
 
 private:
     friend class JobMailbox;
-    using Erased = std::function<std::shared_ptr<void>(std::stop_token)>;
+    using Erased = std::function<std::shared_ptr<void>(StopToken)>;
     using Landing = std::function<void(const std::shared_ptr<void>&)>;
 
     struct Pending
     {
         quint64 id = 0;
-        std::stop_source source;
+        StopSource source;
         Landing land;
         std::function<void()> failed;
     };

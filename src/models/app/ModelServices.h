@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/cleanup/CleanItem.h"
+#include "core/stop/StopToken.h"
 #include "core/cleanup/CommandCleaners.h"
 #include "platform/Workspace.h"
 
@@ -9,7 +10,6 @@
 #include <QStringList>
 #include <chrono>
 #include <functional>
-#include <stop_token>
 
 namespace nubo {
 
@@ -37,7 +37,7 @@ struct ModelServices
     using Haptics = std::function<void(Feedback)>;
     /// Runs the command items of a clean one after another; blocking, called from background work.
     /// Asked to stop, it ends the running command and leaves the rest.
-    using CommandRunner = std::function<CommandOutcome(const QList<CleanItem>& items, std::stop_token stop)>;
+    using CommandRunner = std::function<CommandOutcome(const QList<CleanItem>& items, StopToken stop)>;
     /// Asks a running application to quit, politely (never forced). Called from background work.
     using Quitter = std::function<void(const RunningApplication& app)>;
 

@@ -352,7 +352,7 @@ void AppsModel::load()
     setSizesLoaded(false);
     m_jobs.stop(QStringLiteral("sizes"));
     m_jobs.start(
-        QStringLiteral("apps"), [services = m_services](std::stop_token) { return services->apps.load(); },
+        QStringLiteral("apps"), [services = m_services](StopToken) { return services->apps.load(); },
         [this](const QList<InstalledApp>& found) {
             m_apps = found;
             setLoading(false);
@@ -381,10 +381,10 @@ void AppsModel::measure(QStringList urls)
     urls.remove(0, batch.size());
     m_jobs.start(
         QStringLiteral("sizes"),
-        [batch](std::stop_token stop) {
+        [batch](StopToken stop) {
             QHash<QString, qint64> sizes;
             for (const QString& url : batch) {
-                if (stop.stop_requested())
+                if (stop.stopRequested())
                     break;
                 sizes.insert(url, Location::allocatedSize(url));
             }
@@ -435,7 +435,7 @@ void AppsModel::select(const QString& url)
     // A search for an application no longer chosen is replaced by this one.
     m_jobs.start(
         QStringLiteral("leftovers"),
-        [services = m_services, app = *app](std::stop_token) { return services->apps.leftovers(app); },
+        [services = m_services, app = *app](StopToken) { return services->apps.leftovers(app); },
         [this](const QList<CleanItem>& found) {
             m_leftovers = found;
             setLeftoversLoading(false);
@@ -474,13 +474,13 @@ void AppsModel::uninstall()
     m_jobs.stop(QStringLiteral("apps"));
     m_jobs.start(
         QStringLiteral("uninstall"),
-        [services = m_services, app = *app, items](std::stop_token stop) {
+        [services = m_services, app = *app, items](StopToken stop) {
             if (const auto running = services->apps.runningInstance(app)) {
                 if (services->quit)
                     services->quit(*running);
                 // Quitting politely may take a moment (a document to save); whether or not it
                 // has quit after the last look, the removal goes ahead.
-                for (int look = 0; look < services->quitPolls && !stop.stop_requested(); ++look) {
+                for (int look = 0; look < services->quitPolls && !stop.stopRequested(); ++look) {
                     const auto still = services->apps.runningInstance(app);
                     if (!still || still->pid != running->pid)
                         break;

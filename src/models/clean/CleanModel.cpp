@@ -358,7 +358,7 @@ void CleanModel::read(const CleanCategory& row)
     // so the newest list always wins.
     m_jobs.start(
         QStringLiteral("category:") + row.id,
-        [services = m_services, scan = row.scan](std::stop_token) {
+        [services = m_services, scan = row.scan](StopToken) {
             Found found;
             if (scan)
                 found.items = scan();
@@ -474,7 +474,7 @@ void CleanModel::clean(const QStringList& categoryIds)
 
     m_jobs.start(
         QStringLiteral("clean"),
-        [services = m_services, chosen](std::stop_token stop) {
+        [services = m_services, chosen](StopToken stop) {
             Outcome outcome;
             QList<DeletionItem> paths;
             QList<CleanItem> commands;
@@ -508,7 +508,7 @@ void CleanModel::clean(const QStringList& categoryIds)
                 outcome.freed = checkedAdd(outcome.freed, ran.freed);
                 outcome.failures += ran.failed.size();
                 outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
-                if (stop.stop_requested()) {
+                if (stop.stopRequested()) {
                     for (const CleanItem& item : commands)
                         outcome.untouchedNames.insert(item.name);
                 }

@@ -74,7 +74,7 @@ void MapModel::discard(std::shared_ptr<const FileNode> tree)
 {
     // Freeing cannot be stopped halfway, so a newer one on the lane leaves it to finish.
     if (tree)
-        m_jobs.start(QStringLiteral("free"), [tree = std::move(tree)](std::stop_token) mutable { tree.reset(); }, [] {});
+        m_jobs.start(QStringLiteral("free"), [tree = std::move(tree)](StopToken) mutable { tree.reset(); }, [] {});
 }
 
 void MapModel::feedback(Feedback kind) const
@@ -402,8 +402,8 @@ void MapModel::scan(const Scope& scope)
     m_poll.start();
     m_jobs.start(
         QStringLiteral("tree"),
-        [services = m_services, folder, progress](std::stop_token stop) {
-            const std::stop_callback cancel(stop, [progress] { progress->cancel(); });
+        [services = m_services, folder, progress](StopToken stop) {
+            const StopCallback cancel(stop, [progress] { progress->cancel(); });
             return Tree(services->scanner.scan(folder, *progress));
         },
         [this, progress](Tree tree) { land(progress, std::move(tree)); }, [this] { cancelScan(); });
@@ -523,7 +523,7 @@ void MapModel::deleteMarked()
     // The tree rides along so that its nodes outlive a scan that lands while the deletion runs.
     m_jobs.start(
         QStringLiteral("delete"),
-        [services = m_services, items](std::stop_token stop) {
+        [services = m_services, items](StopToken stop) {
             return services->deleter.deleteItems(items, true, std::move(stop));
         },
         [this, tree = m_root, nodes](const DeletionResult& result) { finishDeletion(tree, nodes, result); },

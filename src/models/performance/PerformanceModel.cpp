@@ -87,7 +87,7 @@ void PerformanceModel::load()
     // A newer load replaces an older one, whose list could be staler.
     m_jobs.start(
         QStringLiteral("launch"),
-        [launchItems = m_launchItems, maintenance = m_maintenance](std::stop_token) {
+        [launchItems = m_launchItems, maintenance = m_maintenance](StopToken) {
             return Loaded{launchItems->load(), maintenance->localSnapshotCount()};
         },
         [this](const Loaded& loaded) {
@@ -115,7 +115,7 @@ void PerformanceModel::act(const QString& url, std::function<bool(const LaunchIt
     }
     m_jobs.start(
         QStringLiteral("action:%1").arg(++m_actions),
-        [launchItems = m_launchItems, action = std::move(action)](std::stop_token) { return action(*launchItems); },
+        [launchItems = m_launchItems, action = std::move(action)](StopToken) { return action(*launchItems); },
         [this, url, done = std::move(done)](bool succeeded) {
             if (succeeded)
                 done();
@@ -192,7 +192,7 @@ void PerformanceModel::run(const QString& taskId)
     };
     m_jobs.start(
         QStringLiteral("task:") + taskId,
-        [maintenance = m_maintenance, task = *task](std::stop_token stop) {
+        [maintenance = m_maintenance, task = *task](StopToken stop) {
             Ran ran{maintenance->run(task, stop), std::nullopt};
             if (task.id == QLatin1String("snapshots"))
                 ran.snapshots = maintenance->localSnapshotCount();

@@ -12,7 +12,7 @@ QStringList keyOf(const QString& executable, const QStringList& arguments)
 } // namespace
 
 ShellResult ScriptedToolRunner::run(const QString& executable, const QStringList& arguments,
-                                    std::chrono::milliseconds timeout, std::stop_token) const
+                                    std::chrono::milliseconds timeout, StopToken) const
 {
     ToolCall call{executable, arguments, timeout};
     {

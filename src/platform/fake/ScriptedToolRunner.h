@@ -29,7 +29,7 @@ class ScriptedToolRunner final : public ToolRunner
 public:
     using ToolRunner::run;
     ShellResult run(const QString& executable, const QStringList& arguments, std::chrono::milliseconds timeout,
-                    std::stop_token stop) const override;
+                    StopToken stop) const override;
 
     /// From now on, `executable` run with exactly `arguments` gives `result`.
     void answer(const QString& executable, const QStringList& arguments, ShellResult result);

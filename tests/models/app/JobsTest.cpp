@@ -34,15 +34,15 @@ TEST(JobsTest, OnlyTheNewestJobOfALaneLandsAndAFailureStillEndsIt)
 
     // GIVEN an older read still under way when a newer one of the same lane starts
     jobs.start(
-        QStringLiteral("list"), [&older](std::stop_token) { return older.try_acquire_for(5s) ? 1 : -1; },
+        QStringLiteral("list"), [&older](StopToken) { return older.try_acquire_for(5s) ? 1 : -1; },
         [&landed](int value) { landed << QStringLiteral("older %1").arg(value); });
     jobs.start(
-        QStringLiteral("list"), [](std::stop_token) { return 2; },
+        QStringLiteral("list"), [](StopToken) { return 2; },
         [&landed](int value) { landed << QStringLiteral("newer %1").arg(value); });
     // and a job of another lane that throws
     bool failed = false;
     jobs.start(
-        QStringLiteral("other"), [](std::stop_token) -> int { throw std::runtime_error("disk gone"); },
+        QStringLiteral("other"), [](StopToken) -> int { throw std::runtime_error("disk gone"); },
         [&landed](int) { landed << QStringLiteral("thrower"); }, [&failed] { failed = true; });
     older.release();
     settle();
@@ -62,12 +62,12 @@ TEST(JobsTest, StopReachesTheWorkAndItsResultIsDropped)
     bool landed = false;
     jobs.start(
         QStringLiteral("scan"),
-        [&started](std::stop_token stop) {
+        [&started](StopToken stop) {
             started.release();
             int turns = 0;
-            while (!stop.stop_requested() && turns++ < 500)
+            while (!stop.stopRequested() && turns++ < 500)
                 std::this_thread::sleep_for(10ms);
-            return stop.stop_requested();
+            return stop.stopRequested();
         },
         [&landed](bool) { landed = true; });
     ASSERT_TRUE(started.try_acquire_for(10s));
@@ -88,7 +88,7 @@ TEST(JobsTest, AnOwnerThatGoesNeitherWaitsForItsJobsNorHearsFromThem)
         auto jobs = std::make_unique<Jobs>(owner.get());
         jobs->start(
             QStringLiteral("slow"),
-            [&release, &finished](std::stop_token) {
+            [&release, &finished](StopToken) {
                 (void)release.try_acquire_for(5s);
                 finished = true;
                 return 1;

@@ -39,7 +39,7 @@ void ModelWorld::SetUp()
         .catalog = *m_catalog,
         .apps = *m_apps,
         .runCommands =
-            [this](const QList<CleanItem>& items, std::stop_token) {
+            [this](const QList<CleanItem>& items, StopToken) {
                 CommandOutcome outcome;
                 for (const CleanItem& item : items) {
                     m_commandsRun.append(item);
