@@ -10,8 +10,9 @@ namespace nubo {
 /// minimising every window of an application. Where the platform has no such interface
 /// (`isSupported` false) nothing is ever trusted and every call does nothing.
 ///
-/// `minimizeWindows` talks to the other application and may wait for it, so it is called from
-/// background work; the other calls are quick and may run on any thread.
+/// Every call belongs on the interface thread (where the Mac's Accessibility calls must be made).
+/// `minimizeWindows` talks to the other application and may wait for it, up to a short limit the
+/// backend sets, so callers make one such call per turn of the event loop.
 class Accessibility
 {
 public:

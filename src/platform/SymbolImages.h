@@ -10,7 +10,8 @@ namespace nubo {
 
 /// Draws an icon named by its SF Symbol name ("internaldrive", "sparkles"). macOS draws the real
 /// symbol; elsewhere a matching icon of the desktop's icon theme stands in, and a neutral glyph
-/// when nothing matches, so a view never shows a hole.
+/// when nothing matches, so a view never shows a hole. Interface thread only: the backends draw
+/// through the platform's icon and image services, which belong to that thread.
 class SymbolImages
 {
 public:

@@ -14,21 +14,32 @@ namespace {
 
 // Every job thread of the process, counted so that the very end of the program can wait for
 // them a bounded time. A job counts until everything it owned has been released.
-std::mutex g_runningMutex;
-std::condition_variable g_runningEnded;
-int g_running = 0;
+struct Running
+{
+    std::mutex mutex;
+    std::condition_variable ended;
+    int count = 0;
+};
+
+// Never destroyed: a job thread that outlives the program's end must still find it.
+Running& running()
+{
+    static Running* const state = new Running;
+    return *state;
+}
 
 void enterRunning()
 {
-    const std::lock_guard lock(g_runningMutex);
-    ++g_running;
+    const std::lock_guard lock(running().mutex);
+    ++running().count;
 }
 
 void leaveRunning()
 {
-    const std::lock_guard lock(g_runningMutex);
-    if (--g_running == 0)
-        g_runningEnded.notify_all();
+    Running& state = running();
+    const std::lock_guard lock(state.mutex);
+    if (--state.count == 0)
+        state.ended.notify_all();
 }
 
 } // namespace
@@ -169,8 +180,9 @@ void Jobs::arrive(Delivery delivery)
 
 bool Jobs::waitForAll(std::chrono::milliseconds limit)
 {
-    std::unique_lock lock(g_runningMutex);
-    return g_runningEnded.wait_for(lock, limit, [] { return g_running == 0; });
+    Running& state = running();
+    std::unique_lock lock(state.mutex);
+    return state.ended.wait_for(lock, limit, [&state] { return state.count == 0; });
 }
 
 } // namespace nubo

@@ -1,5 +1,6 @@
 // Accessibility through the AX API: trust checks and minimising another application's windows.
-// Calls and conversions only; when to ask and whom to minimise is decided in portable code.
+// Calls and conversions only; when to ask and whom to minimise is decided in portable code,
+// which makes every call on the interface thread, one application per turn of the event loop.
 #include "platform/Accessibility.h"
 
 #import <ApplicationServices/ApplicationServices.h>
@@ -14,6 +15,18 @@ constexpr float kMessagingTimeoutSeconds = 1.5f;
 class AxAccessibility final : public Accessibility
 {
 public:
+    AxAccessibility()
+    {
+        // A limit set on one element holds for that element only, not for the windows it hands
+        // out; set on the system-wide element it holds for every call this process makes, so a
+        // hung application cannot keep the interface thread for the default several seconds
+        // per window.
+        if (AXUIElementRef systemWide = AXUIElementCreateSystemWide()) {
+            AXUIElementSetMessagingTimeout(systemWide, kMessagingTimeoutSeconds);
+            CFRelease(systemWide);
+        }
+    }
+
     bool isSupported() const override { return true; }
 
     bool isTrusted() const override { return AXIsProcessTrusted(); }
@@ -34,8 +47,6 @@ public:
         AXUIElementRef app = AXUIElementCreateApplication(pid_t(pid));
         if (!app)
             return;
-        // An application that hangs would otherwise hold each call for the system-wide default
-        // (several seconds per window); a short limit keeps "minimise all" from stalling.
         AXUIElementSetMessagingTimeout(app, kMessagingTimeoutSeconds);
         CFTypeRef windows = nullptr;
         if (AXUIElementCopyAttributeValue(app, kAXWindowsAttribute, &windows) == kAXErrorSuccess && windows) {
