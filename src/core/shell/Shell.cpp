@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -69,6 +70,13 @@ bool readSome(int descriptor, QByteArray& bytes, int milliseconds)
         return true;
     }
     return got < 0 && (errno == EINTR || errno == EAGAIN);
+}
+
+// Never destroyed: a run on a thread that outlives the program's end may still use it.
+std::mutex& forkMutex()
+{
+    static std::mutex* const mutex = new std::mutex;
+    return *mutex;
 }
 
 // A pipe whose ends close at an exec (the Mac has no pipe2). Only the tool's standard output is
@@ -167,6 +175,9 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
         envp.push_back(setting.data());
     envp.push_back(nullptr);
 
+    // Our pipes get their close-at-exec mark after they are made: no other run may fork in
+    // between and hand them to its tool, which would hold them open.
+    std::unique_lock forking(forkMutex());
     const Descriptor nothing(::open("/dev/null", O_RDWR | O_CLOEXEC));
     int output[2] = {-1, -1};
     int failure[2] = {-1, -1};
@@ -194,6 +205,7 @@ ShellResult run(const QString& executable, const QStringList& arguments, std::ch
         [[maybe_unused]] const ssize_t written = ::write(failureWriter.fd, &error, sizeof error);
         ::_exit(127);
     }
+    forking.unlock();
     writer.close();
     failureWriter.close();
     if (tool < 0)
