@@ -4,6 +4,7 @@
 #include <QMetaObject>
 
 #include <condition_variable>
+#include <optional>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -44,37 +45,51 @@ void leaveRunning()
 
 } // namespace
 
-/// Where job threads leave their results for the model's thread. The owner is cleared, under the
-/// lock, before the model goes, so a thread never wakes a model that is gone; a wake-up already
-/// posted dies with the model's pending events.
-class JobMailbox : public std::enable_shared_from_this<JobMailbox>
+/// Where job threads leave their results for the model's thread. The waker is cleared, under
+/// the lock, before the model goes, so a thread never wakes a model that is gone; a wake-up
+/// already posted dies with the waker.
+class JobMailbox
 {
 public:
-    JobMailbox(QObject* owner, Jobs* jobs) : m_owner(owner), m_jobs(jobs) {}
+    explicit JobMailbox(Jobs* jobs) : m_jobs(jobs) {}
 
-    void post(Jobs::Delivery delivery)
+    void open(JobWaker* waker)
     {
         const std::lock_guard lock(m_mutex);
-        if (!m_owner)
+        m_waker = waker;
+    }
+
+    /// Leaves a delivery, or with nothing (a stopped job) only meets the model's thread here, so
+    /// that everything the job did happens before whatever the model does next.
+    void post(std::optional<Jobs::Delivery> delivery)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_waker || !delivery)
             return;
-        m_queue.append(std::move(delivery));
-        if (m_queue.size() == 1) {
-            QMetaObject::invokeMethod(
-                m_owner, [self = shared_from_this()] { self->drain(); }, Qt::QueuedConnection);
-        }
+        m_queue.append(std::move(*delivery));
+        if (m_queue.size() == 1)
+            QMetaObject::invokeMethod(m_waker, "wake", Qt::QueuedConnection);
+    }
+
+    /// The last job to let go may be on another thread than the model that closed the mailbox:
+    /// meeting at the lock first orders the closing before the freeing.
+    static void destroy(JobMailbox* mailbox)
+    {
+        mailbox->m_mutex.lock();
+        mailbox->m_mutex.unlock();
+        delete mailbox;
     }
 
     void close()
     {
         QList<Jobs::Delivery> dropped;
         const std::lock_guard lock(m_mutex);
-        m_owner = nullptr;
+        m_waker = nullptr;
         m_jobs = nullptr;
         dropped.swap(m_queue);
     }
 
-private:
-    // On the owner's thread.
+    // On the model's thread.
     void drain()
     {
         QList<Jobs::Delivery> taken;
@@ -90,13 +105,25 @@ private:
         }
     }
 
+private:
     std::mutex m_mutex;
-    QObject* m_owner;
+    JobWaker* m_waker = nullptr;
     Jobs* m_jobs;
     QList<Jobs::Delivery> m_queue;
 };
 
-Jobs::Jobs(QObject* owner) : m_mailbox(std::make_shared<JobMailbox>(owner, this)) {}
+void JobWaker::wake()
+{
+    m_mailbox->drain();
+}
+
+Jobs::Jobs(QObject* owner)
+    : m_mailbox(new JobMailbox(this), &JobMailbox::destroy), m_waker(std::make_unique<JobWaker>(m_mailbox.get()))
+{
+    // Woken on the owner's thread, and gone with the owner.
+    m_waker->moveToThread(owner->thread());
+    m_mailbox->open(m_waker.get());
+}
 
 Jobs::~Jobs()
 {
@@ -145,10 +172,12 @@ void Jobs::launch(const QString& lane, Erased work, Landing land, std::function<
             // What the work captured goes first, here, on this thread; so does the result of a
             // job that was stopped, which no one will read (a whole scanned tree, say).
             work = nullptr;
-            if (token.stopRequested())
+            if (token.stopRequested()) {
                 delivery.value.reset();
-            else
+                mailbox->post(std::nullopt);
+            } else {
                 mailbox->post(std::move(delivery));
+            }
             mailbox.reset();
         }
         leaveRunning();

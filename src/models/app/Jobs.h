@@ -16,6 +16,22 @@ namespace nubo {
 
 class JobMailbox;
 
+/// The object a finished job wakes on its model's thread. The wake-up is a queued call by name,
+/// which Qt makes and delivers entirely inside its own library, so it carries nothing the job
+/// wrote; the results wait in the mailbox behind a mutex that ThreadSanitizer sees.
+class JobWaker final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit JobWaker(JobMailbox* mailbox) : m_mailbox(mailbox) {}
+
+    Q_INVOKABLE void wake();
+
+private:
+    JobMailbox* m_mailbox;
+};
+
 /// The background work of one model, and the only way a model starts any. A job runs on a thread
 /// of its own and owns what it touches: values, and shared pointers to services that are safe to
 /// use from any thread; never the model, never a reference. Each job belongs to a lane (a
@@ -100,6 +116,7 @@ private:
     void arrive(Delivery delivery);
 
     std::shared_ptr<JobMailbox> m_mailbox;
+    std::unique_ptr<JobWaker> m_waker;
     QHash<QString, Pending> m_lanes;
     quint64 m_next = 0;
 };
