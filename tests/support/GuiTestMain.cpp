@@ -4,13 +4,14 @@
 
 #if defined(__SANITIZE_THREAD__)
 // Qt is not built with ThreadSanitizer. The view tests draw through Qt's graphics and QML
-// libraries, whose own thread pool (it scales and converts images for the painted scene) hands
-// work over through locks the sanitizer cannot see, so memory Qt allocates on one thread and
-// frees on another reads as a race. Only stacks through those libraries are silenced, and only
+// libraries and QtCore beneath them, whose own threads (a pool scales and converts images for
+// the painted scene) hand work over through locks the sanitizer cannot see, so memory Qt
+// allocates on one thread and frees on another reads as a race. Only stacks through those libraries are silenced, and only
 // in the view tests; the core and model suites run with no suppression at all.
 extern "C" const char* __tsan_default_suppressions()
 {
-    return "race:libQt6Gui.so\n"
+    return "race:libQt6Core.so\n"
+           "race:libQt6Gui.so\n"
            "race:libQt6Quick.so\n"
            "race:libQt6Qml.so\n"
            "race:libQt6QuickControls2\n"
