@@ -14,6 +14,8 @@ protected:
     void SetUp() override
     {
         UiWorld::SetUp();
+        // The toast stays until dismissed, however slowly a sanitizer build draws the snapshots.
+        m_toast = std::chrono::minutes(1);
         m_volume.answer = {994'662'584'320, 181'253'627'904, 170'000'000'000}; // a 1 TB Mac, 82 % full
     }
 };
