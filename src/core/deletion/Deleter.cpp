@@ -73,10 +73,11 @@ DeletionResult Deleter::deleteItems(const QList<DeletionItem>& items, bool allow
         if (error == 0) {
             result.deleted.append(item.path);
             addFreed(result, item);
-        } else if (Removal::isRightsFailure(error) && allowAdmin && reachesAdministrator(target)) {
-            adminQueue.append({item, target});
         } else if (Removal::isRightsFailure(error) && allowAdmin) {
-            result.failed.append({item.path, notDeletedReason()});
+            if (reachesAdministrator(target))
+                adminQueue.append({item, target});
+            else
+                result.failed.append({item.path, notDeletedReason()});
         } else {
             result.failed.append({item.path, Removal::systemMessage(error)});
         }

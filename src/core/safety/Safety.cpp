@@ -202,11 +202,6 @@ bool Safety::onOtherVolume(const QString& path) const
                        [&path](const QString& point) { return within(path, point); });
 }
 
-QString Safety::normalise(const QString& path) const
-{
-    return normalised(path).path;
-}
-
 Safety::Normalised Safety::normalised(const QString& path) const
 {
     const QString standard = withoutTrailingSlash(standardised(path));

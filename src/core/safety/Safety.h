@@ -51,9 +51,6 @@ public:
     [[nodiscard]] Verdict check(const QUrl& url) const;
     [[nodiscard]] bool isAllowed(const QString& path) const { return check(path).isAllowed(); }
 
-    /// The path exactly as the rules see it, for callers that show or log what was judged.
-    [[nodiscard]] QString normalise(const QString& path) const;
-
     [[nodiscard]] const SafetyRules& rules() const { return m_rules; }
 
 private:

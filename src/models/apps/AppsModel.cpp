@@ -12,8 +12,6 @@
 #include "models/clean/CleanTexts.h"
 
 #include <QLocale>
-#include <QPointer>
-#include <QThread>
 #include <algorithm>
 #include <thread>
 #include <sys/stat.h>

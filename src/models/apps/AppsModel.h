@@ -6,7 +6,6 @@
 #include "models/app/ModelServices.h"
 
 #include <QDateTime>
-#include <QFuture>
 #include <QObject>
 #include <QSet>
 #include <QStringList>

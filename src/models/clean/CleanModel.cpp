@@ -12,7 +12,6 @@
 #include "models/clean/CleanTexts.h"
 
 #include <QFileInfo>
-#include <QThread>
 #include <sys/stat.h>
 
 namespace nubo {

@@ -4,7 +4,6 @@
 #include "models/app/Jobs.h"
 #include "models/app/ModelServices.h"
 
-#include <QFuture>
 #include <QHash>
 #include <QObject>
 #include <QSet>
