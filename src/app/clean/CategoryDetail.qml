@@ -138,11 +138,11 @@ Item {
             }
             CleanButton {
                 objectName: "detailClean"
-                text: "Limpiar"
-                role: "prominent"
-                enabled: !page.model.isCleaning && page.detail.state !== undefined
-                         && page.detail.state !== "none"
-                onClicked: page.cleanRequested()
+                text: page.model.isCleaning ? Texts.cancelLabel : "Limpiar"
+                role: page.model.isCleaning ? "plain" : "prominent"
+                enabled: page.model.isCleaning ? !page.model.isCancelling
+                                               : page.detail.state !== undefined && page.detail.state !== "none"
+                onClicked: page.model.isCleaning ? page.model.cancelClean() : page.cleanRequested()
             }
         }
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Nubo.Models
 
 // The card under the header: how far the scan has come, or how much the selection frees, with
-// the clean button.
+// the clean button, which reads "Cancelar" while a clean runs.
 Rectangle {
     id: summary
 
@@ -65,6 +65,16 @@ Rectangle {
                 font.pixelSize: summary.model.isScanning ? 17 : Theme.fontSizeBody
                 font.weight: summary.model.isScanning ? Font.DemiBold : Font.Normal
             }
+            Text {
+                objectName: "summaryCancelling"
+                Layout.fillWidth: true
+                visible: summary.model.isCancelling
+                text: Texts.cancellingLine + " " + Texts.promptNote
+                color: Theme.textSecondary
+                font.family: Theme.fontFamily
+                font.pixelSize: Theme.fontSizeCaption
+                wrapMode: Text.WordWrap
+            }
             UsageBar {
                 visible: summary.model.isScanning
                 Layout.fillWidth: true
@@ -76,11 +86,11 @@ Rectangle {
 
         CleanButton {
             objectName: "summaryClean"
-            text: "Limpiar"
-            role: "prominent"
+            text: summary.model.isCleaning ? Texts.cancelLabel : "Limpiar"
+            role: summary.model.isCleaning ? "plain" : "prominent"
             implicitHeight: 36
-            enabled: !summary.model.isCleaning && summary.model.selectedCount > 0
-            onClicked: summary.cleanRequested()
+            enabled: summary.model.isCleaning ? !summary.model.isCancelling : summary.model.selectedCount > 0
+            onClicked: summary.model.isCleaning ? summary.model.cancelClean() : summary.cleanRequested()
         }
     }
 }

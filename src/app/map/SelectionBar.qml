@@ -3,7 +3,8 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Nubo.Models
 
-// The marked nodes: how many, their size, and the buttons to unmark them or delete them.
+// The marked nodes: how many, their size, and the buttons to unmark them or delete them; while a
+// deletion runs, "Cancelar" stops it before its next node.
 Rectangle {
     id: bar
 
@@ -49,6 +50,14 @@ Rectangle {
             running: visible
             implicitWidth: 22
             implicitHeight: 22
+        }
+        MapToolButton {
+            objectName: "cancelDeletion"
+            visible: bar.model && bar.model.isDeleting
+            text: Texts.cancelLabel
+            help: Texts.promptNote
+            enabled: bar.model && !bar.model.isCancelling
+            onClicked: bar.model.cancelDeletion()
         }
         MapToolButton {
             objectName: "unmark"

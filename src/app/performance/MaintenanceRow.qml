@@ -5,15 +5,18 @@ import Nubo.Models
 
 // One maintenance task: its tinted symbol, title (with a lock when it asks for the administrator
 // password), what it does, its caution, an extra line where the task has one (the snapshot
-// count), the outcome of its last run, and "Ejecutar", disabled while the task runs.
+// count), the outcome of its last run, and "Ejecutar", which reads "Cancelar" while the task
+// runs. A task behind the administrator prompt cannot be cancelled: the row says so instead.
 Rectangle {
     id: row
 
     property var task: ({})
     property bool running: false
+    property bool cancelling: false
     property var outcome: null
     property string extra
     signal runRequested(string id)
+    signal cancelRequested(string id)
 
     implicitHeight: Math.max(Theme.tableRowHeight + 12, texts.implicitHeight + Theme.spacingLarge)
     radius: Theme.radiusSmall
@@ -80,6 +83,17 @@ Rectangle {
                 font.weight: Font.DemiBold
                 wrapMode: Text.WordWrap
             }
+            Text {
+                objectName: "taskPromptNote"
+                Layout.fillWidth: true
+                visible: row.running && row.task.needsAdmin === true
+                text: Texts.promptNote
+                color: Theme.textSecondary
+                font.family: Theme.fontFamily
+                font.pixelSize: Theme.fontSizeCaption
+                font.italic: true
+                wrapMode: Text.WordWrap
+            }
             RowLayout {
                 visible: (row.task.caution || "").length > 0
                 spacing: Theme.spacingSmall
@@ -127,9 +141,9 @@ Rectangle {
         CapsuleButton {
             objectName: "taskRun"
             Layout.preferredWidth: 88
-            text: "Ejecutar"
-            enabled: !row.running
-            onClicked: row.runRequested(row.task.id)
+            text: row.running ? Texts.cancelLabel : "Ejecutar"
+            enabled: !row.running || (row.task.needsAdmin !== true && !row.cancelling)
+            onClicked: row.running ? row.cancelRequested(row.task.id) : row.runRequested(row.task.id)
         }
     }
 

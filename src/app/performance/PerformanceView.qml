@@ -250,10 +250,12 @@ Item {
                                 Layout.fillWidth: true
                                 task: taskEntry.modelData
                                 running: view.model !== null && view.model.running.indexOf(taskEntry.modelData.id) >= 0
+                                cancelling: view.model !== null && view.model.cancelling.indexOf(taskEntry.modelData.id) >= 0
                                 outcome: view.model ? (view.model.outcomes[taskEntry.modelData.id] || null) : null
                                 extra: taskEntry.modelData.id === "snapshots" && view.model && view.model.hasLoaded
                                        ? PerformanceTexts.snapshotsText(view.model.snapshotCount) : ""
                                 onRunRequested: (id) => view.model.run(id)
+                                onCancelRequested: (id) => view.model.cancel(id)
                             }
                         }
                     }

@@ -208,10 +208,12 @@ CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& item
         // A command ended because we were asked to stop neither freed nor failed.
         if (stop.stopRequested())
             break;
-        if (result.status == 0)
+        if (result.status == 0) {
             outcome.freed = checkedAdd(outcome.freed, std::max<qint64>(item.size, 0));
-        else
+            outcome.done << item.name;
+        } else {
             outcome.failed << item.name;
+        }
     }
     return outcome;
 }

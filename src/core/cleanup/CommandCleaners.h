@@ -38,11 +38,12 @@ namespace CommandCleaners {
 /// a negative size or one too large to be real (an exabyte or more).
 [[nodiscard]] qint64 parseDockerSize(const QString& text);
 
-/// What running command items gave: the bytes announced for those that succeeded, and the names
-/// of those that failed or ran past their time.
+/// What running command items gave: the bytes announced for those that succeeded, their names,
+/// and the names of those that failed or ran past their time.
 struct CommandOutcome
 {
     qint64 freed = 0;
+    QStringList done;
     QStringList failed;
     friend bool operator==(const CommandOutcome&, const CommandOutcome&) = default;
 };

@@ -32,7 +32,7 @@ QString tildePath(const QString& path)
     return tildePath(path, Home::url());
 }
 
-qint64 allocatedSize(const QString& path)
+qint64 allocatedSize(const QString& path, const StopToken& stop)
 {
     const QByteArray native = NativePath::encode(path);
     struct stat info {};
@@ -47,6 +47,8 @@ qint64 allocatedSize(const QString& path)
         return 0;
     qint64 total = 0;
     while (const FTSENT* entry = fts_read(walk)) {
+        if (stop.stopRequested())
+            break;
         switch (entry->fts_info) {
         case FTS_F:
         case FTS_SL:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/stop/StopToken.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -14,8 +16,9 @@ namespace nubo::Location {
 [[nodiscard]] QString tildePath(const QString& path);
 
 /// Bytes the item occupies on disk. A folder is walked without following links and every
-/// non-folder inside it contributes its allocated blocks; what cannot be read counts 0.
-[[nodiscard]] qint64 allocatedSize(const QString& path);
+/// non-folder inside it contributes its allocated blocks; what cannot be read counts 0. Asked to
+/// stop, the walk ends at its next entry with what it had summed (a bundle can hold a million).
+[[nodiscard]] qint64 allocatedSize(const QString& path, const StopToken& stop = {});
 
 /// The content-modification date of the item itself (a link is not followed), none when unreadable.
 [[nodiscard]] std::optional<QDateTime> modificationDate(const QString& path);

@@ -129,8 +129,11 @@ MaintenanceTask::Outcome MaintenanceCatalog::run(const MaintenanceTask& task, St
         const bool ok = Admin::run(m_admin, task.command);
         return {ok, ok ? QStringLiteral("Hecho") : QStringLiteral("Cancelado")};
     }
-    return outcomeOf(task,
-                     m_runner.run(m_tools.shell, {QStringLiteral("-c"), task.command}, kTaskTimeout, std::move(stop)));
+    const ShellResult result = m_runner.run(m_tools.shell, {QStringLiteral("-c"), task.command}, kTaskTimeout, stop);
+    // Ended by the user's "Cancelar": whatever the tool printed as it went is not its outcome.
+    if (stop.stopRequested())
+        return {false, QStringLiteral("Cancelado")};
+    return outcomeOf(task, result);
 }
 
 } // namespace nubo

@@ -47,8 +47,8 @@ public:
     /// Runs `task`: behind the administrator prompt when it needs it ("Hecho", or "Cancelado"
     /// whether the prompt was refused or the command failed), otherwise through the shell as the
     /// user with a ten-minute limit (see `outcomeOf`).
-    /// Asked to stop, a running tool is ended within about a tenth of a second; a password
-    /// prompt cannot be stopped and ends when the user answers it.
+    /// Asked to stop, a running tool is ended within about a tenth of a second and the outcome
+    /// is "Cancelado"; a password prompt cannot be stopped and ends when the user answers it.
     [[nodiscard]] MaintenanceTask::Outcome run(const MaintenanceTask& task, StopToken stop = {}) const;
 
     /// The snapshot lines of a listing: non-empty lines naming "com.apple.TimeMachine".

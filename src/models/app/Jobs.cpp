@@ -137,7 +137,15 @@ void Jobs::stop(const QString& lane)
     if (it == m_lanes.end())
         return;
     it->source.requestStop();
+    it->drop.requestStop();
     m_lanes.erase(it);
+}
+
+void Jobs::interrupt(const QString& lane)
+{
+    const auto it = m_lanes.find(lane);
+    if (it != m_lanes.end())
+        it->source.requestStop();
 }
 
 void Jobs::stopAll(const QString& prefix)
@@ -145,6 +153,7 @@ void Jobs::stopAll(const QString& prefix)
     for (auto it = m_lanes.begin(); it != m_lanes.end();) {
         if (it.key().startsWith(prefix)) {
             it->source.requestStop();
+            it->drop.requestStop();
             it = m_lanes.erase(it);
         } else {
             ++it;
@@ -157,11 +166,13 @@ void Jobs::launch(const QString& lane, Erased work, Landing land, std::function<
     stop(lane);
     const quint64 id = ++m_next;
     StopSource source;
+    StopSource drop;
     const StopToken token = source.token();
-    m_lanes.insert(lane, Pending{id, std::move(source), std::move(land), std::move(failed)});
+    const StopToken dropped = drop.token();
+    m_lanes.insert(lane, Pending{id, std::move(source), std::move(drop), std::move(land), std::move(failed)});
 
     enterRunning();
-    auto body = [mailbox = m_mailbox, lane, id, token, work = std::move(work)]() mutable {
+    auto body = [mailbox = m_mailbox, lane, id, token, dropped, work = std::move(work)]() mutable {
         {
             Delivery delivery{lane, id, {}, false};
             try {
@@ -172,7 +183,7 @@ void Jobs::launch(const QString& lane, Erased work, Landing land, std::function<
             // What the work captured goes first, here, on this thread; so does the result of a
             // job that was stopped, which no one will read (a whole scanned tree, say).
             work = nullptr;
-            if (token.stopRequested()) {
+            if (dropped.stopRequested()) {
                 delivery.value.reset();
                 mailbox->post(std::nullopt);
             } else {

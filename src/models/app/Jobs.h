@@ -82,6 +82,9 @@ public:
 
     /// Stops the job of `lane`, if any: it is asked to stop and its result is dropped.
     void stop(const QString& lane);
+    /// Asks the job of `lane` to stop where it can and still lands what it did until then: the
+    /// user's "Cancelar" on a batch, whose partial result must reach the screen.
+    void interrupt(const QString& lane);
     /// Stops every job whose lane begins with `prefix`.
     void stopAll(const QString& prefix = {});
     /// Whether `lane` has a job whose result is still awaited.
@@ -99,7 +102,10 @@ private:
     struct Pending
     {
         quint64 id = 0;
+        /// Seen by the work: asked by a stop and by an interruption.
         StopSource source;
+        /// Seen only by the job's ending: asked by a stop, which drops the result.
+        StopSource drop;
         Landing land;
         std::function<void()> failed;
     };

@@ -384,7 +384,7 @@ void AppsModel::measure(QStringList urls)
             for (const QString& url : batch) {
                 if (stop.stopRequested())
                     break;
-                sizes.insert(url, Location::allocatedSize(url));
+                sizes.insert(url, Location::allocatedSize(url, stop));
             }
             return sizes;
         },

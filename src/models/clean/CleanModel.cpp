@@ -507,15 +507,28 @@ void CleanModel::clean(const QStringList& categoryIds)
                 outcome.freed = checkedAdd(outcome.freed, ran.freed);
                 outcome.failures += ran.failed.size();
                 outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+                // Cancelled, the commands never reached ran neither well nor badly.
                 if (stop.stopRequested()) {
-                    for (const CleanItem& item : commands)
-                        outcome.untouchedNames.insert(item.name);
+                    for (const CleanItem& item : commands) {
+                        if (!ran.done.contains(item.name) && !ran.failed.contains(item.name))
+                            outcome.untouchedNames.insert(item.name);
+                    }
                 }
             }
             return outcome;
         },
         [this, categoryIds, chosen](const Outcome& outcome) { finishClean(categoryIds, chosen, outcome); },
         [this, categoryIds] { finishClean(categoryIds, {}, Outcome{}); });
+}
+
+void CleanModel::cancelClean()
+{
+    if (!m_isCleaning || m_isCancelling)
+        return;
+    m_isCancelling = true;
+    // The batch stops before its next item and still lands, so what it did is reported.
+    m_jobs.interrupt(QStringLiteral("clean"));
+    emit isCleaningChanged();
 }
 
 void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted,
@@ -542,6 +555,7 @@ void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanIt
     // What failed stays listed and selected, so the user can try it again.
     m_selected.subtract(gone);
     m_isCleaning = false;
+    m_isCancelling = false;
     emit selectionChanged();
     emit categoriesChanged();
     emit isCleaningChanged();

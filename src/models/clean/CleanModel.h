@@ -39,6 +39,7 @@ class CleanModel : public QObject
     Q_PROPERTY(bool hasScanned READ hasScanned NOTIFY hasScannedChanged)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
     Q_PROPERTY(bool isCleaning READ isCleaning NOTIFY isCleaningChanged)
+    Q_PROPERTY(bool isCancelling READ isCancelling NOTIFY isCleaningChanged)
     Q_PROPERTY(qint64 totalSelected READ totalSelected NOTIFY categoriesChanged)
     Q_PROPERTY(qint64 totalFound READ totalFound NOTIFY categoriesChanged)
     Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
@@ -105,6 +106,7 @@ public:
     [[nodiscard]] bool hasScanned() const { return m_hasScanned; }
     [[nodiscard]] bool isScanning() const { return !m_loading.isEmpty(); }
     [[nodiscard]] bool isCleaning() const { return m_isCleaning; }
+    [[nodiscard]] bool isCancelling() const { return m_isCancelling; }
 
     /// Runs every category's rule; each list replaces the old one as it arrives, and the items of
     /// categories that start selected are selected.
@@ -127,6 +129,9 @@ public:
     /// Cleans the selected items of these categories only; the others keep their selection.
     /// Nothing selected, or a clean already running: nothing happens.
     Q_INVOKABLE void clean(const QStringList& categoryIds);
+    /// Stops a running clean before its next item; what it did until then is reported, and
+    /// what it never reached stays listed and selected.
+    Q_INVOKABLE void cancelClean();
 
 signals:
     void categoriesChanged();
@@ -175,6 +180,7 @@ private:
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
+    bool m_isCancelling = false;
     // Last, so that it goes first: nothing lands on a model that is being taken apart.
     Jobs m_jobs{this};
 };

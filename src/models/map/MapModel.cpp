@@ -142,6 +142,7 @@ void MapModel::setScanning(bool scanning)
 
 void MapModel::setDeleting(bool deleting)
 {
+    m_isCancelling = false;
     assignAndNotify(this, m_isDeleting, deleting, &MapModel::isDeletingChanged);
 }
 
@@ -528,6 +529,15 @@ void MapModel::deleteMarked()
         },
         [this, tree = m_root, nodes](const DeletionResult& result) { finishDeletion(tree, nodes, result); },
         [this] { setDeleting(false); });
+}
+
+void MapModel::cancelDeletion()
+{
+    if (!m_isDeleting || m_isCancelling)
+        return;
+    m_isCancelling = true;
+    m_jobs.interrupt(QStringLiteral("delete"));
+    emit isDeletingChanged();
 }
 
 void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& removed,

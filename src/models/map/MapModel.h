@@ -45,6 +45,7 @@ class MapModel : public QObject
     Q_PROPERTY(QString scanningPath READ scanningPath NOTIFY scanningPathChanged)
     Q_PROPERTY(int revision READ revision NOTIFY revisionChanged)
     Q_PROPERTY(bool isDeleting READ isDeleting NOTIFY isDeletingChanged)
+    Q_PROPERTY(bool isCancelling READ isCancelling NOTIFY isDeletingChanged)
     Q_PROPERTY(qint64 markedSize READ markedSize NOTIFY markedChanged)
     Q_PROPERTY(int markedCount READ markedCount NOTIFY markedChanged)
     Q_PROPERTY(QString selectionText READ selectionText NOTIFY markedChanged)
@@ -117,6 +118,7 @@ public:
     [[nodiscard]] const QString& scanningPath() const { return m_scanningPath; }
     [[nodiscard]] int revision() const { return m_revision; }
     [[nodiscard]] bool isDeleting() const { return m_isDeleting; }
+    [[nodiscard]] bool isCancelling() const { return m_isCancelling; }
     [[nodiscard]] bool isMarked(const FileNode* node) const { return m_marked.contains(node); }
     /// What deleting the marks would free: a node marked inside another marked one is counted once.
     [[nodiscard]] qint64 markedSize() const;
@@ -209,6 +211,9 @@ public:
     /// Deletes every marked node for good, reports the outcome to the owner, and takes what is
     /// gone out of the tree; nodes that could not be deleted stay, still marked.
     Q_INVOKABLE void deleteMarked();
+    /// Stops a running deletion before its next node; the nodes it removed leave the map and
+    /// the others stay, still marked.
+    Q_INVOKABLE void cancelDeletion();
 
 signals:
     void scopeChanged();
@@ -264,6 +269,7 @@ private:
     QString m_scanningPath;
     int m_revision = 0;
     bool m_isDeleting = false;
+    bool m_isCancelling = false;
     // Last, so that it goes first: nothing lands on a model that is being taken apart.
     Jobs m_jobs{this};
 };

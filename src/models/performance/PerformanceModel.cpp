@@ -202,6 +202,7 @@ void PerformanceModel::run(const QString& taskId)
             m_outcomes.insert(taskId, ran.outcome);
             emit outcomesChanged();
             m_running.remove(taskId);
+            m_cancelling.remove(taskId);
             emit runningChanged();
             if (ran.snapshots)
                 setSnapshotCount(*ran.snapshots);
@@ -210,8 +211,19 @@ void PerformanceModel::run(const QString& taskId)
             m_outcomes.insert(taskId, {false, QStringLiteral("Error")});
             emit outcomesChanged();
             m_running.remove(taskId);
+            m_cancelling.remove(taskId);
             emit runningChanged();
         });
+}
+
+void PerformanceModel::cancel(const QString& taskId)
+{
+    const std::optional<MaintenanceTask> task = MaintenanceCatalog::task(taskId);
+    if (!task || task->needsAdmin || !m_running.contains(taskId) || m_cancelling.contains(taskId))
+        return;
+    m_cancelling.insert(taskId);
+    m_jobs.interrupt(QStringLiteral("task:") + taskId);
+    emit runningChanged();
 }
 
 void PerformanceModel::setSnapshotCount(int count)

@@ -37,6 +37,7 @@ class PerformanceModel : public QObject
     Q_PROPERTY(QVariantList items READ itemsList NOTIFY itemsChanged)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
     Q_PROPERTY(QStringList running READ runningList NOTIFY runningChanged)
+    Q_PROPERTY(QStringList cancelling READ cancellingList NOTIFY runningChanged)
     Q_PROPERTY(QVariantMap outcomes READ outcomesMap NOTIFY outcomesChanged)
     Q_PROPERTY(int snapshotCount READ snapshotCount NOTIFY snapshotCountChanged)
     Q_PROPERTY(int enabledCount READ enabledCount NOTIFY itemsChanged)
@@ -53,6 +54,7 @@ public:
     [[nodiscard]] bool isLoading() const { return m_jobs.isRunning(QStringLiteral("launch")); }
     [[nodiscard]] const QSet<QString>& running() const { return m_running; }
     [[nodiscard]] QStringList runningList() const;
+    [[nodiscard]] QStringList cancellingList() const { return m_cancelling.values(); }
     [[nodiscard]] const QHash<QString, MaintenanceTask::Outcome>& outcomes() const { return m_outcomes; }
     /// Task id → {"ok", "message"}.
     [[nodiscard]] QVariantMap outcomesMap() const;
@@ -79,6 +81,9 @@ public:
     /// Runs the task with this id (unknown ids and a task already running are ignored): its
     /// previous outcome goes away while it runs. After "snapshots" the count is read again.
     Q_INVOKABLE void run(const QString& taskId);
+    /// Ends the task's tool; its outcome reads "Cancelado". A task that asks for the
+    /// administrator password cannot be cancelled once the prompt is shown.
+    Q_INVOKABLE void cancel(const QString& taskId);
     /// Opens the system's login-items settings page.
     Q_INVOKABLE void openLoginItemsSettings() const;
 
@@ -104,6 +109,7 @@ private:
     bool m_rereadAfterAction = false;
     quint64 m_actions = 0;
     QSet<QString> m_running;
+    QSet<QString> m_cancelling;
     QHash<QString, MaintenanceTask::Outcome> m_outcomes;
     int m_snapshotCount = 0;
     bool m_hasLoaded = false;

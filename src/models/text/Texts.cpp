@@ -18,6 +18,17 @@ QString Texts::cancelLabel() const
     return QStringLiteral("Cancelar");
 }
 
+QString Texts::cancellingLine() const
+{
+    return QStringLiteral("Cancelando…");
+}
+
+QString Texts::promptNote() const
+{
+    return QStringLiteral("Si se pide la contraseña de administrador, la petición sigue abierta hasta que la "
+                          "respondas o la canceles.");
+}
+
 QString Texts::bytes(qint64 count) const
 {
     return Bytes::string(count);

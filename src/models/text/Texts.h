@@ -15,6 +15,8 @@ class Texts : public QObject
     Q_DISABLE_COPY_MOVE(Texts)
     Q_PROPERTY(QString deleteVerb READ deleteVerb CONSTANT)
     Q_PROPERTY(QString cancelLabel READ cancelLabel CONSTANT)
+    Q_PROPERTY(QString cancellingLine READ cancellingLine CONSTANT)
+    Q_PROPERTY(QString promptNote READ promptNote CONSTANT)
 
 public:
     explicit Texts(QObject* parent = nullptr);
@@ -22,6 +24,10 @@ public:
     /// "Eliminar", the verb of every deletion unless a screen names another ("Desinstalar").
     [[nodiscard]] QString deleteVerb() const;
     [[nodiscard]] QString cancelLabel() const;
+    /// Shown once "Cancelar" is pressed, until the work has stopped where it could.
+    [[nodiscard]] QString cancellingLine() const;
+    /// The administrator's password prompt is the one step no "Cancelar" can stop.
+    [[nodiscard]] QString promptNote() const;
 
     Q_INVOKABLE [[nodiscard]] QString bytes(qint64 count) const;
     Q_INVOKABLE [[nodiscard]] QString items(qint64 count) const;

@@ -212,7 +212,8 @@ TEST_F(CommandCleanersTest, CommandsRunOneAfterAnotherAndOnlySuccessesCountAsFre
     const CommandCleaners::CommandOutcome outcome = CommandCleaners::runCommands(tools, items);
 
     // THEN each ran after the previous one ended, and the path item was left alone
-    EXPECT_EQ(outcome, (CommandCleaners::CommandOutcome{105, {QStringLiteral("fails"), QStringLiteral("missing")}}));
+    EXPECT_EQ(outcome, (CommandCleaners::CommandOutcome{105, {QStringLiteral("first"), QStringLiteral("second")},
+                                                        {QStringLiteral("fails"), QStringLiteral("missing")}}));
     QFile written(log);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(written.readAll()), QStringLiteral("start1\nend1\nfail\nstart2\n"));

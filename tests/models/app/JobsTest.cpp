@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <semaphore>
 #include <stdexcept>
 #include <thread>
@@ -54,27 +55,35 @@ TEST(JobsTest, OnlyTheNewestJobOfALaneLandsAndAFailureStillEndsIt)
     EXPECT_FALSE(jobs.isRunning(QStringLiteral("other")));
 }
 
-TEST(JobsTest, StopReachesTheWorkAndItsResultIsDropped)
+TEST(JobsTest, StopAndInterruptionReachTheWorkButOnlyAnInterruptedJobLands)
 {
-    QObject owner;
-    Jobs jobs(&owner);
-    std::binary_semaphore started{0};
-    bool landed = false;
-    jobs.start(
-        QStringLiteral("scan"),
-        [&started](StopToken stop) {
-            started.release();
-            int turns = 0;
-            while (!stop.stopRequested() && turns++ < 500)
-                std::this_thread::sleep_for(10ms);
-            return stop.stopRequested();
-        },
-        [&landed](bool) { landed = true; });
-    ASSERT_TRUE(started.try_acquire_for(10s));
-    jobs.stop(QStringLiteral("scan"));
-    settle();
-    EXPECT_FALSE(landed);
-    EXPECT_FALSE(jobs.isRunning(QStringLiteral("scan")));
+    // A stop makes a read stale; an interruption is the user's "Cancelar", whose partial
+    // result must still be reported.
+    for (const bool interrupt : {false, true}) {
+        SCOPED_TRACE(interrupt ? "interrupt" : "stop");
+        QObject owner;
+        Jobs jobs(&owner);
+        std::binary_semaphore started{0};
+        std::optional<bool> landed;
+        jobs.start(
+            QStringLiteral("batch"),
+            [&started](StopToken stop) {
+                started.release();
+                int turns = 0;
+                while (!stop.stopRequested() && turns++ < 500)
+                    std::this_thread::sleep_for(10ms);
+                return stop.stopRequested();
+            },
+            [&landed](bool sawStop) { landed = sawStop; });
+        ASSERT_TRUE(started.try_acquire_for(10s));
+        if (interrupt)
+            jobs.interrupt(QStringLiteral("batch"));
+        else
+            jobs.stop(QStringLiteral("batch"));
+        settle();
+        EXPECT_EQ(landed, interrupt ? std::optional<bool>(true) : std::nullopt);
+        EXPECT_FALSE(jobs.isRunning(QStringLiteral("batch")));
+    }
 }
 
 TEST(JobsTest, AnOwnerThatGoesNeitherWaitsForItsJobsNorHearsFromThem)

@@ -155,6 +155,30 @@ TEST_F(CleanModelTest, ACleanDeletesCommandsRunFailuresStayAndOneReportIsMade)
     EXPECT_GE(m_feedback.load(), 1);
 }
 
+TEST_F(CleanModelTest, ACancelledCleanReportsWhatItDidAndLeavesTheRestListedAndSelected)
+{
+    const QString tools = categoriesSelectedByDefault(false).first();
+    const CleanItem done = command(QStringLiteral("prune"), 700);
+    const CleanItem held = command(QStringLiteral("held"), 900);
+    const CleanItem never = command(QStringLiteral("never"), 300);
+    m_heldCommands << held.name;
+    rule(tools, [=] { return QList<CleanItem>{done, held, never}; });
+    scanAndWait();
+    clean().toggleCategory(tools);
+    clean().clean({tools});
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_commandsRun.size() == 2; }, 10000));
+
+    clean().cancelClean();
+    EXPECT_TRUE(clean().isCancelling());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isCleaning(); }, 5000));
+
+    EXPECT_FALSE(clean().isCancelling());
+    EXPECT_EQ(state().toast()->freed, done.size);
+    EXPECT_EQ(state().toast()->failures, 0);
+    EXPECT_EQ(ids(clean().items(tools)), (QStringList{held.id, never.id}));
+    EXPECT_TRUE(clean().isSelected(held.id) && clean().isSelected(never.id));
+}
+
 TEST_F(CleanModelTest, NothingSelectedCleansNothingAndReportsNothing)
 {
     const QString id = categoriesSelectedByDefault(false).first();

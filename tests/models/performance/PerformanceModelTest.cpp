@@ -258,23 +258,35 @@ TEST_F(PerformanceModelTest, TasksRunSideBySideAndSnapshotsRecount)
               (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
 }
 
-TEST_F(PerformanceModelTest, ATaskStillRunningEndsWithTheModelAndLeavesNoProcessBehind)
+TEST_F(PerformanceModelTest, ATaskCancelledOrLeftRunningAtQuitEndsAtOnceAndLeavesNoProcessBehind)
 {
-    // GIVEN a task whose tool would run for twenty seconds
-    hold();
-    m_model->run(QStringLiteral("dock"));
-    ASSERT_TRUE(eventually([&] { return QFileInfo(path("pid")).size() > 0; }, 10000));
-    QFile written(path("pid"));
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    const pid_t tool = pid_t(written.readAll().trimmed().toInt());
-    ASSERT_GT(tool, 0);
+    for (const bool quit : {false, true}) {
+        SCOPED_TRACE(quit ? "the model goes" : "Cancelar");
+        // GIVEN a task whose tool would run for twenty seconds
+        hold();
+        QFile::remove(path("pid"));
+        m_model->run(QStringLiteral("dock"));
+        ASSERT_TRUE(eventually([&] { return QFileInfo(path("pid")).size() > 0; }, 10000));
+        QFile written(path("pid"));
+        ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+        const pid_t tool = pid_t(written.readAll().trimmed().toInt());
+        ASSERT_GT(tool, 0);
 
-    // WHEN the model goes, as it does when the program quits
-    m_model.reset();
-
-    // THEN the work ends at once rather than with the tool, and the tool is gone
-    EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(3)));
-    EXPECT_NE(::kill(tool, 0), 0);
+        // WHEN the user cancels it, or the model goes as it does when the program quits
+        if (quit) {
+            m_model.reset();
+            EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(3)));
+        } else {
+            m_model->cancel(QStringLiteral("dock"));
+            EXPECT_EQ(m_model->cancellingList(), QStringList{QStringLiteral("dock")});
+            ASSERT_TRUE(eventually([&] { return m_model->running().isEmpty(); }, 3000));
+            EXPECT_EQ(m_model->outcomes().value(QStringLiteral("dock")),
+                      (MaintenanceTask::Outcome{false, QStringLiteral("Cancelado")}));
+            EXPECT_TRUE(m_model->cancellingList().isEmpty());
+        }
+        // THEN the work ends at once rather than with the tool, and the tool is gone
+        EXPECT_NE(::kill(tool, 0), 0);
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 
 namespace nubo::test {
 
@@ -39,14 +40,24 @@ void ModelWorld::SetUp()
         .catalog = *m_catalog,
         .apps = *m_apps,
         .runCommands =
-            [this](const QList<CleanItem>& items, StopToken) {
+            [this](const QList<CleanItem>& items, StopToken stop) {
                 CommandOutcome outcome;
                 for (const CleanItem& item : items) {
+                    if (stop.stopRequested())
+                        break;
                     m_commandsRun.append(item);
-                    if (m_failingCommands.contains(item.name))
+                    // A held command runs until it is stopped, like a tool the user cancels.
+                    for (int turn = 0; m_heldCommands.contains(item.name) && turn < 1000; ++turn) {
+                        if (stop.stopRequested())
+                            return outcome;
+                        QThread::msleep(10);
+                    }
+                    if (m_failingCommands.contains(item.name)) {
                         outcome.failed.append(item.name);
-                    else
+                    } else {
                         outcome.freed += item.size;
+                        outcome.done.append(item.name);
+                    }
                 }
                 return outcome;
             },

@@ -78,6 +78,7 @@ protected:
     /// The command items the runner was handed, and the names it is told to fail.
     QList<CleanItem> m_commandsRun;
     QStringList m_failingCommands;
+    QStringList m_heldCommands;
     /// Running applications the quitter has been asked to stop, and whether it lets them go.
     std::atomic<int> m_quitRequests = 0;
     std::atomic<bool> m_quitObeys = true;
