@@ -426,13 +426,4 @@ TEST_F(DeleterRightsTest, PrivilegedRemovalAsksTheGateAgain)
     EXPECT_EQ(listing(), before);
 }
 
-TEST(RemovalTest, RightsFailuresAreThePermissionErrors)
-{
-    EXPECT_TRUE(Removal::isRightsFailure(EACCES));
-    EXPECT_TRUE(Removal::isRightsFailure(EPERM));
-    EXPECT_FALSE(Removal::isRightsFailure(EROFS));
-    EXPECT_FALSE(Removal::isRightsFailure(ENOTEMPTY));
-    EXPECT_FALSE(Removal::isRightsFailure(0));
-}
-
 } // namespace

@@ -11,6 +11,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <tuple>
+#include <utility>
+
 using namespace nubo;
 using namespace std::chrono_literals;
 
@@ -54,55 +57,22 @@ protected:
     FakeAdminRunner m_admin;
 };
 
-TEST(MaintenanceCatalogTable, EightTasksInOrderWithTheirCommandsAndRights)
+TEST_F(MaintenanceTest, OnlyAListingTheToolStandsByCountsSnapshots)
 {
-    const QList<std::tuple<const char*, bool, const char*>> expected = {
-        {"snapshots", true, "/usr/bin/tmutil thinlocalsnapshots / 999999999999 4"},
-        {"purge", true, "/usr/sbin/purge"},
-        {"dns", true, "/usr/bin/dscacheutil -flushcache; /usr/bin/killall -HUP mDNSResponder"},
-        {"launchservices", false,
-         "/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/"
-         "lsregister"
-         " -kill -r -domain local -domain system -domain user"},
-        {"spotlight", true, "/usr/bin/mdutil -E /"},
-        {"fonts", false,
-         "/usr/bin/atsutil databases -removeUser; /usr/bin/atsutil server -shutdown; /usr/bin/atsutil server "
-         "-ping"},
-        {"verify", false, "/usr/sbin/diskutil verifyVolume /"},
-        {"dock", false, "/usr/bin/killall Dock; /usr/bin/killall Finder"},
+    // Headers and blank lines are not snapshots; a refusal may still print names, which are not
+    // trusted; a missing tool counts none.
+    const QList<std::pair<QByteArray, int>> cases = {
+        {"printf 'Snapshots for disk /:\\n\\ncom.apple.TimeMachine.2024-05-01-101010.local\\n"
+         "com.apple.TimeMachine.2024-05-02-101010.local\\n\\ncom.apple.TimeMachine.2024-05-03-101010.local\\n'\n",
+         3},
+        {"echo com.apple.TimeMachine.2024-05-01-101010.local\nexit 1\n", 0},
+        {"echo 'No snapshots'\n", 0},
     };
-    const QList<MaintenanceTask>& all = MaintenanceCatalog::all();
-    ASSERT_EQ(all.size(), expected.size());
-    for (qsizetype i = 0; i < all.size(); ++i) {
-        const auto& [id, admin, command] = expected[i];
-        EXPECT_EQ(all[i].id, QString::fromUtf8(id));
-        EXPECT_EQ(all[i].needsAdmin, admin) << id;
-        EXPECT_EQ(all[i].command, QString::fromUtf8(command)) << id;
+    for (const auto& [body, count] : cases) {
+        writeTool(m_tools.tmutil, body);
+        EXPECT_EQ(MaintenanceCatalog(m_tools, m_shell, m_admin).localSnapshotCount(), count) << body.constData();
     }
-    EXPECT_EQ(MaintenanceCatalog::task(QStringLiteral("spotlight"))->caution,
-              QStringLiteral("Spotlight tardará un rato en volver a indexar todo."));
-    EXPECT_FALSE(MaintenanceCatalog::task(QStringLiteral("verify"))->caution.has_value());
-    EXPECT_FALSE(MaintenanceCatalog::task(QStringLiteral("nothing")).has_value());
-}
-
-TEST_F(MaintenanceTest, SnapshotListingWithHeaderAndBlankLinesCountsItsSnapshots)
-{
-    writeTool(m_tools.tmutil,
-              "printf 'Snapshots for disk /:\\n\\ncom.apple.TimeMachine.2024-05-01-101010.local\\n"
-              "com.apple.TimeMachine.2024-05-02-101010.local\\n\\n"
-              "com.apple.TimeMachine.2024-05-03-101010.local\\n'\n");
-    EXPECT_EQ(MaintenanceCatalog(m_tools, m_shell, m_admin).localSnapshotCount(), 3);
     EXPECT_EQ(recordedArguments(), "listlocalsnapshots\n/\n");
-}
-
-TEST_F(MaintenanceTest, SnapshotCountIsZeroWhenTheToolFailsOrIsMissing)
-{
-    // A refusal may still print names; they are not trusted.
-    writeTool(m_tools.tmutil, "echo com.apple.TimeMachine.2024-05-01-101010.local\nexit 1\n");
-    EXPECT_EQ(MaintenanceCatalog(m_tools, m_shell, m_admin).localSnapshotCount(), 0);
-    writeTool(m_tools.tmutil, "echo 'No snapshots'\n");
-    EXPECT_EQ(MaintenanceCatalog(m_tools, m_shell, m_admin).localSnapshotCount(), 0);
-
     m_tools.tmutil = m_dir.filePath(QStringLiteral("missing"));
     EXPECT_EQ(MaintenanceCatalog(m_tools, m_shell, m_admin).localSnapshotCount(), 0);
 }
@@ -123,25 +93,21 @@ TEST_F(MaintenanceTest, ToolsRunWithTheirTimeLimits)
                                   600s}));
 }
 
-TEST_F(MaintenanceTest, SuccessReadsHechoExceptForTheDiskCheck)
+TEST_F(MaintenanceTest, AnOutcomeReadsFromTheStatusAndTheLastLinePrinted)
 {
-    EXPECT_EQ(runAsUser(QStringLiteral("echo lots of output"), QStringLiteral("dock")),
-              (MaintenanceTask::Outcome{true, QStringLiteral("Hecho")}));
-    EXPECT_EQ(runAsUser(QStringLiteral("echo The volume appears to be OK"), QStringLiteral("verify")),
-              (MaintenanceTask::Outcome{true, QStringLiteral("Sin errores")}));
-}
-
-TEST_F(MaintenanceTest, FailureShowsTheLastLineTheToolPrinted)
-{
-    EXPECT_EQ(runAsUser(QStringLiteral("exit 1")),
-              (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
-    // Error output is discarded, so a tool that only complains there still reads "Error".
-    EXPECT_EQ(runAsUser(QStringLiteral("echo complaint >&2; exit 3")),
-              (MaintenanceTask::Outcome{false, QStringLiteral("Error")}));
-    EXPECT_EQ(runAsUser(QStringLiteral("printf 'Checking\\r\\n  Volume is damaged  \\r\\n\\n \\n'; exit 8")),
-              (MaintenanceTask::Outcome{false, QStringLiteral("Volume is damaged")}));
-    EXPECT_EQ(runAsUser(QStringLiteral("printf 'caf\\351 roto\\n'; exit 2")).message,
-              QStringLiteral("caf\uFFFD roto"));
+    // Error output is discarded, so a tool that only complains there reads "Error"; "\r\n" and
+    // padding are no reason; bytes that are not UTF-8 are shown as replacement characters.
+    const QList<std::tuple<const char*, const char*, MaintenanceTask::Outcome>> cases = {
+        {"dock", "echo lots of output", {true, QStringLiteral("Hecho")}},
+        {"verify", "echo The volume appears to be OK", {true, QStringLiteral("Sin errores")}},
+        {"x", "exit 1", {false, QStringLiteral("Error")}},
+        {"x", "echo complaint >&2; exit 3", {false, QStringLiteral("Error")}},
+        {"x", "printf 'Checking\\r\\n  Volume is damaged  \\r\\n\\n \\n'; exit 8",
+         {false, QStringLiteral("Volume is damaged")}},
+        {"x", "printf 'caf\\351 roto\\n'; exit 2", {false, QStringLiteral("caf\uFFFD roto")}},
+    };
+    for (const auto& [id, command, outcome] : cases)
+        EXPECT_EQ(runAsUser(QString::fromUtf8(command), QString::fromUtf8(id)), outcome) << command;
 }
 
 TEST_F(MaintenanceTest, RealCatalogueCommandsWithoutTheirToolsFail)
