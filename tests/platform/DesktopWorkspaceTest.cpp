@@ -13,20 +13,23 @@
 #include <QThread>
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <utility>
 
 using namespace nubo;
 
 TEST(DesktopWorkspace, AnExecutableBelongsToTheBundleRightAboveContentsMacOS)
 {
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/opt/X.app/Contents/MacOS/X")),
-              QStringLiteral("/opt/X.app"));
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(
-                  QStringLiteral("/A.app/Contents/Helpers/B.app/Contents/MacOS/b")),
-              QStringLiteral("/A.app/Contents/Helpers/B.app"));
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/usr/bin/sleep")), QString());
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/X.app/Contents/MacOS/sub/tool")),
-              QString());
-    EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QStringLiteral("/.app/Contents/MacOS/x")), QString());
+    const std::pair<const char*, const char*> cases[] = {
+        {"/opt/X.app/Contents/MacOS/X", "/opt/X.app"},
+        {"/A.app/Contents/Helpers/B.app/Contents/MacOS/b", "/A.app/Contents/Helpers/B.app"},
+        {"/usr/bin/sleep", ""},
+        {"/X.app/Contents/MacOS/sub/tool", ""},
+        {"/.app/Contents/MacOS/x", ""},
+    };
+    for (const auto& [executable, bundle] : cases)
+        EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QString::fromUtf8(executable)),
+                  QString::fromUtf8(bundle))
+            << executable;
 }
 
 // A real process started from a Mac-shaped bundle is found as that bundle's running instance,
@@ -89,21 +92,6 @@ TEST(DesktopWorkspace, TheRegistryOfApplicationsIsTheDesktopFiles)
 
 namespace {
 
-// A bundle whose main program is a shell that starts a second program from the same bundle.
-struct ShellBundle
-{
-    QTemporaryDir dir;
-    QString bundle = dir.filePath(QStringLiteral("Pair.app"));
-    QString macos = bundle + QStringLiteral("/Contents/MacOS");
-
-    bool copy(const char* from, const char* name) const
-    {
-        const QString to = macos + QLatin1Char('/') + QString::fromLatin1(name);
-        return QDir().mkpath(macos) && QFile::copy(QString::fromLatin1(from), to) &&
-               QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-};
-
 QList<RunningApplication> ofBundle(const Workspace& workspace, const QString& bundle)
 {
     QList<RunningApplication> found;
@@ -120,42 +108,44 @@ QList<RunningApplication> ofBundle(const Workspace& workspace, const QString& bu
 // own bundle is listed but not regular.
 TEST(DesktopWorkspace, AHelperFromTheSameBundleIsNotASecondApplication)
 {
-    ShellBundle pair;
-    ASSERT_TRUE(pair.copy("/bin/sh", "Pair"));
-    ASSERT_TRUE(pair.copy("/bin/sleep", "helper"));
+    // The bundle's main program is a shell that starts a second program from the same bundle.
+    QTemporaryDir dir;
+    const QString bundle = dir.filePath(QStringLiteral("Pair.app"));
+    const QString pairProgram =
+        test::copyProgram(QStringLiteral("/bin/sh"), bundle + QStringLiteral("/Contents/MacOS/Pair"));
+    const QString helperProgram =
+        test::copyProgram(QStringLiteral("/bin/sleep"), bundle + QStringLiteral("/Contents/MacOS/helper"));
     QProcess process;
     // "; exit" keeps the shell from replacing itself with the helper.
-    process.start(
-        pair.macos + QStringLiteral("/Pair"),
-        {QStringLiteral("-c"), QStringLiteral("\"$0\" 30; exit"), pair.macos + QStringLiteral("/helper")});
+    process.start(pairProgram, {QStringLiteral("-c"), QStringLiteral("\"$0\" 30; exit"), helperProgram});
     ASSERT_TRUE(process.waitForStarted());
 
     DesktopWorkspace workspace;
     QList<RunningApplication> apps;
     for (int i = 0; i < 100 && apps.size() < 2; ++i) {
         QThread::msleep(20);
-        apps = ofBundle(workspace, pair.bundle);
+        apps = ofBundle(workspace, bundle);
     }
     ASSERT_EQ(apps.size(), 2);
-    const auto main =
+    const auto outer =
         std::find_if(apps.begin(), apps.end(), [&](const auto& a) { return a.pid == process.processId(); });
-    ASSERT_NE(main, apps.end());
-    EXPECT_TRUE(main->regular);
-    EXPECT_EQ(main->name, QStringLiteral("Pair"));
-    const RunningApplication helper = apps.at(main == apps.begin() ? 1 : 0);
+    ASSERT_NE(outer, apps.end());
+    EXPECT_TRUE(outer->regular);
+    EXPECT_EQ(outer->name, QStringLiteral("Pair"));
+    const RunningApplication helper = apps.at(outer == apps.begin() ? 1 : 0);
     EXPECT_FALSE(helper.regular);
 
     // A quit aimed at the helper's id under another bundle's name is not sent: the id may have
     // been taken over by another program since the list was read.
     RunningApplication stale = helper;
-    stale.bundlePath = pair.dir.filePath(QStringLiteral("Other.app"));
+    stale.bundlePath = dir.filePath(QStringLiteral("Other.app"));
     workspace.forceTerminate(stale);
     QThread::msleep(100);
-    EXPECT_EQ(ofBundle(workspace, pair.bundle).size(), 2);
+    EXPECT_EQ(ofBundle(workspace, bundle).size(), 2);
 
     workspace.terminate(helper); // the shell then exits by itself
     ASSERT_TRUE(process.waitForFinished(5000));
-    EXPECT_TRUE(ofBundle(workspace, pair.bundle).isEmpty());
+    EXPECT_TRUE(ofBundle(workspace, bundle).isEmpty());
     EXPECT_FALSE(workspace.canHide());
     EXPECT_FALSE(workspace.canActivate());
 }

@@ -1,66 +1,60 @@
 #include "core/admin/AdminScript.h"
 #include "core/disk/DiskInfo.h"
+#include "core/files/NativePath.h"
 #include "platform/linux/PkexecAdminRunner.h"
 #include "platform/linux/StorageVolumeCapacity.h"
 #include "support/FixtureFiles.h"
+#include "support/TempTree.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+
+#include <set>
+#include <string>
 
 using namespace nubo;
 
 namespace {
 
-class PkexecAdminRunnerTest : public ::testing::Test
+TEST(PkexecAdminRunnerTest, OnlyACommandThatRanAndSucceededIsASuccess)
 {
-protected:
-    // A stand-in for polkit's pkexec in its own folder: `body` decides what it does with the
-    // command it is given ("$@" is /bin/sh -c <command line>).
-    void installPkexec(const QByteArray& body)
-    {
-        test::writeScript(m_dir.path() + QStringLiteral("/bin/pkexec"), body);
-    }
+    QTemporaryDir dir;
+    const QString pkexec = dir.filePath(QStringLiteral("bin/pkexec"));
+    PkexecAdminRunner runner({dir.filePath(QStringLiteral("bin"))});
+    const AdminRequest harmless = AdminScript::forCommand(QStringLiteral("true"));
+    EXPECT_EQ(runner.run(harmless), AdminOutcome::Unavailable); // no pkexec at all
 
-    QString folder() const { return m_dir.path() + QStringLiteral("/bin"); }
+    test::writeScript(pkexec, "exit 126"); // the dialog was dismissed
+    EXPECT_EQ(runner.run(harmless), AdminOutcome::Failed);
 
-    QTemporaryDir m_dir;
-};
-
-TEST_F(PkexecAdminRunnerTest, WithoutPkexecTheRunIsUnavailable)
-{
-    PkexecAdminRunner runner({m_dir.path()});
-    EXPECT_EQ(runner.run(AdminScript::forCommand(QStringLiteral("true"))), AdminOutcome::Unavailable);
-}
-
-TEST_F(PkexecAdminRunnerTest, RunsTheCommandLineThroughTheShell)
-{
-    // GIVEN a pkexec that runs what it is given
-    installPkexec("exec \"$@\"");
-    PkexecAdminRunner runner({folder()});
-    const QString target = m_dir.path() + QStringLiteral("/it's \"here\"");
-    ASSERT_TRUE(QFile(target).open(QIODevice::WriteOnly));
-
-    // WHEN a removal of an oddly named file runs
-    EXPECT_EQ(runner.run(AdminScript::forRemoval({target})), AdminOutcome::Succeeded);
-    EXPECT_FALSE(QFileInfo::exists(target));
-    EXPECT_TRUE(QFileInfo::exists(folder() + QStringLiteral("/pkexec")));
-
-    // A command that fails is a failure too.
+    test::writeScript(pkexec, "exec \"$@\""); // "$@" is /bin/sh -c <command line>
+    EXPECT_EQ(runner.run(harmless), AdminOutcome::Succeeded);
     EXPECT_EQ(runner.run(AdminScript::forCommand(QStringLiteral("exit 4"))), AdminOutcome::Failed);
 }
 
-TEST_F(PkexecAdminRunnerTest, DismissedDialogIsAFailure)
+TEST(PkexecAdminRunnerTest, ARemovalTakesExactlyTheOddlyNamedItemsAndNoLookAlike)
 {
-    installPkexec("exit 126");
-    PkexecAdminRunner runner({folder()});
-    EXPECT_EQ(runner.run(AdminScript::forCommand(QStringLiteral("true"))), AdminOutcome::Failed);
+    QTemporaryDir tools;
+    test::writeScript(tools.filePath(QStringLiteral("pkexec")), "exec \"$@\"");
+    PkexecAdminRunner runner({tools.path()});
+
+    // Each removed name sits beside a look-alike that must stay: one byte apart, one line break
+    // apart, or the same name without its quoting.
+    test::TempTree tree;
+    const std::set<std::string> removed = {"it's \"here\"", "-rf", "back\\slash", "new\nline\n", "Caf\xff"};
+    for (const char* name : {"it's \"here\"", "-rf/inner", "back\\slash", "new\nline\n", "Caf\xff",
+                             "its here", "rf", "new\nline", "Caf\xfe", "back"})
+        tree.file(name);
+    const std::set<std::string> before = tree.listing();
+    QStringList paths;
+    for (const std::string& name : removed)
+        paths << NativePath::decode(tree.bytes(QByteArray::fromStdString(name)));
+
+    EXPECT_EQ(runner.run(AdminScript::forRemoval(paths)), AdminOutcome::Succeeded);
+    EXPECT_EQ(tree.listing(), test::TempTree::without(before, removed));
 }
 
-TEST(StorageVolumeCapacityTest, ReadsTheRootVolume)
+TEST(StorageVolumeCapacityTest, ReadsTheRootVolumeAndNothingForAPathThatIsNone)
 {
     const StorageVolumeCapacity volume;
     const VolumeFigures figures = volume.figures(QStringLiteral("/"));
@@ -68,17 +62,11 @@ TEST(StorageVolumeCapacityTest, ReadsTheRootVolume)
     EXPECT_GT(*figures.total, 0);
     EXPECT_LE(*figures.available, *figures.total);
     EXPECT_FALSE(figures.importantUsage);
-
     const DiskInfo info = DiskInfo::current(volume);
     EXPECT_GT(info.fraction(), 0.0);
     EXPECT_LE(info.fraction(), 1.0);
-}
 
-TEST(StorageVolumeCapacityTest, UnreadablePathGivesNothingAndDiskInfoZero)
-{
-    const StorageVolumeCapacity volume;
-    const VolumeFigures figures = volume.figures(QStringLiteral("/no/such/volume/here"));
-    EXPECT_EQ(DiskInfo::fromFigures(figures).fraction(), 0.0);
+    EXPECT_EQ(DiskInfo::fromFigures(volume.figures(QStringLiteral("/no/such/volume/here"))).fraction(), 0.0);
 }
 
 } // namespace

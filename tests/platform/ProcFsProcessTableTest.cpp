@@ -20,11 +20,9 @@ namespace {
 
 const QByteArray kStat = "42 (a) (b c) S 1 42 42 0 -1 4194560 100 0 0 0 250 50 0 0 20 0 1 0 100 1000 10\n";
 
-using nubo::test::writeBytes;
-
 } // namespace
 
-TEST(ProcFsProcessTable, ABusyProcessInsideABundleIsCreditedAboutOneCoreAndForgottenWhenItEnds)
+TEST(ProcFsProcessTable, TheRealMachineCreditsABusyProcessToItsBundleAndForgetsItWhenItEnds)
 {
     // GIVEN a copy of the shell inside X.app/Contents/MacOS, spinning in a loop
     QTemporaryDir dir;
@@ -61,6 +59,10 @@ TEST(ProcFsProcessTable, ABusyProcessInsideABundleIsCreditedAboutOneCoreAndForgo
     child.kill();
     ASSERT_TRUE(child.waitForFinished());
     EXPECT_FALSE(sampler.sample(apps).contains(pid));
+
+    const UsageSampler::SystemMemory memory = UsageSampler::systemMemory(table);
+    EXPECT_GT(memory.used, 0);
+    EXPECT_LE(memory.used, memory.total);
 }
 
 TEST(ProcFsProcessTable, ReadsAProcTreeByteForByte)
@@ -73,12 +75,13 @@ TEST(ProcFsProcessTable, ReadsAProcTreeByteForByte)
         ASSERT_TRUE(proc.mkdir(QString::fromLatin1(name)));
     const QByteArray target = "/opt/Caf\xff.app/Contents/MacOS/-x \"\\\n";
     test::makeLink(target, QFile::encodeName(proc.filePath(QStringLiteral("42/exe"))));
-    writeBytes(proc.filePath(QStringLiteral("42/stat")), kStat);
-    writeBytes(
+    test::writeBytes(proc.filePath(QStringLiteral("42/stat")), kStat);
+    test::writeBytes(
         proc.filePath(QStringLiteral("42/status")),
         "Name:\tx\nVmRSS:\t  9000 kB\nRssAnon:\t    3000 kB\nRssFile:\t 6000 kB\nVmSwap:\t     100 kB\n");
-    writeBytes(proc.filePath(QStringLiteral("meminfo")),
-               "MemTotal:       16000000 kB\nMemFree:         1000000 kB\nMemAvailable:    6000000 kB\n");
+    test::writeBytes(
+        proc.filePath(QStringLiteral("meminfo")),
+        "MemTotal:       16000000 kB\nMemFree:         1000000 kB\nMemAvailable:    6000000 kB\n");
     const ProcFsProcessTable table(QFile::encodeName(root.path()));
 
     // THEN only the process ids are listed, and never more than the buffer holds
@@ -121,14 +124,6 @@ TEST(ProcFsProcessTable, AMissingProcTreeReadsAsNothing)
     const UsageSampler::SystemMemory memory = UsageSampler::systemMemory(table);
     EXPECT_EQ(memory.used, 0);
     EXPECT_GT(memory.total, 0);
-}
-
-TEST(ProcFsProcessTable, TheRealMachineHasSomeMemoryInUse)
-{
-    const ProcFsProcessTable table;
-    const UsageSampler::SystemMemory memory = UsageSampler::systemMemory(table);
-    EXPECT_GT(memory.used, 0);
-    EXPECT_LE(memory.used, memory.total);
 }
 
 TEST(ProcFsProcessTable, StatLinesAreReadFromAfterTheCommandName)

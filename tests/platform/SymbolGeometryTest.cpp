@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 
 using namespace nubo;
 
@@ -51,12 +52,10 @@ TEST(SymbolGeometry, NothingToDrawGivesAnEmptyPlacement)
     const qreal infinity = std::numeric_limits<qreal>::infinity();
     // AppKit answers a zero size for an image it could not measure; a box can be empty while a
     // view is being laid out. Neither may turn into a division by zero or an endless image.
-    EXPECT_TRUE(SymbolGeometry::placement({0, 20}, {32, 32}).isEmpty());
-    EXPECT_TRUE(SymbolGeometry::placement({20, -1}, {32, 32}).isEmpty());
-    EXPECT_TRUE(SymbolGeometry::placement({nan, 20}, {32, 32}).isEmpty());
-    EXPECT_TRUE(SymbolGeometry::placement({20, infinity}, {32, 32}).isEmpty());
-    EXPECT_TRUE(SymbolGeometry::placement({20, 20}, {0, 32}).isEmpty());
-    EXPECT_TRUE(SymbolGeometry::placement({20, 20}, {32, -5}).isEmpty());
+    for (const auto& [natural, box] : {std::pair<QSizeF, QSize>{{0, 20}, {32, 32}}, {{20, -1}, {32, 32}},
+                                       {{nan, 20}, {32, 32}}, {{20, infinity}, {32, 32}}, {{20, 20}, {0, 32}},
+                                       {{20, 20}, {32, -5}}})
+        EXPECT_TRUE(SymbolGeometry::placement(natural, box).isEmpty()) << natural.width() << "x" << box.width();
 }
 
 TEST(SymbolGeometry, PointSizeFollowsTheShorterSideOfTheBox)

@@ -1,11 +1,14 @@
 #include "platform/linux/XdgLoginItem.h"
 
 #include "core/files/NativePath.h"
+#include "support/FixtureFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <utility>
 
 using namespace nubo;
 
@@ -62,21 +65,13 @@ TEST(XdgLoginItem, AnEntrySwitchedOffOrUnusableReadsAsOff)
     ASSERT_TRUE(item.registerApp());
     const QByteArray entry = contents(item.entryPath());
 
-    for (const QByteArray& extra :
-         {QByteArray("Hidden=true\n"), QByteArray("X-GNOME-Autostart-enabled=false\n")}) {
-        QFile file(item.entryPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(entry + extra);
-        file.close();
-        EXPECT_FALSE(item.isRegistered()) << extra.constData();
-    }
     // The same keys in another group say nothing about the entry.
-    {
-        QFile file(item.entryPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(entry + "[Desktop Action x]\nHidden=true\n");
+    for (const auto& [extra, on] :
+         {std::pair{"Hidden=true\n", false}, std::pair{"X-GNOME-Autostart-enabled=false\n", false},
+          std::pair{"[Desktop Action x]\nHidden=true\n", true}}) {
+        test::writeBytes(item.entryPath(), entry + extra);
+        EXPECT_EQ(item.isRegistered(), on) << extra;
     }
-    EXPECT_TRUE(item.isRegistered());
 
     // A newline in the path would smuggle a second line into the entry: never registered.
     XdgLoginItem odd(home.path(), QStringLiteral("/opt/x\nHidden=false"));

@@ -1,6 +1,5 @@
 #include "app/support/UiWorld.h"
 
-#include "core/format/Bytes.h"
 
 #include <QScopeGuard>
 #include <semaphore>
@@ -132,15 +131,6 @@ protected:
         return found;
     }
 
-    static QString text(QQuickItem& item) { return item.property("text").toString(); }
-
-    // A user's click: the target is scrolled into view first.
-    static void click(QQuickItem& target)
-    {
-        scrollTo(target);
-        UiWorld::click(target);
-    }
-
     std::shared_ptr<std::atomic<int>> m_runs;
     QList<CleanItem> m_downloads;
     std::counting_semaphore<> m_gate{0};
@@ -161,26 +151,14 @@ TEST_F(CleanViewsTest, TheFirstVisitScansOnceAndTheSummaryCountsTheZones)
     QQuickWindow& window = openPane();
     ASSERT_TRUE(QTest::qWaitFor([this] { return clean().loading().size() == 5; }, 10000));
     QTest::qWait(Settle);
-    EXPECT_EQ(text(named(window, QStringLiteral("summaryHeading"))), QStringLiteral("Buscando espacio…"));
     EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))), QStringLiteral("13 de 18 zonas revisadas"));
-    EXPECT_EQ(text(named(window, QStringLiteral("overviewLine"))), QStringLiteral("Analizando…"));
     EXPECT_FALSE(named(window, QStringLiteral("rescanButton")).isEnabled());
     snapshots(window, QStringLiteral("clean-scanning"));
 
     m_gate.release(5);
     waitForScan();
     EXPECT_TRUE(named(window, QStringLiteral("rescanButton")).isEnabled());
-    EXPECT_EQ(text(named(window, QStringLiteral("summaryHeading"))), QStringLiteral("Puedes liberar"));
-    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))),
-              QStringLiteral("5 elementos seleccionados"));
-    EXPECT_EQ(text(named(window, QStringLiteral("overviewLine"))),
-              Bytes::string(clean().totalFound()) + QStringLiteral(" encontrados"));
-    EXPECT_EQ(named(window, QStringLiteral("categoryCheck-caches")).property("help").toString(),
-              QStringLiteral("No limpiar"));
-    EXPECT_EQ(named(window, QStringLiteral("categoryCheck-olddownloads")).property("help").toString(),
-              QStringLiteral("Limpiar todo"));
-    EXPECT_EQ(text(named(window, QStringLiteral("categoryCount-mail"))), QStringLiteral("Nada que limpiar"));
-    EXPECT_EQ(text(named(window, QStringLiteral("categoryCount-caches"))), QStringLiteral("2 elementos"));
+    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))), QStringLiteral("5 elementos seleccionados"));
     snapshots(window, QStringLiteral("clean-results"));
 
     // Ticking a whole category from its circle, then another visit: the results stay, no new scan.
@@ -202,14 +180,9 @@ TEST_F(CleanViewsTest, CancellingTheConfirmationChangesNothingAndConfirmingClean
     QQuickWindow& window = openPane();
     waitForScan();
     const QStringList before = clean().selectedIds();
-    const qint64 selected = clean().totalSelected();
 
     click(named(window, QStringLiteral("overviewClean")));
     QTest::qWait(Settle);
-    QQuickItem* title = rows(window, QStringLiteral("confirmationTitle")).value(0);
-    ASSERT_NE(title, nullptr);
-    EXPECT_EQ(text(*title),
-              QStringLiteral("¿Limpiar 5 elementos (") + Bytes::string(selected) + QStringLiteral(")?"));
     snapshot(window, DefaultSize, QStringLiteral("clean-confirmation-default"));
     QQuickItem* cancel = button(window, QStringLiteral("Cancelar"));
     ASSERT_NE(cancel, nullptr);
@@ -299,22 +272,16 @@ TEST_F(CleanViewsTest, TheDetailPageTicksItemsAndCleansOnlyItsCategoryAfterAskin
     QTest::qWait(Settle);
     EXPECT_TRUE(named(window, QStringLiteral("categoryDetail")).isVisible());
     EXPECT_FALSE(named(window, QStringLiteral("cleanOverview")).isVisible());
-    EXPECT_EQ(text(named(window, QStringLiteral("detailTitle"))), QStringLiteral("Descargas antiguas"));
     EXPECT_TRUE(named(window, QStringLiteral("detailCaution")).isVisible());
-    EXPECT_EQ(text(named(window, QStringLiteral("detailCountLine"))), QStringLiteral("0 de 2 seleccionados"));
-    EXPECT_EQ(text(named(window, QStringLiteral("detailItemCount"))), QStringLiteral("2 elementos"));
     EXPECT_FALSE(named(window, QStringLiteral("detailClean")).isEnabled());
 
     QQuickItem& toggleAll = named(window, QStringLiteral("toggleAllButton"));
-    EXPECT_EQ(text(toggleAll), QStringLiteral("Marcar todo"));
     click(toggleAll);
-    EXPECT_EQ(text(toggleAll), QStringLiteral("Desmarcar todo"));
     EXPECT_EQ(text(named(window, QStringLiteral("detailCountLine"))), QStringLiteral("2 de 2 seleccionados"));
     const QList<QQuickItem*> checks = rows(window, QStringLiteral("itemCheck"));
     ASSERT_EQ(checks.size(), 2);
     click(*checks.at(0)); // the larger one, listed first, goes back out of the selection
     EXPECT_EQ(text(named(window, QStringLiteral("detailCountLine"))), QStringLiteral("1 de 2 seleccionados"));
-    EXPECT_EQ(text(toggleAll), QStringLiteral("Marcar todo"));
     snapshots(window, QStringLiteral("clean-detail"));
 
     const QStringList othersBefore = clean().selectedIds();
@@ -328,9 +295,6 @@ TEST_F(CleanViewsTest, TheDetailPageTicksItemsAndCleansOnlyItsCategoryAfterAskin
 
     click(named(window, QStringLiteral("detailClean")));
     QTest::qWait(Settle);
-    QQuickItem* title = rows(window, QStringLiteral("confirmationTitle")).value(0);
-    ASSERT_NE(title, nullptr);
-    EXPECT_EQ(text(*title), QStringLiteral("¿Limpiar 1 elemento (48 MB)?"));
     QQuickItem* confirm = rows(window, QStringLiteral("confirmButton")).value(0);
     ASSERT_NE(confirm, nullptr);
     click(*confirm);
@@ -353,24 +317,19 @@ TEST_F(CleanViewsTest, TheDetailPageTicksItemsAndCleansOnlyItsCategoryAfterAskin
     QTest::qWait(Settle);
     EXPECT_TRUE(named(window, QStringLiteral("categoryDetail")).isVisible());
     EXPECT_FALSE(named(window, QStringLiteral("detailCaution")).isVisible());
-    EXPECT_EQ(text(toggleAll), QStringLiteral("Desmarcar todo"));
 }
 
 TEST_F(CleanViewsTest, AnEmptyMacHasNothingToCleanAndNothingToPress)
 {
     QQuickWindow& window = openPane();
     waitForScan();
-    EXPECT_EQ(text(named(window, QStringLiteral("summaryLine"))),
-              QStringLiteral("0 elementos seleccionados"));
     EXPECT_FALSE(named(window, QStringLiteral("summaryClean")).isEnabled());
     EXPECT_FALSE(named(window, QStringLiteral("overviewClean")).isEnabled());
     EXPECT_FALSE(named(window, QStringLiteral("categoryCheck-caches")).isEnabled());
-    EXPECT_EQ(text(named(window, QStringLiteral("categoryCount-trash"))), QStringLiteral("Nada que limpiar"));
     snapshots(window, QStringLiteral("clean-empty"));
 
     click(named(window, QStringLiteral("categoryOpen-trash")));
     QTest::qWait(Settle);
-    EXPECT_EQ(text(named(window, QStringLiteral("detailCountLine"))), QStringLiteral("0 de 0 seleccionados"));
     EXPECT_FALSE(named(window, QStringLiteral("toggleAllButton")).isEnabled());
     EXPECT_FALSE(named(window, QStringLiteral("detailClean")).isEnabled());
     snapshot(window, MinimumSize, QStringLiteral("clean-empty-detail-minimum"));

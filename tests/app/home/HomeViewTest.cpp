@@ -12,19 +12,6 @@ using namespace nubo::test;
 
 namespace {
 
-// Items a view creates from a model (list rows, repeated rows) hang below their parent item
-// only, not below it as objects: look for them along the item tree.
-QQuickItem* shown(QQuickItem* root, const QString& objectName)
-{
-    if (root->objectName() == objectName)
-        return root;
-    for (QQuickItem* child : root->childItems()) {
-        if (QQuickItem* found = shown(child, objectName))
-            return found;
-    }
-    return nullptr;
-}
-
 // The home screen in the main window over a prepared machine: a safe category with real cache
 // folders (one with an awkward name), three categories worth reviewing, one just under the line,
 // and five applications nobody opened.
@@ -102,14 +89,11 @@ TEST_F(HomeViewTest, BeforeAndAfterAnAnalysis)
     EXPECT_TRUE(item(window, QStringLiteral("introduction"))->isVisible());
     EXPECT_FALSE(item(window, QStringLiteral("safeCleanButton"))->isEnabled());
     EXPECT_EQ(recommendationTitles(window), QStringList{QStringLiteral("map")});
-    EXPECT_EQ(item(window, QStringLiteral("diskPercent"))->property("text").toString(), QStringLiteral("82 %"));
     snapshots(window, QStringLiteral("home-before"));
 
     analyseFromTheScreen(window);
     EXPECT_TRUE(again->isEnabled());
     EXPECT_FALSE(item(window, QStringLiteral("introduction"))->isVisible());
-    EXPECT_EQ(item(window, QStringLiteral("headline"))->property("text").toString(),
-              QStringLiteral("8,82 GB que puedes recuperar"));
     EXPECT_EQ(item(window, QStringLiteral("safeCleanButton"))->property("text").toString(),
               QStringLiteral("Limpiar 2,32 GB"));
     // Largest first; the category a byte under 50 MiB is left out; the map comes last.
@@ -120,7 +104,7 @@ TEST_F(HomeViewTest, BeforeAndAfterAnAnalysis)
     snapshots(window, QStringLiteral("home-after"));
 
     // A recommendation's button goes where it says.
-    QQuickItem* unused = shown(window.contentItem(), QStringLiteral("action:unused"));
+    QQuickItem* unused = visual(window.contentItem(), QStringLiteral("action:unused"));
     ASSERT_NE(unused, nullptr);
     click(*unused);
     EXPECT_EQ(state().section(), QStringLiteral("apps"));
@@ -137,15 +121,11 @@ TEST_F(HomeViewTest, TheSafeCleanAsksFirstAndCancelDeletesNothing)
 
     click(*clean);
     ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
-    auto* title = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmationTitle"));
-    ASSERT_NE(title, nullptr);
-    EXPECT_EQ(title->property("text").toString(), QStringLiteral("¿Limpiar 3 elementos (2,32 GB)?"));
     snapshots(window, QStringLiteral("home-confirmation"));
 
     // "Cancelar" only closes the question.
     auto* cancel = confirmation->findChild<QQuickItem*>(QStringLiteral("cancelButton"));
     ASSERT_NE(cancel, nullptr);
-    EXPECT_EQ(cancel->property("text").toString(), QStringLiteral("Cancelar"));
     click(*cancel);
     ASSERT_TRUE(eventually([&] { return !confirmation->property("visible").toBool(); }));
     QTest::qWait(Settle);

@@ -166,8 +166,6 @@ TEST_F(MapViewsTest, TheHomeMapWithMarksAndAHoveredBubble)
     ASSERT_NE(map().hovered(), nullptr);
     EXPECT_EQ(map().hovered()->name(), QStringLiteral("Projects"));
     EXPECT_EQ(map().inspectedName(), QStringLiteral("Projects"));
-    EXPECT_EQ(item(window, QStringLiteral("selectionCount"))->property("text").toString(),
-              QStringLiteral("2 elementos"));
     const QImage picture = snapshot(window, DefaultSize, QStringLiteral("map-home-default"));
     EXPECT_GT(distinctColours(picture), 40) << "the map looks empty";
     hover(window, bubble(window, QStringLiteral("Projects")));
@@ -190,8 +188,6 @@ TEST_F(MapViewsTest, TheInspectorBreaksTheHoveredFolderDownByKind)
     const QVariantList segments = map().breakdown();
     EXPECT_GE(segments.size(), 3);
     EXPECT_EQ(map().inspectedName(), QStringLiteral("Projects"));
-    EXPECT_EQ(item(window, QStringLiteral("inspectedCount"))->property("text").toString(),
-              QStringLiteral("4 archivos"));
     snapshot(window, DefaultSize, QStringLiteral("map-inspector-default"));
     // The smaller window moves the bubbles: the pointer finds the folder again.
     window.resize(MinimumSize);
@@ -212,8 +208,6 @@ TEST_F(MapViewsTest, TappingOpensFoldersMarksFilesAndLeavesTheRestAlone)
     EXPECT_TRUE(map().isMarked(child(QStringLiteral("backup.tar"))));
     QTest::qWait(Settle);
     EXPECT_TRUE(item(window, QStringLiteral("selectionBar"))->isVisible());
-    EXPECT_EQ(item(window, QStringLiteral("selectionCount"))->property("text").toString(),
-              QStringLiteral("1 elemento"));
 
     // An aggregate and a protected folder with nothing to open: nothing happens.
     clickAt(window, bubble(window, aggregateName()));
@@ -248,9 +242,6 @@ TEST_F(MapViewsTest, DeletingTheMarksAsksFirstAndRemovesOnlyThem)
     ASSERT_NE(confirmation, nullptr);
     EXPECT_TRUE(confirmation->property("visible").toBool());
     QQuickItem* confirm = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmButton"));
-    QQuickItem* title = confirmation->findChild<QQuickItem*>(QStringLiteral("confirmationTitle"));
-    ASSERT_NE(title, nullptr);
-    EXPECT_TRUE(title->property("text").toString().startsWith(QStringLiteral("¿Eliminar 1 elemento (")));
     ASSERT_NE(confirm, nullptr);
     QMetaObject::invokeMethod(confirm, "clicked");
     ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isDeleting() && map().markedCount() == 0; }, 10000));

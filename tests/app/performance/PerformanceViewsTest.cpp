@@ -118,13 +118,6 @@ protected:
         return shown;
     }
 
-    static QString text(QQuickItem* item) { return item ? item->property("text").toString() : QStringLiteral("<missing>"); }
-
-    static QQuickItem* in(QQuickItem* parent, const char* name)
-    {
-        return visual(parent, QString::fromUtf8(name));
-    }
-
     static QQuickItem* launchRow(QQuickWindow& window, const char* label)
     {
         return visual(window.contentItem(), QStringLiteral("launchItem-") + QString::fromUtf8(label));
@@ -180,8 +173,6 @@ TEST_F(PerformanceViewsTest, FirstShowingLoadsOnceAndSearchingGivesWayToTheItems
 
     QQuickItem* dropbox = launchRow(*window, "com.dropbox.agent");
     ASSERT_NE(dropbox, nullptr);
-    EXPECT_EQ(text(in(dropbox, "itemName")), QStringLiteral("Dropbox"));
-    EXPECT_EQ(text(in(dropbox, "itemDetails")), QStringLiteral("Tu usuario · com.dropbox.agent"));
     EXPECT_TRUE(in(dropbox, "runningTag")->isVisible());
     EXPECT_FALSE(in(dropbox, "itemLock")->isVisible());
     QQuickItem* daemon = launchRow(*window, "com.vendor.daemon");
@@ -189,8 +180,6 @@ TEST_F(PerformanceViewsTest, FirstShowingLoadsOnceAndSearchingGivesWayToTheItems
     EXPECT_TRUE(in(daemon, "itemLock")->isVisible());
     EXPECT_FALSE(in(daemon, "runningTag")->isVisible());
     EXPECT_EQ(text(in(launchRow(*window, "org.old.helper"), "toggle")), QStringLiteral("Activar"));
-    EXPECT_EQ(text(in(daemon, "toggle")), QStringLiteral("Desactivar"));
-    EXPECT_EQ(text(in(task(*window, "snapshots"), "taskExtra")), QStringLiteral("1 instantánea en el disco. "));
     snapshots(*window, QStringLiteral("performance-results"));
 
     // "Actualizar" reads everything again; the login-items link opens the settings page.
@@ -215,9 +204,6 @@ TEST_F(PerformanceViewsTest, WithNothingInstalledOrNoModelTheScreenSaysSo)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !m_model->isLoading(); }, 15000));
     snapshots(*window, QStringLiteral("performance-empty"));
     EXPECT_TRUE(item(*window, QStringLiteral("noItems"))->isVisible());
-    EXPECT_EQ(text(item(*window, QStringLiteral("activeCount"))), QStringLiteral("0 ítems de inicio activos"));
-    EXPECT_EQ(text(in(task(*window, "snapshots"), "taskExtra")),
-              QStringLiteral("No hay instantáneas locales ahora mismo."));
 
     state().setSection(QStringLiteral("performance"));
     QQuickWindow& main = mainWindow();
@@ -245,7 +231,6 @@ TEST_F(PerformanceViewsTest, RemovalAsksFirstAndCancelLeavesTheItemAndItsFile)
     // WHEN "Eliminar" is chosen in the menu THEN only the question shows.
     askToRemove();
     ASSERT_TRUE(removal->property("visible").toBool());
-    EXPECT_EQ(text(item(*window, QStringLiteral("removalTitle"))), QStringLiteral("¿Eliminar «Sync»?"));
     snapshots(*window, QStringLiteral("performance-removal"));
     EXPECT_TRUE(QFile::exists(file));
 

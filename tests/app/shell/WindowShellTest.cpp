@@ -18,19 +18,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Items a view creates from a model (list rows, repeated rows) hang below their parent item
-// only, not below it as objects: look for them along the item tree.
-QQuickItem* shown(QQuickItem* root, const QString& objectName)
-{
-    if (root->objectName() == objectName)
-        return root;
-    for (QQuickItem* child : root->childItems()) {
-        if (QQuickItem* found = shown(child, objectName))
-            return found;
-    }
-    return nullptr;
-}
-
 constexpr qint64 MiB = 1'048'576;
 
 // The main window with its shell controller over a fake platform shell; the state is made here
@@ -80,13 +67,6 @@ protected:
         return window.findChild<QObject*>(QStringLiteral("permissionSheet"));
     }
 
-    void release(QQuickWindow& window, const QString& objectName)
-    {
-        QQuickItem* target = shown(window.contentItem(), objectName);
-        ASSERT_NE(target, nullptr) << objectName.toStdString();
-        click(*target);
-    }
-
     std::atomic<bool> m_granted = false;
     std::atomic<int> m_probes = 0;
     Privacy m_probePrivacy{QStringLiteral("/nowhere"), [this] {
@@ -105,7 +85,7 @@ TEST_F(WindowShellTest, ClickingASidebarRowSwitchesThePane)
 {
     QQuickWindow& window = shellWindow(grantedState());
     for (const char* pane : {"map", "performance", "home"}) {
-        release(window, QStringLiteral("pane:") + QString::fromUtf8(pane));
+        click(named(window, QStringLiteral("pane:") + QString::fromUtf8(pane)));
         EXPECT_EQ(ownState().section(), QString::fromUtf8(pane));
     }
     EXPECT_EQ(ownState().sectionIndex(), 0);
@@ -114,11 +94,11 @@ TEST_F(WindowShellTest, ClickingASidebarRowSwitchesThePane)
 TEST_F(WindowShellTest, TheCleanBadgeFollowsTheSelectionAndTheMapBadgeCountsMarks)
 {
     QQuickWindow& window = shellWindow(grantedState());
-    QQuickItem* cleanRow = shown(window.contentItem(), QStringLiteral("pane:clean"));
-    QQuickItem* mapRow = shown(window.contentItem(), QStringLiteral("pane:map"));
+    QQuickItem* cleanRow = visual(window.contentItem(), QStringLiteral("pane:clean"));
+    QQuickItem* mapRow = visual(window.contentItem(), QStringLiteral("pane:map"));
     ASSERT_TRUE(cleanRow && mapRow);
-    QQuickItem* cleanBadge = shown(cleanRow, QStringLiteral("badge"));
-    QQuickItem* mapBadge = shown(mapRow, QStringLiteral("badge"));
+    QQuickItem* cleanBadge = visual(cleanRow, QStringLiteral("badge"));
+    QQuickItem* mapBadge = visual(mapRow, QStringLiteral("badge"));
     ASSERT_TRUE(cleanBadge && mapBadge);
     EXPECT_FALSE(cleanBadge->isVisible());
     EXPECT_FALSE(mapBadge->isVisible());
@@ -163,12 +143,12 @@ TEST_F(WindowShellTest, NotNowClosesTheGuidanceWithoutTouchingAccess)
     snapshots(window, QStringLiteral("permission-sheet"));
     EXPECT_TRUE(item(window, QStringLiteral("fullDiskAccessCard"))->isVisible());
 
-    release(window, QStringLiteral("openSettingsButton"));
+    click(named(window, QStringLiteral("openSettingsButton")));
     EXPECT_EQ(m_openPages.openedUrls.size(), 1);
     EXPECT_TRUE(guidance->property("visible").toBool()) << "opening the settings keeps the sheet";
 
     const int probes = m_probes;
-    release(window, QStringLiteral("notNowButton"));
+    click(named(window, QStringLiteral("notNowButton")));
     QTest::qWait(Settle);
     EXPECT_FALSE(ownState().showPermissions());
     EXPECT_FALSE(guidance->property("visible").toBool());
@@ -176,7 +156,7 @@ TEST_F(WindowShellTest, NotNowClosesTheGuidanceWithoutTouchingAccess)
     EXPECT_EQ(m_probes, probes) << "dismissing probes nothing";
     // The card stays as the reminder, and its check finds nothing new.
     EXPECT_TRUE(item(window, QStringLiteral("fullDiskAccessCard"))->isVisible());
-    release(window, QStringLiteral("cardCheck"));
+    click(named(window, QStringLiteral("cardCheck")));
     EXPECT_EQ(m_probes, probes + 1);
     EXPECT_FALSE(ownState().showPermissions());
 }
@@ -237,10 +217,10 @@ TEST_F(WindowShellTest, MenuCommandsScanAgainClimbAndOfferOnlyWhatExists)
     EXPECT_FALSE(ownState().map()->canGoUp());
 
     // The window's own menu: no updater here, no tray in the test, so the panel is offered.
-    release(window, QStringLiteral("appMenuButton"));
+    click(named(window, QStringLiteral("appMenuButton")));
     QTest::qWait(Settle);
-    QQuickItem* updates = shown(window.contentItem(), QStringLiteral("menuUpdates"));
-    QQuickItem* panel = shown(window.contentItem(), QStringLiteral("menuPanel"));
+    QQuickItem* updates = visual(window.contentItem(), QStringLiteral("menuUpdates"));
+    QQuickItem* panel = visual(window.contentItem(), QStringLiteral("menuPanel"));
     ASSERT_TRUE(updates && panel);
     EXPECT_FALSE(updates->isVisible());
     EXPECT_TRUE(panel->isVisible());

@@ -86,8 +86,14 @@ QQuickItem* UiWorld::item(QObject& root, const QString& objectName)
 
 void UiWorld::click(QQuickItem& target, Qt::MouseButton button)
 {
+    scrollTo(target);
     const QPointF centre = target.mapToScene(QPointF(target.width() / 2, target.height() / 2));
     QTest::mouseClick(target.window(), button, Qt::NoModifier, centre.toPoint());
+}
+
+QString UiWorld::text(const QQuickItem* item)
+{
+    return item ? item->property("text").toString() : QStringLiteral("<missing>");
 }
 
 QList<QQuickItem*> UiWorld::drawn(QQuickWindow& window)

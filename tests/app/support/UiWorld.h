@@ -36,9 +36,14 @@ protected:
 
     /// The item named `objectName` below `root`; nullptr when there is none.
     static QQuickItem* item(QObject& root, const QString& objectName);
-    /// Clicks the middle of a visible item with the mouse, the way a user would: a disabled or
-    /// covered control does not react.
+    /// Scrolls the item into view and clicks its middle with the mouse, the way a user would: a
+    /// disabled or covered control does not react.
     static void click(QQuickItem& target, Qt::MouseButton button = Qt::LeftButton);
+    /// The item's "text", or "<missing>" for no item, so that a lost control fails by its name.
+    static QString text(const QQuickItem* item);
+    static QString text(const QQuickItem& item) { return text(&item); }
+    /// `visual` for a name written in the test.
+    static QQuickItem* in(QQuickItem* parent, const char* name) { return visual(parent, QString::fromUtf8(name)); }
 
     /// Every item the window draws, in visual-tree order: the rows that lists and repeaters create
     /// are not children of the window in the object tree, so `item` cannot find them.

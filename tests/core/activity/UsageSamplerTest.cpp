@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QMap>
 
 #include <limits>
+#include <tuple>
 
 using namespace nubo;
 
@@ -58,90 +60,74 @@ TEST_F(UsageSamplerTest, HelpersInsideTheBundleCountTowardsTheirApplication)
     EXPECT_EQ(second.value(100).memory, qint64(175 * kMiB));
 }
 
-TEST_F(UsageSamplerTest, AnApplicationInsideAnotherKeepsItsOwnProcessesInEitherOrder)
+// Each row: the running processes (id, executable as the kernel gives it, memory), the
+// applications asked about, and the memory each measurable one must get; the others are left out.
+// Every row is asked in both orders of its applications.
+TEST(UsageSamplerAttribution, EachApplicationGetsTheProcessesOfItsOwnBundleOnly)
 {
-    table.add(100, kFoo + "/Contents/MacOS/Foo", 0, 10);
-    table.add(300, kFoo + "/Contents/Applications/Inner.app/Contents/MacOS/Inner", 0, 7);
-    table.add(301, kFoo + "/Contents/Applications/Inner.app/Contents/Helpers/inner-helper", 0, 3);
-    const UsageSampler::App outer{100, QString::fromLatin1(kFoo)};
-    const UsageSampler::App inner{300, QString::fromLatin1(kFoo + "/Contents/Applications/Inner.app")};
-
-    for (const QList<UsageSampler::App>& apps : {QList{outer, inner}, QList{inner, outer}}) {
-        UsageSampler sampler(table);
-        const auto usage = sampler.sample(apps);
-        EXPECT_EQ(usage.value(100).memory, 10);
-        EXPECT_EQ(usage.value(300).memory, 10);
-    }
-}
-
-TEST_F(UsageSamplerTest, BundlesMatchWholeFolderNamesOnly)
-{
-    // GIVEN Foo.app and Foo.app2 side by side, one listed with a trailing slash, and entries that
-    // must never match everything (an empty bundle, the root, a relative path)
-    table.add(100, kFoo + "/Contents/MacOS/Foo", 0, 1);
-    table.add(200, kFoo + "2/Contents/MacOS/Foo2", 0, 2);
-    table.add(300, "/usr/bin/other", 0, 4);
-    // and a background tool beside Foo.app that is no listed application
-    table.add(700, "/Applications/Foo.appendix/Contents/MacOS/agent", 0, 8);
-    UsageSampler sampler(table);
-
-    const auto usage = sampler.sample({{100, QString::fromLatin1(kFoo)},
-                                       {200, QString::fromLatin1(kFoo + "2/")},
-                                       {400, QString()},
-                                       {500, QStringLiteral("/")},
-                                       {600, QStringLiteral("usr")}});
-
-    EXPECT_EQ(usage.value(100).memory, 1);
-    EXPECT_EQ(usage.value(200).memory, 2);
-    EXPECT_FALSE(usage.contains(400));
-    EXPECT_FALSE(usage.contains(500));
-    EXPECT_FALSE(usage.contains(600));
-}
-
-TEST_F(UsageSamplerTest, NamesThatAreNotUtf8AreNeverCreditedToTheWrongApplication)
-{
-    // GIVEN two bundles whose names differ only in bytes that are not UTF-8: both decode to the
-    // same text, as the workspace would hand them over
-    const QByteArray a = "/Applications/Caf\xff.app";
-    const QByteArray b = "/Applications/Caf\xfe.app";
-    table.add(100, a + "/Contents/MacOS/app", 0, 1);
-    table.add(200, b + "/Contents/MacOS/app", 0, 2);
-    // and a path cut short by a zero byte, which must be judged by what comes before it
-    table.add(300, QByteArray("/Applications/Plain.app\0/Contents/MacOS/x", 41), 0, 4);
-    table.add(301, QByteArray("/Applications/Plain.app/Contents/MacOS/y\0junk", 45), 0, 8);
-    ASSERT_EQ(QFile::decodeName(a), QFile::decodeName(b));
-    UsageSampler sampler(table);
-
-    const auto usage = sampler.sample({{100, QFile::decodeName(a)},
-                                       {200, QFile::decodeName(b)},
-                                       {300, QStringLiteral("/Applications/Plain.app")}});
-
-    // THEN neither takes the other's processes (both are simply not measurable)
-    EXPECT_FALSE(usage.contains(100));
-    EXPECT_FALSE(usage.contains(200));
-    EXPECT_EQ(usage.value(300).memory, 8);
-}
-
-TEST_F(UsageSamplerTest, AccentedNamesMatchComposedOrDecomposedButTheExactSpellingWins)
-{
+    const QByteArray foo = kFoo;
+    const QString fooText = QString::fromLatin1(kFoo);
+    const QByteArray latin1 = "/Applications/Caf\xff.app";
+    const QByteArray other = "/Applications/Caf\xfe.app";
+    ASSERT_EQ(QFile::decodeName(latin1), QFile::decodeName(other)); // the workspace hands both over alike
     const QString composed = QStringLiteral("/Applications/Caf\u00e9.app");
     const QString decomposed = QStringLiteral("/Applications/Cafe\u0301.app");
-    table.add(100, QFile::encodeName(decomposed) + "/Contents/MacOS/Cafe", 0, 1);
-
-    // GIVEN the workspace spells the bundle composed while the kernel spells it decomposed
+    struct Row
     {
-        UsageSampler sampler(table);
-        EXPECT_EQ(sampler.sample({{100, composed}}).value(100).memory, 1);
-    }
-
-    // GIVEN two distinct folders, one spelt each way, both running (possible where names are bytes)
-    table.add(200, QFile::encodeName(composed) + "/Contents/MacOS/Cafe", 0, 2);
-    for (const QList<UsageSampler::App>& apps : {QList<UsageSampler::App>{{100, decomposed}, {200, composed}},
-                                                 {{200, composed}, {100, decomposed}}}) {
-        UsageSampler sampler(table);
-        const auto usage = sampler.sample(apps);
-        EXPECT_EQ(usage.value(100).memory, 1);
-        EXPECT_EQ(usage.value(200).memory, 2);
+        const char* why;
+        QList<std::tuple<qint32, QByteArray, quint64>> processes;
+        QList<UsageSampler::App> apps;
+        QMap<qint32, qint64> memory;
+    };
+    const Row rows[] = {
+        {"an application inside another keeps its own processes",
+         {{100, foo + "/Contents/MacOS/Foo", 10},
+          {300, foo + "/Contents/Applications/Inner.app/Contents/MacOS/Inner", 7},
+          {301, foo + "/Contents/Applications/Inner.app/Contents/Helpers/inner-helper", 3}},
+         {{100, fooText}, {300, fooText + QStringLiteral("/Contents/Applications/Inner.app")}},
+         {{100, 10}, {300, 10}}},
+        {"whole folder names only; an empty bundle, the root or a relative path match nothing",
+         {{100, foo + "/Contents/MacOS/Foo", 1},
+          {200, foo + "2/Contents/MacOS/Foo2", 2},
+          {300, "/usr/bin/other", 4},
+          {700, "/Applications/Foo.appendix/Contents/MacOS/agent", 8}},
+         {{100, fooText},
+          {200, fooText + QStringLiteral("2/")},
+          {400, QString()},
+          {500, QStringLiteral("/")},
+          {600, QStringLiteral("usr")}},
+         {{100, 1}, {200, 2}}},
+        {"names that differ only in bytes that are not UTF-8 are not measurable; a path is judged up to "
+         "a zero byte",
+         {{100, latin1 + "/Contents/MacOS/app", 1},
+          {200, other + "/Contents/MacOS/app", 2},
+          {300, QByteArray("/Applications/Plain.app\0/Contents/MacOS/x", 41), 4},
+          {301, QByteArray("/Applications/Plain.app/Contents/MacOS/y\0junk", 45), 8}},
+         {{100, QFile::decodeName(latin1)},
+          {200, QFile::decodeName(other)},
+          {300, QStringLiteral("/Applications/Plain.app")}},
+         {{300, 8}}},
+        {"the workspace spells an accent composed, the kernel decomposed",
+         {{100, QFile::encodeName(decomposed) + "/Contents/MacOS/Cafe", 1}},
+         {{100, composed}},
+         {{100, 1}}},
+        {"two folders, one spelt each way: the exact spelling wins",
+         {{100, QFile::encodeName(decomposed) + "/Contents/MacOS/Cafe", 1},
+          {200, QFile::encodeName(composed) + "/Contents/MacOS/Cafe", 2}},
+         {{100, decomposed}, {200, composed}},
+         {{100, 1}, {200, 2}}},
+    };
+    for (const Row& row : rows) {
+        FakeProcessTable table;
+        for (const auto& [pid, executable, memory] : row.processes)
+            table.add(pid, executable, 0, memory);
+        for (const QList<UsageSampler::App>& apps : {row.apps, QList(row.apps.rbegin(), row.apps.rend())}) {
+            UsageSampler sampler(table);
+            QMap<qint32, qint64> memory;
+            for (const auto& [pid, usage] : sampler.sample(apps).asKeyValueRange())
+                memory.insert(pid, usage.memory);
+            EXPECT_EQ(memory, row.memory) << row.why;
+        }
     }
 }
 
@@ -179,8 +165,11 @@ TEST_F(UsageSamplerTest, AProcessLeftOutOfOneSampleStartsAgainAtZero)
     const QList<UsageSampler::App> apps = {{100, QString::fromLatin1(kFoo)}};
     sampler.sample(apps);
 
+    // No applications: nothing measured and no process asked about.
+    const int queries = table.pathQueries;
     advance(kSecond, {{100, kSecond}});
     EXPECT_TRUE(sampler.sample({}).isEmpty());
+    EXPECT_EQ(table.pathQueries, queries);
     advance(kSecond, {{100, kSecond}});
     EXPECT_EQ(sampler.sample(apps).value(100).cpu, 0.0);
     advance(kSecond, {{100, kSecond}});
@@ -242,15 +231,7 @@ TEST_F(UsageSamplerTest, AtMostTheFirst4096ProcessesAreConsidered)
     EXPECT_EQ(table.pathQueries, UsageSampler::kMaxProcesses);
 }
 
-TEST_F(UsageSamplerTest, NoApplicationsMeansNoProcessQueries)
-{
-    table.add(100, kFoo + "/Contents/MacOS/Foo", 0, 1);
-    UsageSampler sampler(table);
-    EXPECT_TRUE(sampler.sample({}).isEmpty());
-    EXPECT_EQ(table.pathQueries, 0);
-}
-
-TEST(UsageSamplerSystemMemory, UsedIsHeldMemoryLessPurgeableTimesThePageSize)
+TEST(UsageSamplerSystemMemory, UsedIsHeldMemoryLessPurgeableAndNeverWrapsOrGoesNegative)
 {
     FakeProcessTable table;
     table.physical = 8LL * 1024 * kMiB;
@@ -277,14 +258,10 @@ TEST(UsageSamplerSystemMemory, UsedIsHeldMemoryLessPurgeableTimesThePageSize)
     pages.internal = quint64(1) << 60;
     table.pages = pages;
     EXPECT_EQ(UsageSampler::systemMemory(table).used, 0);
-}
 
-TEST(UsageSamplerSystemMemory, FailedStatisticsGiveZeroUsedAndThePhysicalTotal)
-{
-    FakeProcessTable table;
-    table.physical = 4LL * 1024 * kMiB;
+    // Failed statistics: nothing used, the physical total still shown.
     table.pages.reset();
-    EXPECT_EQ(UsageSampler::systemMemory(table), (UsageSampler::SystemMemory{0, 4LL * 1024 * kMiB}));
+    EXPECT_EQ(UsageSampler::systemMemory(table), (UsageSampler::SystemMemory{0, table.physical}));
 }
 
 TEST(UsageSamplerDeathTest, AClockThatRunsBackwardsOrAZeroTimebaseStopsTheProgram)

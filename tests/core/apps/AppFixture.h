@@ -97,12 +97,6 @@ protected:
         return *m_catalog;
     }
 
-    const Safety& safety()
-    {
-        catalog();
-        return *m_safety;
-    }
-
     static QStringList paths(const QList<CleanItem>& items)
     {
         QStringList list;
@@ -114,11 +108,12 @@ protected:
     /// What every list of items must hold: no path twice, nothing the safety gate refuses.
     void expectSoundItems(const QList<CleanItem>& items)
     {
+        catalog();
         const QStringList list = paths(items);
         EXPECT_EQ(QSet<QString>(list.cbegin(), list.cend()).size(), list.size())
             << list.join(QLatin1Char('\n')).toStdString();
         for (const CleanItem& item : items) {
-            EXPECT_TRUE(safety().isAllowed(item.id)) << item.id.toStdString();
+            EXPECT_TRUE(m_safety->isAllowed(item.id)) << item.id.toStdString();
             EXPECT_EQ(item.url(), item.id);
         }
         for (qsizetype i = 1; i < items.size(); ++i)

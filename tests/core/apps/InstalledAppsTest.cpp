@@ -11,6 +11,7 @@ namespace {
 class InstalledApps : public AppTree
 {
 protected:
+    QStringList names() { return names(catalog().load()); }
     static QStringList names(const QList<InstalledApp>& apps)
     {
         QStringList list;
@@ -18,27 +19,14 @@ protected:
             list << app.name;
         return list;
     }
-
-    static std::optional<InstalledApp> find(const QList<InstalledApp>& apps, const QString& url)
-    {
-        for (const InstalledApp& app : apps) {
-            if (app.url == url)
-                return app;
-        }
-        return std::nullopt;
-    }
 };
 
 } // namespace
 
-TEST_F(InstalledApps, SearchRootsAreTheSystemFolderThenTheUsersOwn)
-{
-    EXPECT_EQ(catalog().searchRoots(),
-              (QStringList{roots.applications, roots.home + QStringLiteral("/Applications")}));
-}
-
 TEST_F(InstalledApps, ListsBundlesTwoLevelsDownButNotThreeNorLinksNorOtherCases)
 {
+    QDir(roots.applications).removeRecursively(); // missing roots give nothing
+    EXPECT_TRUE(names().isEmpty());
     app(QStringLiteral("/Applications/Top.app"), QStringLiteral("com.acme.top"));
     app(QStringLiteral("/Applications/Suite/Nested.app"), QStringLiteral("com.acme.nested"));
     app(QStringLiteral("/Applications/A/B/TooDeep.app"), QStringLiteral("com.acme.deep"));
@@ -47,11 +35,16 @@ TEST_F(InstalledApps, ListsBundlesTwoLevelsDownButNotThreeNorLinksNorOtherCases)
     // Inside a bundle nothing is listed: helpers are part of their app.
     app(QStringLiteral("/Applications/Top.app/Contents/Helpers/Helper.app"),
         QStringLiteral("com.acme.top.helper"));
+    // Neither a link to an app nor a folder of apps reached through a link is walked.
     link(QStringLiteral("/Applications/Top.app"), QStringLiteral("/Applications/Alias.app"));
-    // A folder full of apps reached through a link is not walked either.
     link(QStringLiteral("/Applications/Suite"), QStringLiteral("/Applications/Linked"));
+    // A name that is not UTF-8 cannot be held as text without changing it: listing it would offer
+    // to remove a path that does not exist, so it is not listed, and it is not touched.
+    const QByteArray odd = nativePath(QStringLiteral("/Applications"), QByteArray("Caf\xe9.app"));
+    makeDir(odd);
 
-    EXPECT_EQ(names(catalog().load()), (QStringList{QStringLiteral("Nested"), QStringLiteral("Top")}));
+    EXPECT_EQ(names(), (QStringList{QStringLiteral("Nested"), QStringLiteral("Top")}));
+    EXPECT_TRUE(exists(odd));
 }
 
 TEST_F(InstalledApps, SortedByNameIgnoringCaseAndTheSystemCopyFirstOnATie)
@@ -68,24 +61,30 @@ TEST_F(InstalledApps, SortedByNameIgnoringCaseAndTheSystemCopyFirstOnATie)
     EXPECT_EQ(apps.at(1).url, at(QStringLiteral("~/Applications/Apple.app")));
 }
 
-TEST_F(InstalledApps, DescribesXmlAndBinaryBundlesAlike)
+TEST_F(InstalledApps, DescribesXmlAndBinaryBundlesAlikeAndTheStoreByItsReceiptFile)
 {
     const QVariantMap info{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.Acme.Writer")},
                            {QStringLiteral("CFBundleDisplayName"), QStringLiteral("Bar")},
                            {QStringLiteral("CFBundleShortVersionString"), QStringLiteral("2.1")}};
-    const QString xml = bundle(QStringLiteral("/Applications/Foo.app"), info, PlistFormat::xml);
-    const QString binary = bundle(QStringLiteral("/Applications/Baz.app"), info, PlistFormat::binary);
-    for (const QString& path : {xml, binary}) {
+    for (PlistFormat format : {PlistFormat::xml, PlistFormat::binary}) {
+        const QString name = format == PlistFormat::xml ? QStringLiteral("Foo") : QStringLiteral("Baz");
+        const QString path =
+            bundle(QStringLiteral("/Applications/") + name + QStringLiteral(".app"), info, format);
         const std::optional<InstalledApp> described = catalog().describe(path);
         ASSERT_TRUE(described);
-        // The file name wins over every declared name.
-        EXPECT_EQ(described->name, path == xml ? QStringLiteral("Foo") : QStringLiteral("Baz"));
+        EXPECT_EQ(described->name, name); // the file name wins over every declared name
         EXPECT_EQ(described->bundleID, QStringLiteral("com.Acme.Writer")); // case as declared
         EXPECT_EQ(described->version, QStringLiteral("2.1"));
         EXPECT_FALSE(described->isStore);
         EXPECT_FALSE(described->size);
-        EXPECT_EQ(described->id(), path);
     }
+    // Only a receipt file marks a store app, whatever it holds; an empty receipt folder does not.
+    const QString store = app(QStringLiteral("/Applications/Store.app"), QStringLiteral("com.x.store"));
+    rawFile(QStringLiteral("/Applications/Store.app/Contents/_MASReceipt/receipt"), "not a real receipt");
+    const QString almost = app(QStringLiteral("/Applications/Almost.app"), QStringLiteral("com.x.almost"));
+    folder(QStringLiteral("/Applications/Almost.app/Contents/_MASReceipt"));
+    EXPECT_TRUE(catalog().describe(store)->isStore);
+    EXPECT_FALSE(catalog().describe(almost)->isStore);
 }
 
 TEST_F(InstalledApps, DeclaredNamesOnlyServeABundleNamedByItsExtensionAlone)
@@ -124,21 +123,8 @@ TEST_F(InstalledApps, BundlesWithoutUsableInformationAreStillListed)
     EXPECT_EQ(names(apps),
               (QStringList{QStringLiteral("Bare"), QStringLiteral("Broken"), QStringLiteral("Cut"),
                            QStringLiteral("Empty"), QStringLiteral("Listy"), QStringLiteral("NumericId")}));
-    for (const InstalledApp& app : apps) {
-        EXPECT_FALSE(app.bundleID) << app.name.toStdString();
-        EXPECT_FALSE(app.version) << app.name.toStdString();
-    }
-}
-
-TEST_F(InstalledApps, StoreReceiptIsOnlyTestedForExistence)
-{
-    const QString store = app(QStringLiteral("/Applications/Store.app"), QStringLiteral("com.x.store"));
-    rawFile(QStringLiteral("/Applications/Store.app/Contents/_MASReceipt/receipt"),
-            QByteArray("not a real receipt"));
-    const QString almost = app(QStringLiteral("/Applications/Almost.app"), QStringLiteral("com.x.almost"));
-    folder(QStringLiteral("/Applications/Almost.app/Contents/_MASReceipt"));
-    EXPECT_TRUE(catalog().describe(store)->isStore);
-    EXPECT_FALSE(catalog().describe(almost)->isStore);
+    for (const InstalledApp& app : apps)
+        EXPECT_FALSE(app.bundleID || app.version) << app.name.toStdString();
 }
 
 TEST_F(InstalledApps, LastUseComesFromMetadataThenFromTheAccessDate)
@@ -155,24 +141,6 @@ TEST_F(InstalledApps, LastUseComesFromMetadataThenFromTheAccessDate)
     EXPECT_FALSE(catalog().describe(at(QStringLiteral("/Applications/Gone.app")))->lastUsed);
 }
 
-// A name that is not UTF-8 cannot be held as text without changing it: listing such a bundle
-// would offer to remove a path that does not exist, so it is not listed, and it is not touched.
-TEST_F(InstalledApps, BundleWhoseNameIsNotUtf8IsLeftAlone)
-{
-    app(QStringLiteral("/Applications/Plain.app"), QStringLiteral("com.x.plain"));
-    const QByteArray odd = nativePath(QStringLiteral("/Applications"), QByteArray("Caf\xe9.app"));
-    makeDir(odd);
-
-    EXPECT_EQ(names(catalog().load()), QStringList{QStringLiteral("Plain")});
-    EXPECT_TRUE(exists(odd));
-}
-
-TEST_F(InstalledApps, MissingRootsGiveNothing)
-{
-    QDir(roots.applications).removeRecursively();
-    EXPECT_TRUE(catalog().load().isEmpty());
-}
-
 TEST_F(InstalledApps, RunningInstanceIsMatchedByLocationNotByIdentifier)
 {
     const QString first = app(QStringLiteral("/Applications/Writer.app"), QStringLiteral("com.acme.writer"));
@@ -186,9 +154,8 @@ TEST_F(InstalledApps, RunningInstanceIsMatchedByLocationNotByIdentifier)
         RunningApplication{10, QStringLiteral("helper"), QString(), false, false, false},
         RunningApplication{11, QStringLiteral("Writer"), second + QStringLiteral("/"), false, true, true}};
     EXPECT_FALSE(catalog().runningInstance(firstApp)); // only the other copy runs
-    const std::optional<RunningApplication> running = catalog().runningInstance(secondApp);
-    ASSERT_TRUE(running);
-    EXPECT_EQ(running->pid, 11);
+    ASSERT_TRUE(catalog().runningInstance(secondApp));
+    EXPECT_EQ(catalog().runningInstance(secondApp)->pid, 11);
 
     workspace.running << RunningApplication{12,
                                             QStringLiteral("Writer"),

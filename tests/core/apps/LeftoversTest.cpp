@@ -2,7 +2,6 @@
 #include "core/apps/LeftoverKeys.h"
 #include "support/OrdinaryUser.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,9 +15,8 @@ class Leftovers : public AppTree
 protected:
     InstalledApp writer()
     {
-        const QString url =
-            app(QStringLiteral("/Applications/Acme Writer.app"), QStringLiteral("com.acme.writer"));
-        return *catalog().describe(url);
+        return *catalog().describe(
+            app(QStringLiteral("/Applications/Acme Writer.app"), QStringLiteral("com.acme.writer")));
     }
 
     InstalledApp named(const QString& name, std::optional<QString> identifier)
@@ -30,6 +28,7 @@ protected:
         return app;
     }
 
+    // The items' paths below the fixture's root, sorted.
     QStringList relative(const QList<CleanItem>& items) const
     {
         QStringList list;
@@ -38,29 +37,29 @@ protected:
         list.sort();
         return list;
     }
+
+    const QStringList preferencesOnly{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")};
 };
 
 } // namespace
 
-TEST(LeftoverKeys, VendorAndStrippedNameComeFromAThreePartIdentifier)
+TEST(LeftoverKeys, VendorAndStrippedNameComeOnlyFromAThreePartIdentifier)
 {
     InstalledApp app;
     app.name = QStringLiteral("Acme Writer Pro");
     app.bundleID = QStringLiteral("com.Acme.Writer");
-    LeftoverKeys keys = LeftoverKeys::of(app);
+    const LeftoverKeys keys = LeftoverKeys::of(app);
     EXPECT_EQ(keys.id, QStringLiteral("com.acme.writer"));
     EXPECT_EQ(keys.name, QStringLiteral("acme writer pro"));
     EXPECT_EQ(keys.compact, QStringLiteral("acmewriterpro"));
     EXPECT_EQ(keys.vendor, QStringLiteral("acme"));
     EXPECT_EQ(keys.stripped, QStringLiteral("writer pro"));
 
-    app.bundleID = QStringLiteral("com.acme");
-    keys = LeftoverKeys::of(app);
-    EXPECT_FALSE(keys.vendor);
-    EXPECT_EQ(keys.stripped, keys.name);
-
-    app.bundleID = QStringLiteral("com..acme");
-    EXPECT_FALSE(LeftoverKeys::of(app).vendor); // empty parts do not count
+    for (const char* identifier : {"com.acme", "com..acme"}) { // empty parts do not count
+        app.bundleID = QString::fromUtf8(identifier);
+        EXPECT_FALSE(LeftoverKeys::of(app).vendor) << identifier;
+        EXPECT_EQ(LeftoverKeys::of(app).stripped, keys.name) << identifier;
+    }
     app.bundleID = std::nullopt;
     EXPECT_FALSE(LeftoverKeys::of(app).id);
 }
@@ -82,7 +81,6 @@ TEST_F(Leftovers, FindsTheApplicationsDataByIdentifierNameAndVendorFolder)
     file(QStringLiteral("/Library/LaunchDaemons/com.acme.writer.helper.plist"));
     file(QStringLiteral("/Library/PrivilegedHelperTools/com.acme.writer.helper"));
     file(QStringLiteral("/Library/Application Support/Acme Writer/shared"));
-
     // Not this application's:
     file(QStringLiteral("~/Library/Preferences/Acme Writer.plist"));      // no name matching in Preferences
     folder(QStringLiteral("~/Library/Preferences/Acme Writer"));          // idem
@@ -95,7 +93,7 @@ TEST_F(Leftovers, FindsTheApplicationsDataByIdentifierNameAndVendorFolder)
     const QList<CleanItem> items = catalog().leftovers(writer());
     EXPECT_EQ(relative(items),
               (QStringList{
-                  QStringLiteral("/Library/Application Support/Acme Writer/shared").chopped(7),
+                  QStringLiteral("/Library/Application Support/Acme Writer"),
                   QStringLiteral("/Library/LaunchDaemons/com.acme.writer.helper.plist"),
                   QStringLiteral("/Library/PrivilegedHelperTools/com.acme.writer.helper"),
                   QStringLiteral("/Users/ana/Library/Application Support/Acme Writer"),
@@ -118,24 +116,22 @@ TEST_F(Leftovers, ItemsAreNamedByTheirLibraryFolderAndShowTheTildePath)
     const QString support = file(QStringLiteral("/Library/Application Support/com.acme.writer"));
     // An empty leftover of an installed application is still listed: removing the app takes it too.
     const QString empty = folder(QStringLiteral("~/Library/Caches/com.acme.writer"));
+    const QHash<QString, std::pair<QString, QString>> expected = {
+        {byHost,
+         {QStringLiteral("Preferences"),
+          QStringLiteral("~/Library/Preferences/ByHost/com.acme.writer.1234.plist")}},
+        {support, {QStringLiteral("Application Support"), support}}, // outside the home: no tilde
+        {empty, {QStringLiteral("Caches"), QStringLiteral("~/Library/Caches/com.acme.writer")}},
+    };
 
     const QList<CleanItem> items = catalog().leftovers(writer());
     ASSERT_EQ(items.size(), 3);
     for (const CleanItem& item : items) {
-        if (item.id == byHost) {
-            EXPECT_EQ(item.name, QStringLiteral("Preferences"));
-            EXPECT_EQ(item.detail, QStringLiteral("~/Library/Preferences/ByHost/com.acme.writer.1234.plist"));
-        } else if (item.id == support) {
-            EXPECT_EQ(item.name, QStringLiteral("Application Support"));
-            EXPECT_EQ(item.detail, support); // outside the home: no tilde
-        } else {
-            EXPECT_EQ(item.id, empty);
-            EXPECT_EQ(item.size, 0);
-            EXPECT_EQ(item.name, QStringLiteral("Caches"));
-        }
-        EXPECT_FALSE(item.subtitle);
-        EXPECT_FALSE(item.appURL);
+        ASSERT_TRUE(expected.contains(item.id)) << item.id.toStdString();
+        EXPECT_EQ(std::pair(item.name, item.detail), expected.value(item.id)) << item.id.toStdString();
+        EXPECT_FALSE(item.subtitle || item.appURL);
     }
+    EXPECT_EQ(items.last().size, 0);
 }
 
 TEST_F(Leftovers, AnotherInstalledAppKeepsWhatItsIdentifierNames)
@@ -151,8 +147,7 @@ TEST_F(Leftovers, AnotherInstalledAppKeepsWhatItsIdentifierNames)
     // The registry placing the same app at its own location, spelled differently, is no other owner.
     workspace.applications.insert(QStringLiteral("com.acme.writer.cloud"), app.url + QStringLiteral("/"));
 
-    const QList<CleanItem> items = catalog().leftovers(app);
-    EXPECT_EQ(relative(items),
+    EXPECT_EQ(relative(catalog().leftovers(app)),
               (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.cloud.plist"),
                            QStringLiteral("/Users/ana/Library/Preferences/group.com.acme.writer.helper")}));
 }
@@ -172,14 +167,11 @@ TEST_F(Leftovers, OwnPreferencesAreLeftWhenTheRegistryPlacesTheAppElsewhere)
 
 TEST_F(Leftovers, WithoutIdentifierOnlyNamesMatchAndOnlyWhereNamesAreUsed)
 {
-    file(QStringLiteral("~/Library/Application Support/Sketchy/x"));
-    file(QStringLiteral("~/Library/Caches/sketchy/x"));
-    file(QStringLiteral("~/Library/Logs/Sketchy.log"));
-    file(QStringLiteral("~/Library/Logs/Sketchy"));
-    file(QStringLiteral("~/Library/Preferences/Sketchy"));
-    file(QStringLiteral("~/Library/Containers/Sketchy/x"));
-    file(QStringLiteral("/Library/Caches/Sketchy"));
-
+    for (const char* path :
+         {"~/Library/Application Support/Sketchy/x", "~/Library/Caches/sketchy/x",
+          "~/Library/Logs/Sketchy.log", "~/Library/Logs/Sketchy", "~/Library/Preferences/Sketchy",
+          "~/Library/Containers/Sketchy/x", "/Library/Caches/Sketchy"})
+        file(QString::fromUtf8(path));
     EXPECT_EQ(relative(catalog().leftovers(named(QStringLiteral("Sketchy"), std::nullopt))),
               (QStringList{QStringLiteral("/Library/Caches/Sketchy"),
                            QStringLiteral("/Users/ana/Library/Application Support/Sketchy"),
@@ -197,34 +189,59 @@ TEST_F(Leftovers, ShortNamesAndShortIdentifiersMatchNothing)
     EXPECT_TRUE(catalog().leftovers(named(QStringLiteral("ab"), QStringLiteral("a.bc"))).isEmpty());
 }
 
-TEST_F(Leftovers, GatedFoldersAreSkippedWithoutFullDiskAccess)
-{
-    folder(QStringLiteral("~/Library/Containers/com.acme.writer"));
-    folder(QStringLiteral("~/Library/Group Containers/group.com.acme.writer"));
-    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
-    fullDiskAccess = false;
-    EXPECT_EQ(relative(catalog().leftovers(writer())),
-              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
-}
-
 TEST_F(Leftovers, NothingTheSafetyGateRefusesComesBack)
 {
     // Protected whatever the app: the address book's data, the Notes container.
     file(QStringLiteral("~/Library/Application Support/AddressBook/db"));
     file(QStringLiteral("~/Library/Containers/com.apple.Notes/x"));
     file(QStringLiteral("~/Library/Caches/com.apple.notes/x"));
+    // A Library folder that is a link into the keychains.
+    file(QStringLiteral("~/Library/Keychains/Stash/com.acme.writer/secret"));
+    link(QStringLiteral("~/Library/Keychains/Stash"), QStringLiteral("~/Library/Logs"));
+
     EXPECT_TRUE(catalog().leftovers(named(QStringLiteral("AddressBook"), std::nullopt)).isEmpty());
     const QList<CleanItem> notes =
         catalog().leftovers(named(QStringLiteral("Notes"), QStringLiteral("com.apple.Notes")));
     EXPECT_EQ(relative(notes), (QStringList{QStringLiteral("/Users/ana/Library/Caches/com.apple.notes")}));
     expectSoundItems(notes);
+    EXPECT_TRUE(catalog().leftovers(writer()).isEmpty());
 }
 
-TEST_F(Leftovers, ALibraryFolderThatLinksIntoTheKeychainsOffersNothing)
+// Gated folders without Full Disk Access, names that are not UTF-8 (they would be measured and
+// removed under a different, missing path), a file where a folder should be and a dangling link
+// are all passed over; what is readable still comes back, and nothing else is touched.
+TEST_F(Leftovers, WhatCannotBeReadSafelyIsSkipped)
 {
-    file(QStringLiteral("~/Library/Keychains/Stash/com.acme.writer/secret"));
-    link(QStringLiteral("~/Library/Keychains/Stash"), QStringLiteral("~/Library/Caches"));
+    folder(QStringLiteral("~/Library/Containers/com.acme.writer"));
+    folder(QStringLiteral("~/Library/Group Containers/group.com.acme.writer"));
+    const QByteArray odd =
+        nativePath(QStringLiteral("~/Library/Preferences"), QByteArray("com.acme.writer.\xff.plist"));
+    writeBytes(odd, "data");
+    file(QStringLiteral("~/Library/Caches"));
+    makeLink(QStringLiteral("/nonexistent/nubo"), at(QStringLiteral("~/Library/Logs")));
+    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
+    fullDiskAccess = false;
+
+    EXPECT_EQ(relative(catalog().leftovers(writer())), preferencesOnly);
+    EXPECT_TRUE(exists(odd));
+    ::unlink(odd.constData()); // Qt cannot name it to remove it
+    QDir(roots.home).removeRecursively();
+    QDir(roots.library).removeRecursively();
     EXPECT_TRUE(catalog().leftovers(writer()).isEmpty());
+}
+
+TEST_F(Leftovers, UnreadableFoldersAreSkipped)
+{
+    file(QStringLiteral("~/Library/Caches/com.acme.writer/x"));
+    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
+    // An ordinary user reaches the tree but may not read the caches.
+    ASSERT_EQ(::chmod(QFile::encodeName(at(QStringLiteral("~/Library/Caches"))).constData(), 0), 0);
+    const InstalledApp app = writer();
+    AppCatalog& apps = catalog();
+    const QByteArray found =
+        runUnprivileged([&] { return relative(apps.leftovers(app)).join(QLatin1Char('\n')).toUtf8(); });
+    ::chmod(QFile::encodeName(at(QStringLiteral("~/Library/Caches"))).constData(), 0755);
+    EXPECT_EQ(found, preferencesOnly.first().toUtf8());
 }
 
 TEST_F(Leftovers, EachPathComesBackOnceEvenWhenBothLibrariesAreOneFolder)
@@ -243,50 +260,7 @@ TEST_F(Leftovers, VendorFolderOffersOnlyTheFirstMatchingChild)
     file(QStringLiteral("~/Library/Application Support/Acme/writer/a"));
     file(QStringLiteral("~/Library/Application Support/acme/Acme Writer/b"));
     file(QStringLiteral("~/Library/Application Support/acme/Other/b"));
-    const QList<CleanItem> items = catalog().leftovers(writer());
-    ASSERT_EQ(items.size(), 2);
-    EXPECT_TRUE(
-        relative(items).contains(QStringLiteral("/Users/ana/Library/Application Support/Acme/writer")));
-    EXPECT_TRUE(
-        relative(items).contains(QStringLiteral("/Users/ana/Library/Application Support/acme/Acme Writer")));
-}
-
-// Names that are not UTF-8 would be measured and removed under a different, missing path: they
-// are not offered, and they stay where they are.
-TEST_F(Leftovers, EntriesWhoseNamesAreNotUtf8AreNotOffered)
-{
-    const QByteArray odd =
-        nativePath(QStringLiteral("~/Library/Preferences"), QByteArray("com.acme.writer.\xff.plist"));
-    writeBytes(odd, "data");
-    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
     EXPECT_EQ(relative(catalog().leftovers(writer())),
-              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
-    EXPECT_TRUE(exists(odd));
-}
-
-TEST_F(Leftovers, UnreadableFoldersAreSkipped)
-{
-    file(QStringLiteral("~/Library/Caches/com.acme.writer/x"));
-    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
-    // An ordinary user reaches the tree but may not read the caches.
-    ASSERT_EQ(::chmod(QFile::encodeName(at(QStringLiteral("~/Library/Caches"))).constData(), 0), 0);
-    const InstalledApp app = writer();
-    AppCatalog& apps = catalog();
-    const QByteArray found =
-        runUnprivileged([&] { return relative(apps.leftovers(app)).join(QLatin1Char('\n')).toUtf8(); });
-    ::chmod(QFile::encodeName(at(QStringLiteral("~/Library/Caches"))).constData(), 0755);
-    EXPECT_EQ(found, "/Users/ana/Library/Preferences/com.acme.writer.plist");
-}
-
-TEST_F(Leftovers, LibraryFoldersThatCannotBeListedAreSkipped)
-{
-    file(QStringLiteral("~/Library/Caches")); // a file where a folder should be
-    folder(QStringLiteral("~/Library"));
-    makeLink(QStringLiteral("/nonexistent/nubo"), at(QStringLiteral("~/Library/Logs")));
-    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
-    EXPECT_EQ(relative(catalog().leftovers(writer())),
-              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.plist")}));
-    QDir(roots.home).removeRecursively();
-    QDir(roots.library).removeRecursively();
-    EXPECT_TRUE(catalog().leftovers(writer()).isEmpty());
+              (QStringList{QStringLiteral("/Users/ana/Library/Application Support/Acme/writer"),
+                           QStringLiteral("/Users/ana/Library/Application Support/acme/Acme Writer")}));
 }

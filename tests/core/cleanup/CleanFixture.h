@@ -7,18 +7,23 @@
 #include "core/safety/Safety.h"
 #include "platform/fake/FakeWorkspace.h"
 #include "platform/fake/ScriptedToolRunner.h"
+#include "support/FixtureFiles.h"
+#include "support/OrdinaryUser.h"
 
 #include <gtest/gtest.h>
 
-#include <QByteArray>
+#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <atomic>
+#include <fcntl.h>
 #include <initializer_list>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace nubo::testing {
 
@@ -29,20 +34,57 @@ namespace nubo::testing {
 class CleanFixture : public ::testing::Test
 {
 protected:
-    void SetUp() override;
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_base.isValid());
+        for (const char* path : {"home/Library/Caches", "home/Library/Logs", "home/Downloads", "home/.Trash",
+                                 "Library/Caches", "tmp-user/T", "shared-tmp"})
+            folder(QString::fromUtf8(path));
+        m_roots = SystemRoots{base(QStringLiteral("home")), base(QStringLiteral("Library")),
+                              base(QStringLiteral("tmp-user/T"))};
+        m_safety = std::make_unique<Safety>(m_roots, SafetyRules::forMac());
+        m_privacy = std::make_unique<Privacy>(m_roots.home, [this] { return m_fullDiskAccess.load(); });
+        m_naming = std::make_unique<Naming>(Naming::lookupIn(m_workspace));
+        m_context = std::make_unique<CleanContext>(*m_safety, *m_privacy, *m_naming, m_tools, m_roots);
+        m_context->sharedTemporaries = QStringList{base(QStringLiteral("shared-tmp"))};
+    }
 
-    /// Writes `bytes` bytes of data at `relative` under the base, creating its folders.
-    QString file(const QString& relative, qint64 bytes = 8192) const;
-    /// Creates the folder `relative` under the base.
-    QString folder(const QString& relative) const;
+    QString base(const QString& relative) const { return m_base.path() + QLatin1Char('/') + relative; }
+    QString home(const QString& relative) const { return base(QStringLiteral("home/") + relative); }
+
+    /// Writes `bytes` bytes at `relative` under the base, creating its folders; returns the path.
+    QString file(const QString& relative, qint64 bytes = 8192) const
+    {
+        test::writeFile(base(relative), bytes);
+        return base(relative);
+    }
+    QString folder(const QString& relative) const
+    {
+        test::makeDir(base(relative));
+        return base(relative);
+    }
     /// Sets both the last access and the last change of `path` (not through links) `days` ago.
-    void age(const QString& path, double days) const;
+    static void age(const QString& path, double days)
+    {
+        const qint64 seconds = QDateTime::currentSecsSinceEpoch() - qint64(days * 86400);
+        const timespec stamps[2] = {{time_t(seconds), 0}, {time_t(seconds), 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), stamps, AT_SYMLINK_NOFOLLOW), 0)
+            << path.toStdString();
+    }
     /// Gives `path` to another user; false when this process may not.
-    bool giveAway(const QString& path) const;
+    static bool giveAway(const QString& path)
+    {
+        return ::getuid() != test::kNobody &&
+               ::lchown(QFile::encodeName(path).constData(), test::kNobody, test::kNobody) == 0;
+    }
     /// Paths of `items` relative to the base, in order; command items give their id.
-    QStringList relative(const QList<CleanItem>& items) const;
-
-    /// Literal paths as a list, for comparing with `relative`.
+    QStringList relative(const QList<CleanItem>& items) const
+    {
+        QStringList paths;
+        for (const CleanItem& item : items)
+            paths << (item.url() ? item.url()->mid(m_base.path().size() + 1) : item.id);
+        return paths;
+    }
     static QStringList list(std::initializer_list<const char*> paths)
     {
         QStringList result;
@@ -50,9 +92,6 @@ protected:
             result << QString::fromUtf8(path);
         return result;
     }
-
-    QString base(const QString& relative) const { return m_base.path() + QLatin1Char('/') + relative; }
-    QString home(const QString& relative) const { return base(QStringLiteral("home/") + relative); }
 
     QTemporaryDir m_base;
     SystemRoots m_roots;

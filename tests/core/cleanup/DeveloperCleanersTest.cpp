@@ -4,82 +4,53 @@
 #include "core/cleanup/FolderCategories.h"
 #include "core/cleanup/LargeOldFiles.h"
 #include "core/files/Location.h"
+#include "support/FixtureFiles.h"
 
 #include <QFile>
 #include <QLocale>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace nubo;
 using nubo::testing::CleanFixture;
 
 namespace {
 
-class DeveloperCleanersTest : public CleanFixture
-{
-protected:
-    // A file holding exactly `allocated` bytes on disk, without writing them; false where the
-    // file system cannot be made to give that exact figure.
-    bool allocate(const QString& relative, qint64 allocated)
-    {
-        const QString path = base(relative);
-        folder(relative.left(relative.lastIndexOf(QLatin1Char('/'))));
-        const QByteArray native = QFile::encodeName(path);
-        // Large files may need a block of bookkeeping counted with their data: shrink the
-        // length until the figure lands on the target.
-        for (qint64 length = allocated; length > allocated - 64 * 4096; length -= 4096) {
-            ::unlink(native.constData());
-            const int fd = ::open(native.constData(), O_CREAT | O_WRONLY, 0644);
-            if (fd < 0)
-                return false;
-            const bool reserved = ::posix_fallocate(fd, 0, length) == 0;
-            ::close(fd);
-            struct stat info {};
-            if (!reserved || ::stat(native.constData(), &info) != 0)
-                return false;
-            if (qint64(info.st_blocks) * 512 == allocated)
-                return true;
-            if (qint64(info.st_blocks) * 512 < allocated)
-                return false;
-        }
-        return false;
-    }
-};
+using DeveloperCleanersTest = CleanFixture;
 
-constexpr qint64 kLimit = LargeOldFiles::kMinimumSize;
+// Sets the last access and the last modification of `path` separately, `days` ago.
+void stamp(const QByteArray& path, double accessDays, double changeDays)
+{
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    const timespec stamps[2] = {{time_t(now - qint64(accessDays * 86400)), 0},
+                                {time_t(now - qint64(changeDays * 86400)), 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.constData(), stamps, 0), 0) << path.constData();
+}
 
 } // namespace
 
-TEST_F(DeveloperCleanersTest, PackageCachesAreNamedByToolAndNeverCountedTwice)
+TEST_F(DeveloperCleanersTest, PackageCachesAreNeverCountedTwice)
 {
     file(QStringLiteral("home/Library/Caches/Homebrew/downloads/x.tar.gz"), 40000);
     file(QStringLiteral("home/.npm/_cacache/content/y"), 20000);
     file(QStringLiteral("home/.cargo/registry/cache/z.crate"), 8192);
-    folder(QStringLiteral("home/Library/Caches/pip"));       // empty: nothing to free
+    folder(QStringLiteral("home/Library/Caches/pip")); // empty: nothing to free
     file(QStringLiteral("home/Library/Caches/com.example.app/c"));
 
-    const QList<CleanItem> packages = DeveloperCleaners::packageCaches(*m_context);
-    ASSERT_EQ(relative(packages), (list({"home/Library/Caches/Homebrew", "home/.npm/_cacache",
-                                               "home/.cargo/registry/cache"})));
-    EXPECT_EQ(packages[0].name, QStringLiteral("Homebrew"));
-    EXPECT_EQ(packages[1].name, QStringLiteral("npm"));
-    EXPECT_EQ(packages[2].name, QStringLiteral("Cargo"));
-    EXPECT_EQ(packages[1].detail, QStringLiteral("~/.npm/_cacache"));
-
+    EXPECT_EQ(relative(DeveloperCleaners::packageCaches(*m_context)),
+              (list({"home/Library/Caches/Homebrew", "home/.npm/_cacache", "home/.cargo/registry/cache"})));
     EXPECT_EQ(relative(FolderCategories::caches(*m_context)), list({"home/Library/Caches/com.example.app"}));
 }
 
 TEST_F(DeveloperCleanersTest, NodeModulesOfProjectsUntouchedForThirtyDays)
 {
-    // GIVEN projects whose package.json, or folder, was touched either side of the limit
-    const auto project = [this](const QString& at, std::optional<double> packageDays, double folderDays,
-                                double modulesDays = 60) {
+    // Projects whose package.json, or folder, was touched either side of the limit.
+    const auto project = [this](const QString& at, std::optional<double> packageDays, double folderDays) {
         file(at + QStringLiteral("/node_modules/dep/index.js"));
         if (packageDays)
             age(file(at + QStringLiteral("/package.json"), 100), *packageDays);
-        age(base(at + QStringLiteral("/node_modules")), modulesDays);
+        age(base(at + QStringLiteral("/node_modules")), 60);
         age(base(at), folderDays);
     };
     project(QStringLiteral("home/code/old"), 31, 1);
@@ -87,30 +58,24 @@ TEST_F(DeveloperCleanersTest, NodeModulesOfProjectsUntouchedForThirtyDays)
     project(QStringLiteral("home/code/no-package-old"), std::nullopt, 31);
     project(QStringLiteral("home/code/no-package-fresh"), std::nullopt, 29);
     file(QStringLiteral("home/code/old/node_modules/dep/node_modules/inner/x.js")); // nested
-    project(QStringLiteral("home/.hidden/proj"), 60, 60);
-    project(QStringLiteral("home/Library/proj"), 60, 60);
-    project(QStringLiteral("home/Music/proj"), 60, 60);
-    project(QStringLiteral("home/code/Tool.app/Contents/proj"), 60, 60);
+    for (const char* skipped : {"home/.hidden/proj", "home/Library/proj", "home/Music/proj",
+                                "home/code/Tool.app/Contents/proj", "home/b1/b2/b3/b4/b5/b6/b7/b8/b9"})
+        project(QLatin1String(skipped), 60, 60);
+    project(QStringLiteral("home/a1/a2/a3/a4/a5/a6/a7/a8"), 60, 60); // eight deep is still walked
     folder(QStringLiteral("home/code/empty/node_modules"));
     age(file(QStringLiteral("home/code/empty/package.json")), 60);
-    // Eight folders deep the walk still looks inside; nine deep it does not.
-    project(QStringLiteral("home/a1/a2/a3/a4/a5/a6/a7/a8"), 60, 60);
-    project(QStringLiteral("home/b1/b2/b3/b4/b5/b6/b7/b8/b9"), 60, 60);
     age(base(QStringLiteral("home/code")), 60);
 
-    // WHEN the walk runs
-    QList<CleanItem> items = DeveloperCleaners::staleNodeModules(*m_context);
-
-    // THEN only the stale projects' own node_modules folders are offered, named by project
+    // Only the stale projects' own node_modules folders, named by project, the largest first.
+    const QList<CleanItem> items = DeveloperCleaners::staleNodeModules(*m_context);
     QStringList found = relative(items);
     found.sort();
-    EXPECT_EQ(found, (list({"home/a1/a2/a3/a4/a5/a6/a7/a8/node_modules", "home/code/no-package-old/node_modules",
-                                  "home/code/old/node_modules"})));
-    const auto old = std::find_if(items.cbegin(), items.cend(), [](const CleanItem& item) { return item.name == QLatin1String("old"); });
-    ASSERT_NE(old, items.cend());
-    EXPECT_EQ(old->detail, QStringLiteral("~/code/old"));
-    EXPECT_EQ(old->size, Location::allocatedSize(*old->url()));
-    EXPECT_EQ(items.first().id, old->id); // it holds the nested folder too, so it is the largest
+    EXPECT_EQ(found, (list({"home/a1/a2/a3/a4/a5/a6/a7/a8/node_modules",
+                            "home/code/no-package-old/node_modules", "home/code/old/node_modules"})));
+    ASSERT_FALSE(items.isEmpty());
+    EXPECT_EQ(items.first().name, QStringLiteral("old")); // it holds the nested folder too
+    EXPECT_EQ(items.first().detail, QStringLiteral("~/code/old"));
+    EXPECT_EQ(items.first().size, Location::allocatedSize(*items.first().url()));
 }
 
 TEST_F(DeveloperCleanersTest, NodeModulesWalkSkipsGatedFoldersLinksAndNamesThatAreNotText)
@@ -121,73 +86,55 @@ TEST_F(DeveloperCleanersTest, NodeModulesWalkSkipsGatedFoldersLinksAndNamesThatA
     };
     stale(QStringLiteral("home/Documents/proj"));
     stale(QStringLiteral("outside/proj"));
-    ASSERT_EQ(::symlink(QFile::encodeName(base(QStringLiteral("outside"))).constData(),
-                        QFile::encodeName(home(QStringLiteral("linked"))).constData()),
-              0);
+    test::makeLink(base(QStringLiteral("outside")), home(QStringLiteral("linked")));
     // A project whose folder name is not text could only be offered under a wrong name: here,
     // that of its twin whose name is the replacement character, which is offered once, as itself.
     stale(QStringLiteral("home/bad\uFFFD"));
     const QByteArray notText = QFile::encodeName(m_roots.home) + QByteArray("/bad\xff");
-    ASSERT_EQ(::mkdir(notText.constData(), 0755), 0);
-    ASSERT_EQ(::mkdir((notText + "/node_modules").constData(), 0755), 0);
-    const int fd = ::open((notText + "/node_modules/m.js").constData(), O_CREAT | O_WRONLY, 0644);
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(::write(fd, "module", 6), 6);
-    ::close(fd);
-    const timespec old[2] = {{time_t(QDateTime::currentSecsSinceEpoch() - 90 * 86400), 0},
-                             {time_t(QDateTime::currentSecsSinceEpoch() - 90 * 86400), 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, notText.constData(), old, 0), 0);
+    test::writeBytes(notText + "/node_modules/m.js", "module");
+    stamp(notText, 90, 90);
 
     m_fullDiskAccess = false;
     m_privacy->refresh();
     EXPECT_EQ(relative(DeveloperCleaners::staleNodeModules(*m_context)),
-              QStringList{QStringLiteral("home/bad\uFFFD/node_modules")});
+              list({"home/bad\xEF\xBF\xBD/node_modules"}));
     m_fullDiskAccess = true;
     m_privacy->refresh();
     QStringList found = relative(DeveloperCleaners::staleNodeModules(*m_context));
     found.sort();
-    EXPECT_EQ(found, (QStringList{QStringLiteral("home/Documents/proj/node_modules"),
-                                  QStringLiteral("home/bad\uFFFD/node_modules")}));
+    EXPECT_EQ(found, (list({"home/Documents/proj/node_modules", "home/bad\xEF\xBF\xBD/node_modules"})));
 }
 
 TEST_F(DeveloperCleanersTest, LargeOldFilesAtTheSizeAndAgeLimits)
 {
-    // GIVEN files of exactly the limit and one block under it, used long ago or recently
-    if (!allocate(QStringLiteral("home/Movies/trip.mov"), kLimit) ||
-        !allocate(QStringLiteral("home/big/under"), kLimit - 4096) ||
-        !allocate(QStringLiteral("home/big/recently-read"), kLimit) ||
-        !allocate(QStringLiteral("home/big/old-but-fresh-change"), kLimit))
-        GTEST_SKIP() << "this file system cannot reserve exact sizes";
-    for (const char* path : {"home/Movies/trip.mov", "home/big/under"})
-        age(base(QLatin1String(path)), 200);
+    const qint64 limit = test::writeFile(base(QStringLiteral("home/Movies/trip.mov")), 64 * 1024);
+    test::writeFile(base(QStringLiteral("home/big/under")), 48 * 1024);
+    for (const char* path : {"home/big/recently-read", "home/big/old-but-fresh-change"})
+        test::writeFile(base(QLatin1String(path)), 64 * 1024);
     // Last use is the later of access and change.
-    const auto stamp = [this](const char* path, double accessDays, double changeDays) {
-        const qint64 now = QDateTime::currentSecsSinceEpoch();
-        const timespec stamps[2] = {{time_t(now - qint64(accessDays * 86400)), 0},
-                                    {time_t(now - qint64(changeDays * 86400)), 0}};
-        ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(base(QLatin1String(path))).constData(), stamps, 0), 0);
-    };
-    stamp("home/big/recently-read", 100, 200);
-    stamp("home/big/old-but-fresh-change", 200, 179);
+    const std::tuple<const char*, double, double> uses[] = {{"home/Movies/trip.mov", 200, 200},
+                                                            {"home/big/under", 200, 200},
+                                                            {"home/big/recently-read", 100, 200},
+                                                            {"home/big/old-but-fresh-change", 200, 179}};
+    for (const auto& [path, accessDays, changeDays] : uses)
+        stamp(QFile::encodeName(base(QLatin1String(path))), accessDays, changeDays);
 
-    const QList<CleanItem> items = LargeOldFiles::find(*m_context);
+    const QList<CleanItem> items = LargeOldFiles::find(*m_context, limit);
 
     ASSERT_EQ(relative(items), list({"home/Movies/trip.mov"}));
-    EXPECT_EQ(items[0].size, kLimit);
-    EXPECT_EQ(items[0].name, QStringLiteral("trip.mov"));
-    const QString month = QLocale(QLocale::Spanish, QLocale::Spain)
-                              .toString(QDateTime::currentDateTime().addDays(-200).date(), QStringLiteral("MMM yyyy"));
+    EXPECT_EQ(items[0].size, limit);
+    const QString month =
+        QLocale(QLocale::Spanish, QLocale::Spain)
+            .toString(QDateTime::currentDateTime().addDays(-200).date(), QStringLiteral("MMM yyyy"));
     EXPECT_EQ(items[0].detail, QStringLiteral("~/Movies · último uso ") + month);
 }
 
 TEST_F(DeveloperCleanersTest, LargeOldFilesNeverOpenLibrariesPackagesOrHiddenFolders)
 {
-    for (const char* path : {"home/Library/big", "home/.hidden/big", "home/Pictures/Fotos.photoslibrary/originals/big",
-                             "home/code/node_modules/big", "home/Films/Cut.FCPBUNDLE/big", "home/Applications/big",
-                             "home/.Trash/big", "home/work/kept"}) {
-        if (!allocate(QLatin1String(path), kLimit))
-            GTEST_SKIP() << "this file system cannot reserve exact sizes";
-        age(base(QLatin1String(path)), 400);
-    }
-    EXPECT_EQ(relative(LargeOldFiles::find(*m_context)), list({"home/work/kept"}));
+    for (const char* path :
+         {"home/Library/big", "home/.hidden/big", "home/Pictures/Fotos.photoslibrary/originals/big",
+          "home/code/node_modules/big", "home/Films/Cut.FCPBUNDLE/big", "home/Applications/big",
+          "home/.Trash/big", "home/work/kept"})
+        age(file(QLatin1String(path), 64 * 1024), 400);
+    EXPECT_EQ(relative(LargeOldFiles::find(*m_context, 32 * 1024)), list({"home/work/kept"}));
 }

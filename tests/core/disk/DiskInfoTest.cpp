@@ -3,45 +3,43 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using namespace nubo;
 
 namespace {
 
-constexpr qint64 kGiB = 1024LL * 1024 * 1024;
+constexpr qint64 kHuge = std::numeric_limits<qint64>::max();
 
-TEST(DiskInfoTest, ImportantUsageFigureWinsOverPlainFreeSpace)
+TEST(DiskInfoTest, FiguresGiveFreeSpaceUsedSpaceAndAShareThatStaysInRange)
 {
-    FakeVolumeCapacity volume;
-    volume.answer = {500 * kGiB, 200 * kGiB, 150 * kGiB};
-    const DiskInfo info = DiskInfo::current(volume);
-    EXPECT_EQ(info.total, 500 * kGiB);
-    EXPECT_EQ(info.available, 200 * kGiB);
-    EXPECT_EQ(info.used(), 300 * kGiB);
-    EXPECT_DOUBLE_EQ(info.fraction(), 0.6);
-}
-
-TEST(DiskInfoTest, MissingFiguresFallBackAndThenReadZero)
-{
-    EXPECT_EQ(DiskInfo::fromFigures({500 * kGiB, std::nullopt, 150 * kGiB}), (DiskInfo{500 * kGiB, 150 * kGiB}));
-    EXPECT_EQ(DiskInfo::fromFigures({std::nullopt, std::nullopt, 150 * kGiB}), (DiskInfo{0, 150 * kGiB}));
-    EXPECT_EQ(DiskInfo::fromFigures({}), (DiskInfo{0, 0}));
-    // A broken reader's negative figures are treated as unreadable.
-    EXPECT_EQ(DiskInfo::fromFigures({-5, -1, 10}), (DiskInfo{0, 0}));
-}
-
-TEST(DiskInfoTest, UsedAndFractionStayInRange)
-{
-    // Purgeable space can make the free figure exceed what the total leaves.
-    const DiskInfo overfull{100, 250};
-    EXPECT_EQ(overfull.used(), 0);
-    EXPECT_DOUBLE_EQ(overfull.fraction(), 0.0);
-
-    const DiskInfo unreadable{0, 0};
-    EXPECT_DOUBLE_EQ(unreadable.fraction(), 0.0);
-    EXPECT_DOUBLE_EQ((DiskInfo{0, 0}.fraction()), 0.0);
-    EXPECT_DOUBLE_EQ((DiskInfo{10, 0}).fraction(), 1.0);
-    const qint64 huge = std::numeric_limits<qint64>::max();
-    EXPECT_DOUBLE_EQ((DiskInfo{huge, 0}).fraction(), 1.0);
+    struct Case
+    {
+        VolumeFigures figures; // total, free counting purgeable space, plain free
+        qint64 total, available, used;
+        double fraction;
+    };
+    // The free figure counting purgeable space wins over the plain one, and may exceed what the
+    // total leaves; a broken reader's negative figures read as unreadable.
+    const Case cases[] = {
+        {{500, 200, 150}, 500, 200, 300, 0.6},
+        {{500, std::nullopt, 150}, 500, 150, 350, 0.7},
+        {{std::nullopt, std::nullopt, 150}, 0, 150, 0, 0.0},
+        {{}, 0, 0, 0, 0.0},
+        {{-5, -1, 10}, 0, 0, 0, 0.0},
+        {{100, 250, std::nullopt}, 100, 250, 0, 0.0},
+        {{10, 0, 7}, 10, 0, 10, 1.0},
+        {{kHuge, std::nullopt, 0}, kHuge, 0, kHuge, 1.0},
+    };
+    for (const Case& c : cases) {
+        FakeVolumeCapacity volume;
+        volume.answer = c.figures;
+        const DiskInfo info = DiskInfo::current(volume);
+        SCOPED_TRACE(testing::Message() << c.total << " " << c.available);
+        EXPECT_EQ(info, (DiskInfo{c.total, c.available}));
+        EXPECT_EQ(info.used(), c.used);
+        EXPECT_DOUBLE_EQ(info.fraction(), c.fraction);
+    }
 }
 
 } // namespace

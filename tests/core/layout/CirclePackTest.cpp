@@ -6,6 +6,8 @@
 #include <cmath>
 #include <functional>
 #include <random>
+#include <utility>
+#include <vector>
 
 using nubo::PackedCircle;
 namespace CirclePack = nubo::CirclePack;
@@ -46,31 +48,45 @@ void expectValidPacking(const std::vector<double>& radii, const CirclePack::Resu
 
 } // namespace
 
-TEST(CirclePack, OneTwoAndThreeCircles)
+// Fixed radii, fixed centres: the first two circles sit side by side on the x axis, each next one
+// goes against the chain pair whose weighted middle is nearest the origin (the first such pair on
+// a tie), counter-clockwise, and the group is centred on its bounding box. Any other packing, even
+// a valid one such as the mirror image, would move every bubble the user knows.
+TEST(CirclePack, KnownRadiiGiveKnownCentres)
 {
-    EXPECT_TRUE(CirclePack::pack({}).circles.empty());
-    EXPECT_EQ(CirclePack::pack({}).radius, 0);
-
-    const auto one = CirclePack::pack({5});
-    EXPECT_EQ(one.circles[0], (PackedCircle{0, 0, 5}));
-    EXPECT_EQ(one.radius, 5);
-
-    // Two: side by side, touching, centred on x.
-    const auto two = CirclePack::pack({3, 1});
-    expectValidPacking({3, 1}, two);
-    EXPECT_DOUBLE_EQ(distance(two.circles[0], two.circles[1]), 4);
-    EXPECT_DOUBLE_EQ(two.circles[0].y, 0);
-    EXPECT_DOUBLE_EQ(two.circles[0].x, -1);
-    EXPECT_DOUBLE_EQ(two.circles[1].x, 3);
-    EXPECT_DOUBLE_EQ(two.radius, 4);
-
-    // Three: every pair touches.
-    const std::vector<double> radii{3, 2, 1};
-    const auto three = CirclePack::pack(radii);
-    expectValidPacking(radii, three);
-    for (int i = 0; i < 3; ++i) {
-        for (int j = i + 1; j < 3; ++j)
-            EXPECT_NEAR(distance(three.circles[i], three.circles[j]), radii[i] + radii[j], 1e-12);
+    const double root3 = std::sqrt(3.0);
+    const struct
+    {
+        std::vector<double> radii;
+        std::vector<std::pair<double, double>> centres;
+        double radius;
+    } cases[] = {
+        {{}, {}, 0},
+        {{5}, {{0, 0}}, 5},
+        {{3, 1}, {{-1, 0}, {3, 0}}, 4},
+        // A 3-4-5 triangle of centres, moved down by 0.2 so that its box is centred.
+        {{3, 2, 1}, {{-2, -0.2}, {3, -0.2}, {1.2, 2.2}}, 3 + std::sqrt(4.04)},
+        // Unit circles on the hexagonal grid: the fifth goes against the first and the fourth.
+        {{1, 1, 1, 1, 1},
+         {{-0.5, 0}, {1.5, 0}, {0.5, root3}, {0.5, -root3}, {-1.5, -root3}},
+         1 + std::sqrt(5.25)},
+        // The fourth circle mirrors the third below the axis, the fifth touches the first and the
+        // fourth, the sixth the third and the first.
+        {{3, 2, 1, 1, 2, 2},
+         {{-2, 0}, {3, 0}, {1.2, 2.4}, {1.2, -2.4}, {-0.6, -4.8}, {-0.6, 4.8}},
+         2 + std::sqrt(23.4)},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.radii.size() << " circles");
+        const CirclePack::Result result = CirclePack::pack(c.radii);
+        ASSERT_EQ(result.circles.size(), c.centres.size());
+        for (size_t i = 0; i < c.centres.size(); ++i) {
+            EXPECT_NEAR(result.circles[i].x, c.centres[i].first, 1e-9) << "circle " << i;
+            EXPECT_NEAR(result.circles[i].y, c.centres[i].second, 1e-9) << "circle " << i;
+        }
+        EXPECT_NEAR(result.radius, c.radius, 1e-9);
+        if (!c.radii.empty())
+            expectValidPacking(c.radii, result);
     }
 }
 

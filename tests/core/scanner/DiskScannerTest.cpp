@@ -84,10 +84,22 @@ QStringList childNames(const FileNode& node)
     return names;
 }
 
-// A home-like tree with files on both sides of the floor at every depth, a big folder and a small
-// one at depth 1, and deep walks below them.
-void buildMixedTree(TempTree& tree)
+// Every name and size of a tree, in order, so two scans can be compared whole.
+QString shapeOf(const FileNode& node)
 {
+    QString text = node.name() + QLatin1Char(':') + QString::number(node.size()) + QLatin1Char('(');
+    for (const auto& child : node.children())
+        text += shapeOf(*child);
+    return text + QLatin1Char(')');
+}
+
+} // namespace
+
+TEST(DiskScanner, SameTreeWithSizesThatAddUpWhateverTheNumberOfThreads)
+{
+    // A home-like tree with files on both sides of the floor at every depth, a big folder and a
+    // small one at depth 1, deep walks below them, and a wide grid that the helpers share.
+    TempTree tree;
     tree.file("top-small.txt", 10'000);
     tree.file("top-big.bin", 3 * MiB);
     tree.file("Library/prefs.plist", 5'000);
@@ -102,37 +114,40 @@ void buildMixedTree(TempTree& tree)
     tree.file("Documents/deep/er/still/movie.mov", 4 * MiB);
     tree.file("Small/one", 70'000);
     tree.file("Small/two/three", 70'000);
-}
+    for (int i = 0; i < 12; ++i) {
+        for (int j = 0; j < 6; ++j) {
+            const QByteArray sub = "t" + QByteArray::number(i) + "/s" + QByteArray::number(j);
+            tree.file(sub + "/deep/f", (i * 7 + j) * 300'000);
+            tree.file(sub + "/g", 4'000);
+        }
+    }
 
-} // namespace
-
-TEST(DiskScanner, SizesAddUpAtEveryLevelAndMatchTheFileSystem)
-{
-    TempTree tree;
-    buildMixedTree(tree);
-
-    for (int helpers : {0, 1, 3}) {
+    QString serial;
+    for (int helpers : {0, 1, 3, 3, 3, 3}) {
+        SCOPED_TRACE(testing::Message() << "helpers " << helpers);
         DiskScanner scanner(servicesWith(helpers));
         ScanProgress progress;
         const auto root = scanner.scan(tree.root(), progress);
         expectConsistent(*root);
-        EXPECT_EQ(root->size(), tree.expectedBytes()) << "helpers " << helpers;
+        EXPECT_EQ(root->size(), tree.expectedBytes());
         EXPECT_EQ(root->fileCount(), tree.fileCount());
+        EXPECT_EQ(progress.snapshot().files, tree.fileCount());
+        EXPECT_EQ(progress.snapshot().bytes, tree.expectedBytes());
+        if (serial.isEmpty())
+            serial = shapeOf(*root);
+        EXPECT_EQ(shapeOf(*root), serial);
+        if (helpers > 0)
+            continue;
+
         EXPECT_EQ(root->name(), QDir(tree.root()).dirName());
         EXPECT_FALSE(root->parent());
-
-        const auto snapshot = progress.snapshot();
-        EXPECT_EQ(snapshot.files, tree.fileCount());
-        EXPECT_EQ(snapshot.bytes, tree.expectedBytes());
-
-        // Files at or above the floor stay single nodes, wherever they are and whoever listed them.
+        // Files at or above the floor stay single nodes, wherever they are.
         const FileNode* huge = find(*root, QStringLiteral("/com.x/a/b/c/huge"));
         ASSERT_TRUE(huge);
         EXPECT_EQ(huge->size(), blocksOf(tree.rootBytes() + "/Library/Caches/com.x/a/b/c/huge"));
         EXPECT_EQ(huge->itemCount(), 1);
         EXPECT_FALSE(huge->isDirectory());
-        const FileNode* blob = find(*root, QStringLiteral("/Caches/blob-1"));
-        ASSERT_TRUE(blob) << "a file of exactly 2 MiB is not small";
+        EXPECT_TRUE(find(*root, QStringLiteral("/Caches/blob-1"))) << "a file of exactly 2 MiB is not small";
         EXPECT_TRUE(find(*root, QStringLiteral("/top-big.bin")));
         EXPECT_EQ(huge->ancestors().front(), root.get());
         EXPECT_EQ(huge->ancestors().back(), huge);
@@ -140,32 +155,9 @@ TEST(DiskScanner, SizesAddUpAtEveryLevelAndMatchTheFileSystem)
     }
 }
 
-TEST(DiskScanner, SameTreeWhateverTheNumberOfThreads)
+TEST(DiskScanner, SmallFilesBecomeOneAggregateAndSmallFoldersCollapseBelowTheRoot)
 {
     TempTree tree;
-    for (int i = 0; i < 12; ++i) {
-        const QByteArray top = "t" + QByteArray::number(i);
-        for (int j = 0; j < 6; ++j) {
-            const QByteArray sub = top + "/s" + QByteArray::number(j);
-            tree.file(sub + "/deep/f", (i * 7 + j) * 300'000);
-            tree.file(sub + "/g", 4'000);
-        }
-    }
-    const auto describe = [](const auto& self, const FileNode& node) -> QString {
-        QString text = node.name() + QLatin1Char(':') + QString::number(node.size()) + QLatin1Char('(');
-        for (const auto& child : node.children())
-            text += self(self, *child);
-        return text + QLatin1Char(')');
-    };
-    const QString serial = describe(describe, *scan(tree.root(), 0));
-    for (int run = 0; run < 5; ++run)
-        EXPECT_EQ(describe(describe, *scan(tree.root(), 3)), serial);
-}
-
-TEST(DiskScanner, SmallFilesBecomeOneAggregatePerFolder)
-{
-    TempTree tree;
-    tree.file("Only/one.txt", 1'000);
     tree.file("Many/a", 1'000);
     tree.file("Many/b", 2'000);
     tree.file("Many/c", 0);
@@ -173,10 +165,13 @@ TEST(DiskScanner, SmallFilesBecomeOneAggregatePerFolder)
     tree.file("Many/Deeper/x/z", 100);
     tree.file("Many/Big", 5 * MiB);
     tree.file("root-small", 10);
+    tree.file("Three/a", 1'500'000);
+    tree.file("Three/b", 1'500'000);
+    tree.file("Three/sub/c", 100'000);
+    tree.file("Deep/x/y/z/file", 3 * MiB);
+    tree.file("Deep/x/y/z/other", 3 * MiB);
 
     const auto root = scan(tree.root());
-    // Folders below the root smaller than 4 MiB are collapsed, so look at the root's own aggregate
-    // and at Many, which the big file keeps open.
     const auto& rootChildren = root->children();
     const auto aggregate = std::find_if(rootChildren.begin(), rootChildren.end(),
                                         [](const auto& c) { return c->isAggregate(); });
@@ -186,49 +181,40 @@ TEST(DiskScanner, SmallFilesBecomeOneAggregatePerFolder)
     EXPECT_EQ((*aggregate)->itemCount(), 1);
     EXPECT_EQ((*aggregate)->size(), blocksOf(tree.rootBytes() + "/root-small"));
     EXPECT_FALSE((*aggregate)->canDrill());
+    EXPECT_EQ(DiskScanner::aggregateName(1234), QStringLiteral("1234 archivos pequeños"));
 
+    // Many stays open for its big file; equal sizes keep folders before the aggregate (both hold
+    // two 4 KiB blocks here).
     const FileNode* many = find(*root, QStringLiteral("/Many"));
     ASSERT_TRUE(many);
-    // Equal sizes keep folders before the aggregate (both hold two 4 KiB blocks here).
     EXPECT_EQ(childNames(*many), (QStringList{QStringLiteral("Big"), QStringLiteral("Deeper"),
                                               QStringLiteral("3 archivos pequeños")}));
     EXPECT_EQ(many->itemCount(), 6);
-    EXPECT_EQ(DiskScanner::aggregateName(1), QStringLiteral("1 archivo pequeño"));
-    EXPECT_EQ(DiskScanner::aggregateName(1234), QStringLiteral("1234 archivos pequeños"));
-}
 
-TEST(DiskScanner, SmallFoldersCollapseBelowTheRootButNotAtIt)
-{
-    TempTree tree;
-    tree.file("Three/a", 1'500'000);
-    tree.file("Three/b", 1'500'000);
-    tree.file("Three/sub/c", 100'000);
-    tree.file("Big/x/y/z/file", 3 * MiB);
-    tree.file("Big/x/y/z/other", 3 * MiB);
-
-    const auto home = scan(tree.root());
-    const FileNode* three = find(*home, QStringLiteral("/Three"));
+    // A folder below the root under 4 MiB keeps no children, however many files it holds.
+    const FileNode* three = find(*root, QStringLiteral("/Three"));
     ASSERT_TRUE(three);
     EXPECT_TRUE(three->children().empty());
     EXPECT_FALSE(three->canDrill());
     EXPECT_GT(three->size(), 3'000'000);
     EXPECT_EQ(three->itemCount(), 3);
 
-    // Deep in the walk a folder of 6 MiB stays open; a 3 MiB folder collapses.
-    const FileNode* z = find(*home, QStringLiteral("/Big/x/y/z"));
+    // Deep in the walk a folder of 6 MiB stays open.
+    const FileNode* z = find(*root, QStringLiteral("/Deep/x/y/z"));
     ASSERT_TRUE(z);
     EXPECT_EQ(z->children().size(), 2u);
     EXPECT_TRUE(z->canDrill());
 
+    // As the root of a scan the same small folder opens; a trailing slash does not empty its name.
     const auto scope = scan(tree.root() + QStringLiteral("/Three/"));
-    EXPECT_EQ(scope->name(), QStringLiteral("Three")); // a trailing slash does not empty the name
+    EXPECT_EQ(scope->name(), QStringLiteral("Three"));
     EXPECT_EQ(scope->path(), tree.root() + QStringLiteral("/Three"));
     EXPECT_EQ(scope->size(), three->size());
     EXPECT_EQ(childNames(*scope).size(), 2); // sub and the aggregate of a and b
     EXPECT_TRUE(scope->canDrill());
 }
 
-TEST(DiskScanner, PackagesAreSingleBlocksThatCountTheirContents)
+TEST(DiskScanner, PackagesAreSingleBlocksAndSymbolicLinksAddNothing)
 {
     TempTree tree;
     const qint64 inDeep = tree.file("Code/x/Tool.app/Contents/MacOS/tool", 5 * MiB) +
@@ -236,10 +222,24 @@ TEST(DiskScanner, PackagesAreSingleBlocksThatCountTheirContents)
                           tree.file("Code/x/Tool.app/Contents/Frameworks/Lib.framework/lib", 3 * MiB);
     const qint64 atTop = tree.file("Editor.app/Contents/big", 6 * MiB) + tree.file("Editor.app/small", 10);
     tree.file("Code/x/Shout.APP/inside/big", 5 * MiB); // extensions match exactly
+    tree.file("Data/big", 8 * MiB);
+    tree.dir("Links/deeper");
+    tree.link(tree.rootBytes() + "/Data/big", "to-big");
+    tree.link(tree.rootBytes() + "/Data", "Links/to-data");
+    tree.link(tree.rootBytes() + "/Data/big", "Links/deeper/to-big");
+    tree.link("/nowhere/at/all", "Links/deeper/broken");
+    tree.link(tree.rootBytes(), "Links/deeper/loop");
 
     const auto root = scan(tree.root());
     expectConsistent(*root);
     EXPECT_EQ(root->size(), tree.expectedBytes());
+    EXPECT_EQ(root->fileCount(), tree.fileCount());
+    EXPECT_FALSE(find(*root, QStringLiteral("/to-big")));
+    const FileNode* links = find(*root, QStringLiteral("/Links"));
+    ASSERT_TRUE(links);
+    EXPECT_EQ(links->size(), 0);
+    EXPECT_EQ(links->fileCount(), 0);
+    EXPECT_EQ(links->itemCount(), 1); // a folder counts at least one
     for (const auto& [suffix, bytes] :
          {std::pair{QStringLiteral("/Tool.app"), inDeep}, std::pair{QStringLiteral("/Editor.app"), atTop}}) {
         const FileNode* package = find(*root, suffix);
@@ -277,29 +277,6 @@ TEST(DiskScanner, RootNameTopLevelPackagesAndVolumesFollowTheSystemsAnswers)
     EXPECT_EQ(root->size(), tree.expectedBytes() - blocksOf(tree.rootBytes() + "/Mounted/c"));
 }
 
-TEST(DiskScanner, SymbolicLinksAddNothing)
-{
-    TempTree tree;
-    tree.file("Data/big", 8 * MiB);
-    tree.dir("Links/deeper");
-    tree.link(tree.rootBytes() + "/Data/big", "to-big");
-    tree.link(tree.rootBytes() + "/Data", "Links/to-data");
-    tree.link(tree.rootBytes() + "/Data/big", "Links/deeper/to-big");
-    tree.link("/nowhere/at/all", "Links/deeper/broken");
-    tree.link(tree.rootBytes(), "Links/deeper/loop");
-
-    const auto root = scan(tree.root());
-    expectConsistent(*root);
-    EXPECT_EQ(root->size(), tree.expectedBytes());
-    EXPECT_EQ(root->fileCount(), 1);
-    EXPECT_FALSE(find(*root, QStringLiteral("/to-big")));
-    const FileNode* links = find(*root, QStringLiteral("/Links"));
-    ASSERT_TRUE(links);
-    EXPECT_EQ(links->size(), 0);
-    EXPECT_EQ(links->fileCount(), 0);
-    EXPECT_EQ(links->itemCount(), 1); // a folder counts at least one
-}
-
 TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
 {
     TempTree tree;
@@ -330,11 +307,8 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     expectConsistent(*node);
     EXPECT_EQ(node->size(), blocksOf(tree.rootBytes() + "/Library/Keep/big") +
                                 blocksOf(tree.rootBytes() + "/Library/Keep/deep/vm/swapfile"));
-    EXPECT_FALSE(find(*node, QStringLiteral("/Mail")));
-    EXPECT_FALSE(find(*node, QStringLiteral("/Skipped")));
-    EXPECT_FALSE(find(*node, QStringLiteral("/Secret")));
-    EXPECT_FALSE(find(*node, QStringLiteral("/Skip")));
-    EXPECT_FALSE(find(*node, QStringLiteral("/sleepimage")));
+    for (const char* absent : {"/Mail", "/Skipped", "/Secret", "/Skip", "/sleepimage"})
+        EXPECT_FALSE(find(*node, QString::fromLatin1(absent))) << absent;
     EXPECT_EQ(progress.snapshot().files, 2);
     // The gate is asked for every folder reached, at the top and in the deep walk.
     for (const char* folder :
@@ -378,12 +352,7 @@ TEST(DiskScanner, TheWholeDiskIsCalledMacintoshHDAndOtherVolumesAreNotEntered)
     const auto disk = scan(QStringLiteral("/"), services);
     EXPECT_EQ(disk->name(), QStringLiteral("Macintosh HD"));
     EXPECT_EQ(disk->path(), QStringLiteral("/"));
-    struct stat rootInfo
-    {
-    };
-    struct stat procInfo
-    {
-    };
+    struct stat rootInfo = {}, procInfo = {};
     ASSERT_EQ(::stat("/", &rootInfo), 0);
     if (::stat("/proc", &procInfo) != 0 || procInfo.st_dev == rootInfo.st_dev)
         GTEST_SKIP() << "/proc is not another file system here";
@@ -498,9 +467,7 @@ TEST(DiskScanner, AChainOfTwoThousandNestedFolders)
     const int file = ::openat(level, "bottom", O_CREAT | O_WRONLY, 0644);
     ASSERT_GE(file, 0);
     ASSERT_TRUE(nubo::test::fill(file, 5 * MiB));
-    struct stat info
-    {
-    };
+    struct stat info = {};
     ::fstat(file, &info);
     ::close(file);
     ::close(level);

@@ -1,5 +1,7 @@
 #include "core/shell/Shell.h"
 
+#include "support/FixtureFiles.h"
+
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
@@ -10,20 +12,17 @@
 #include <cerrno>
 #include <csignal>
 #include <thread>
+#include <utility>
 #include <vector>
-
-#include <sys/stat.h>
 
 using namespace nubo;
 using namespace std::chrono_literals;
 
 namespace {
 
-const QString kSh = QStringLiteral("/bin/sh");
-
 ShellResult sh(const QString& script, std::chrono::milliseconds timeout = 20s)
 {
-    return Shell::run(kSh, {QStringLiteral("-c"), script}, timeout);
+    return Shell::run(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), script}, timeout);
 }
 
 // Running, that is: a zombie waiting for its parent (init, for an orphan) has stopped already.
@@ -39,127 +38,84 @@ bool processExists(pid_t pid)
     return close < 0 || line.mid(close + 2, 1) != "Z";
 }
 
-class ShellTest : public ::testing::Test
+TEST(Shell, StatusAndOutputComeBackAsTheToolLeftThem)
 {
-protected:
-    QString path(const QString& name) const { return m_dir.path() + QLatin1Char('/') + name; }
+    const std::pair<const char*, ShellResult> cases[] = {
+        {":", {0, QString()}},
+        {"printf '  two\\nlines\\n\\n'; exit 3", {3, QStringLiteral("  two\nlines\n\n")}}, // never trimmed
+        // cat would wait for ever on an inherited terminal; errors are discarded.
+        {"cat; echo out; echo err >&2", {0, QStringLiteral("out\n")}},
+        {"sleep 2 & echo done", {0, QStringLiteral("done\n")}}, // children left running are not awaited
+    };
+    for (const auto& [script, expected] : cases)
+        EXPECT_EQ(sh(QString::fromUtf8(script)), expected) << script;
 
-    void writeScript(const QString& name, const QByteArray& text, bool executable = true) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-        file.close();
-        ASSERT_EQ(::chmod(QFile::encodeName(path(name)).constData(), executable ? 0755 : 0644), 0);
-    }
+    const ShellResult killed = sh(QStringLiteral("echo before; kill -9 $$"));
+    EXPECT_NE(killed.status, 0) << "a crash is never success";
+    EXPECT_EQ(killed.output, QStringLiteral("before\n"));
 
-    QTemporaryDir m_dir;
-};
-
-TEST_F(ShellTest, SilentToolGivesZeroAndNothing)
-{
-    EXPECT_EQ(Shell::run(QStringLiteral("/bin/true"), {}), (ShellResult{0, QString()}));
+    // a, a lone continuation byte, an invalid lead byte, a truncated sequence, b, an accent, NUL
+    const QString decoded = sh(QStringLiteral("printf 'a\\200\\377\\342\\202b\\303\\251\\000z'")).output;
+    EXPECT_TRUE(decoded.startsWith(QLatin1Char('a')));
+    EXPECT_TRUE(decoded.contains(QChar::ReplacementCharacter));
+    EXPECT_TRUE(decoded.endsWith(QStringLiteral("bé") + QChar(0) + QLatin1Char('z')));
 }
 
-TEST_F(ShellTest, ExitStatusAndOutputComeBackUntrimmed)
+TEST(Shell, ToolThatCannotStartGivesMinusOne)
 {
-    EXPECT_EQ(sh(QStringLiteral("printf '  two\\nlines\\n\\n'; exit 3")), (ShellResult{3, QStringLiteral("  two\nlines\n\n")}));
-}
-
-TEST_F(ShellTest, ToolThatCannotStartGivesMinusOne)
-{
-    // GIVEN a missing file, a file without the execute bit, a folder and a bare name
-    writeScript(QStringLiteral("plain"), "#!/bin/sh\necho hi\n", false);
-    const ShellResult failed{-1, QString()};
-
-    EXPECT_EQ(Shell::run(path(QStringLiteral("missing")), {}), failed);
-    EXPECT_EQ(Shell::run(path(QStringLiteral("plain")), {}), failed);
-    EXPECT_EQ(Shell::run(m_dir.path(), {}), failed);
+    QTemporaryDir dir;
+    test::writeBytes(dir.filePath(QStringLiteral("plain")), "#!/bin/sh\necho hi\n"); // no execute bit
     // A bare name is never looked up in a search path: only full paths run.
-    EXPECT_EQ(Shell::run(QStringLiteral("true"), {}), failed);
-    EXPECT_EQ(Shell::run(QString(), {}), failed);
+    for (const QString& tool :
+         {dir.filePath(QStringLiteral("missing")), dir.filePath(QStringLiteral("plain")), dir.path(),
+          QStringLiteral("true"), QString()})
+        EXPECT_EQ(Shell::run(tool, {}), (ShellResult{-1, QString()})) << tool.toStdString();
 }
 
-TEST_F(ShellTest, ToolKilledBySignalIsNeverSuccess)
+TEST(Shell, AToolPastItsDeadlineIsKilledWithEverythingItStarted)
 {
-    const ShellResult result = sh(QStringLiteral("echo before; kill -9 $$"));
-    EXPECT_NE(result.status, 0);
-    EXPECT_EQ(result.output, QStringLiteral("before\n"));
-}
-
-TEST_F(ShellTest, ToolIgnoringTerminateIsKilledAfterTheDeadline)
-{
-    // GIVEN a tool that prints, then ignores SIGTERM and sleeps far past the limit (exec keeps
-    // the pid, and an ignored signal stays ignored across exec)
-    const QString pidFile = path(QStringLiteral("pid"));
-    const QString script = QStringLiteral("echo started; echo $$ > '%1'; trap '' TERM; exec sleep 60").arg(pidFile);
-
+    // The tool prints, then it and its child ignore SIGTERM and sleep far past the limit (exec
+    // keeps the pid, and an ignored signal stays ignored across exec).
+    QTemporaryDir dir;
+    const QString pidFile = dir.filePath(QStringLiteral("pids"));
     QElapsedTimer clock;
     clock.start();
-    const ShellResult result = sh(script, 1s);
+    const ShellResult result =
+        sh(QStringLiteral(
+               "echo started; trap '' TERM; sleep 60 & echo $! > '%1'; echo $$ >> '%1'; exec sleep 60")
+               .arg(pidFile),
+           1s);
     const qint64 elapsed = clock.elapsed();
 
-    // THEN nothing of its output is kept, and it is gone
-    EXPECT_EQ(result, (ShellResult{-1, QString()}));
-    QFile file(pidFile);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const pid_t pid = pid_t(file.readAll().trimmed().toInt());
-    ASSERT_GT(pid, 0);
-    EXPECT_FALSE(processExists(pid)) << "pid " << pid << " still running";
-    // Not a speed check: the run must end by itself long before the tool's own 60 s sleep.
-    EXPECT_GE(elapsed, 1000);
-    EXPECT_LT(elapsed, 30000);
-    RecordProperty("elapsed_ms", int(elapsed));
-}
-
-TEST_F(ShellTest, WhatTheToolStartedStopsWithItAtTheDeadline)
-{
-    // GIVEN a script whose child ignores SIGTERM too and would outlive it
-    const QString pidFile = path(QStringLiteral("pids"));
-    const QString script =
-        QStringLiteral("trap '' TERM; sleep 60 & echo $! > '%1'; echo $$ >> '%1'; wait").arg(pidFile);
-
-    EXPECT_EQ(sh(script, 500ms), (ShellResult{-1, QString()}));
-
+    EXPECT_EQ(result, (ShellResult{-1, QString()})); // nothing of its output is kept
     QFile file(pidFile);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QList<QByteArray> pids = file.readAll().trimmed().split('\n');
     ASSERT_EQ(pids.size(), 2);
     for (const QByteArray& pid : pids) {
-        // The signal is delivered, not awaited; give the child a moment to act on it.
-        QElapsedTimer clock;
-        clock.start();
-        while (processExists(pid_t(pid.toInt())) && clock.elapsed() < 5000)
+        // The last kill is delivered, not awaited; give the child a moment to act on it.
+        QElapsedTimer wait;
+        wait.start();
+        while (processExists(pid_t(pid.toInt())) && wait.elapsed() < 5000)
             QThread::msleep(20);
         EXPECT_FALSE(processExists(pid_t(pid.toInt()))) << "pid " << pid.constData() << " still running";
     }
+    // Not a speed check: the run must end by itself long before the tool's own 60 s sleep.
+    EXPECT_GE(elapsed, 1000);
+    EXPECT_LT(elapsed, 30000);
 }
 
-TEST_F(ShellTest, ChildrenLeftRunningByAToolThatEndedInTimeAreNotWaitedFor)
-{
-    EXPECT_EQ(sh(QStringLiteral("sleep 2 & echo done"), 20s), (ShellResult{0, QStringLiteral("done\n")}));
-}
-
-TEST_F(ShellTest, TenMegabytesOfOutputDoNotStall)
+TEST(Shell, TenMegabytesOfOutputDoNotStall)
 {
     const qint64 size = 10 * 1024 * 1024;
-    const ShellResult result = sh(QStringLiteral("head -c %1 /dev/zero | tr '\\000' 'a'; echo end").arg(size), 60s);
+    const ShellResult result =
+        sh(QStringLiteral("head -c %1 /dev/zero | tr '\\000' 'a'; echo end").arg(size), 60s);
     ASSERT_EQ(result.status, 0);
     EXPECT_EQ(result.output.size(), size + 4);
     EXPECT_TRUE(result.output.endsWith(QStringLiteral("aaend\n")));
 }
 
-TEST_F(ShellTest, InvalidUtf8BecomesReplacementCharacters)
-{
-    // a, a lone continuation byte, an invalid lead byte, a truncated sequence, b, and an accent
-    const ShellResult result = sh(QStringLiteral("printf 'a\\200\\377\\342\\202b\\303\\251\\000z'"));
-    ASSERT_EQ(result.status, 0);
-    EXPECT_TRUE(result.output.startsWith(QLatin1Char('a')));
-    EXPECT_TRUE(result.output.contains(QChar::ReplacementCharacter));
-    EXPECT_TRUE(result.output.endsWith(QStringLiteral("bé") + QChar(0) + QLatin1Char('z')));
-}
-
-TEST_F(ShellTest, EnvironmentIsOursWithTheFixedSearchPath)
+TEST(Shell, EnvironmentIsOursWithTheFixedSearchPath)
 {
     qputenv("NUBO_SHELL_PROBE", "kept");
     const ShellResult result = sh(QStringLiteral("printf '%s|%s' \"$PATH\" \"$NUBO_SHELL_PROBE\""));
@@ -167,26 +123,23 @@ TEST_F(ShellTest, EnvironmentIsOursWithTheFixedSearchPath)
     EXPECT_EQ(result.output, QString::fromLatin1(Shell::kToolSearchPath) + QStringLiteral("|kept"));
 }
 
-TEST_F(ShellTest, InputIsEmptyAndErrorsAreDiscarded)
+TEST(Shell, ArgumentsReachTheToolVerbatim)
 {
-    // cat would wait for ever on an inherited terminal or pipe; the null device ends it at once.
-    EXPECT_EQ(sh(QStringLiteral("cat; echo out; echo err >&2"), 10s), (ShellResult{0, QStringLiteral("out\n")}));
-}
-
-TEST_F(ShellTest, ArgumentsReachTheToolVerbatim)
-{
-    const QStringList odd{QStringLiteral("two words"), QStringLiteral("say \"hi\""), QStringLiteral("it's"),
-                          QStringLiteral("back\\slash"), QStringLiteral("new\nline"), QStringLiteral("-rf"),
-                          QStringLiteral("$HOME `id` *"), QStringLiteral("ñandú"), QString()};
-    QStringList arguments{QStringLiteral("-c"), QStringLiteral("for a; do printf '<%s>' \"$a\"; done"), QStringLiteral("sh")};
-    arguments << odd;
+    const QStringList odd{
+        QStringLiteral("two words"),    QStringLiteral("say \"hi\""), QStringLiteral("it's"),
+        QStringLiteral("back\\slash"),  QStringLiteral("new\nline"),  QStringLiteral("-rf"),
+        QStringLiteral("$HOME `id` *"), QStringLiteral("ñandú"),      QString()};
     QString expected;
     for (const QString& argument : odd)
         expected += QLatin1Char('<') + argument + QLatin1Char('>');
-    EXPECT_EQ(Shell::run(kSh, arguments).output, expected);
+    const QStringList arguments =
+        QStringList{QStringLiteral("-c"), QStringLiteral("for a; do printf '<%s>' \"$a\"; done"),
+                    QStringLiteral("sh")} +
+        odd;
+    EXPECT_EQ(Shell::run(QStringLiteral("/bin/sh"), arguments).output, expected);
 }
 
-TEST_F(ShellTest, RunsOnManyThreadsAtOnce)
+TEST(Shell, RunsOnManyThreadsAtOnce)
 {
     std::vector<ShellResult> results(4);
     std::vector<std::thread> threads;
@@ -198,29 +151,24 @@ TEST_F(ShellTest, RunsOnManyThreadsAtOnce)
         EXPECT_EQ(results[i], (ShellResult{0, QStringLiteral("%1\n").arg(i)}));
 }
 
-TEST_F(ShellTest, WhichFindsTheFirstExecutableFile)
+TEST(Shell, WhichFindsTheFirstExecutableFileAndNothingOutsideTheFolders)
 {
-    // GIVEN two folders: the first has a non-executable "tool" and a folder "dir", the second an
-    // executable "tool", a link to it and a folder "dir"
-    ASSERT_TRUE(QDir(m_dir.path()).mkpath(QStringLiteral("one/dir")));
-    ASSERT_TRUE(QDir(m_dir.path()).mkpath(QStringLiteral("two/dir")));
-    writeScript(QStringLiteral("one/tool"), "#!/bin/sh\n", false);
-    writeScript(QStringLiteral("two/tool"), "#!/bin/sh\n");
-    ASSERT_TRUE(QFile::link(path(QStringLiteral("two/tool")), path(QStringLiteral("one/linked"))));
-    const QStringList folders{path(QStringLiteral("one")), path(QStringLiteral("two"))};
+    // The first folder has a non-executable "tool", a link to the second's executable "tool" and a
+    // folder "dir"; the second has the executable "tool" and a folder "dir".
+    QTemporaryDir dir;
+    const auto at = [&dir](const char* relative) { return dir.filePath(QString::fromLatin1(relative)); };
+    test::makeDir(at("one/dir"));
+    test::makeDir(at("two/dir"));
+    test::writeBytes(at("one/tool"), "#!/bin/sh\n");
+    test::writeScript(at("two/tool"), "");
+    test::makeLink(at("two/tool"), at("one/linked"));
+    const QStringList folders{at("one"), at("two")};
 
-    EXPECT_EQ(Shell::which(QStringLiteral("tool"), folders), path(QStringLiteral("two/tool")));
-    EXPECT_EQ(Shell::which(QStringLiteral("linked"), folders), path(QStringLiteral("one/linked")));
-    EXPECT_EQ(Shell::which(QStringLiteral("dir"), folders), std::nullopt);
-    EXPECT_EQ(Shell::which(QStringLiteral("missing"), folders), std::nullopt);
-    // Names that would reach outside the folders find nothing.
-    EXPECT_EQ(Shell::which(QStringLiteral("../two/tool"), folders), std::nullopt);
-    EXPECT_EQ(Shell::which(QString(), folders), std::nullopt);
+    EXPECT_EQ(Shell::which(QStringLiteral("tool"), folders), at("two/tool"));
+    EXPECT_EQ(Shell::which(QStringLiteral("linked"), folders), at("one/linked"));
+    for (const char* nothing : {"dir", "missing", "../two/tool", ""})
+        EXPECT_EQ(Shell::which(QString::fromLatin1(nothing), folders), std::nullopt) << nothing;
     EXPECT_EQ(Shell::which(QStringLiteral("sh"), {}), std::nullopt);
-}
-
-TEST_F(ShellTest, WhichLooksInTheUsualFolders)
-{
     EXPECT_EQ(Shell::which(QStringLiteral("env")), QStringLiteral("/usr/bin/env"));
     EXPECT_EQ(Shell::which(QStringLiteral("no-such-tool-anywhere")), std::nullopt);
 }

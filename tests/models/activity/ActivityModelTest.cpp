@@ -119,16 +119,12 @@ protected:
 TEST_F(ActivityModelTest, RefreshListsRegularRunningAppsAndSortsStably)
 {
     ActivityModel model(services());
-    EXPECT_EQ(model.totalCPU(), 0);
-    EXPECT_TRUE(model.apps().isEmpty());
     EXPECT_FALSE(model.hasSampled());
-
     refreshed(model);
     EXPECT_TRUE(model.hasSampled());
     EXPECT_EQ(pids(model.apps()), (QList<qint32>{20, 30, kOwnPid}));
     EXPECT_EQ(model.apps().at(0).memory, 5000);
-    EXPECT_EQ(model.apps().at(0).name, QStringLiteral("Zeta"));
-    EXPECT_EQ(model.memoryUsed(), 409600);
+    EXPECT_EQ(model.memoryUsed(), 409600); // 100 pages of 4 KiB
     EXPECT_EQ(model.memoryTotal(), m_table.inner.physical);
 
     // WHEN sorted by memory: Zeta and Alpha tie and keep the workspace's order.
@@ -146,7 +142,6 @@ TEST_F(ActivityModelTest, RefreshListsRegularRunningAppsAndSortsStably)
     model.setSort(ActivityModel::Sort::cpu);
     EXPECT_EQ(pids(model.sorted()), (QList<qint32>{30, 20, kOwnPid}));
     EXPECT_DOUBLE_EQ(model.totalCPU(), 50.0);
-    EXPECT_EQ(model.sortedList().at(0).toMap().value(QStringLiteral("pid")).toInt(), 30);
 }
 
 TEST_F(ActivityModelTest, RefreshesNeverOverlapAndStartingTwiceRunsOneLoop)
@@ -192,27 +187,11 @@ TEST_F(ActivityModelTest, ActionsFindTheAppAgainAndIgnoreOneThatIsGone)
     EXPECT_TRUE(m_workspace.actions.isEmpty());
 }
 
-TEST_F(ActivityModelTest, HideAllAndMinimizeAllLeaveTheProgramItself)
-{
-    ActivityModel model(services());
-    refreshed(model);
-    m_accessibility.trusted = true;
-
-    model.hideAll();
-    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("hide 20"), QStringLiteral("hide 30")}));
-
-    model.minimizeAll();
-    ASSERT_TRUE(eventually([&] { return m_accessibility.minimized().size() == 2; }, 5000));
-    EXPECT_EQ(m_accessibility.minimized(), (QList<qint64>{20, 30}));
-    EXPECT_EQ(m_accessibility.requests.load(), 0);
-}
-
-TEST_F(ActivityModelTest, MinimisingWithoutTrustAsksOnceAndDoesNothing)
+TEST_F(ActivityModelTest, MinimisingWithoutTrustAsksAndDoesNothingAndTheAllActionsLeaveTheProgramItself)
 {
     ActivityModel model(services());
     refreshed(model);
     QSignalSpy trust(&model, &ActivityModel::hasAccessibilityChanged);
-
     model.minimizeAll();
     model.minimize(20);
     EXPECT_EQ(m_accessibility.requests.load(), 2);
@@ -226,6 +205,13 @@ TEST_F(ActivityModelTest, MinimisingWithoutTrustAsksOnceAndDoesNothing)
     ASSERT_TRUE(eventually([&] { return m_accessibility.minimized() == (QList<qint64>{20}); }, 5000));
     EXPECT_TRUE(model.hasAccessibility());
     EXPECT_EQ(trust.count(), 1);
+
+    model.hideAll();
+    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("hide 20"), QStringLiteral("hide 30")}));
+    model.minimizeAll();
+    ASSERT_TRUE(eventually([&] { return m_accessibility.minimized().size() == 3; }, 5000));
+    EXPECT_EQ(m_accessibility.minimized(), (QList<qint64>{20, 20, 30}));
+    EXPECT_EQ(m_accessibility.requests.load(), 3);
 }
 
 TEST_F(ActivityModelTest, UnsupportedActionsDoNothing)

@@ -11,35 +11,26 @@
 #include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
+#include <QUuid>
 
 #include <atomic>
+#include <chrono>
 #include <limits>
+#include <memory>
 
 using namespace nubo;
 using namespace std::chrono_literals;
 
-TEST(Panes, SidebarOrderIdsTitlesAndSymbols)
+TEST(Panes, TheSidebarListsEveryPaneOnceAndEachIdLeadsBackToItsPane)
 {
     PaneListModel model;
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    const char* expected[][3] = {
-        {"home", "Resumen", "sparkles"},
-        {"map", "Mapa", "circle.hexagongrid.fill"},
-        {"clean", "Limpieza", "bubbles.and.sparkles.fill"},
-        {"apps", "Apps", "square.stack.3d.up.fill"},
-        {"activity", "Actividad", "gauge.with.dots.needle.67percent"},
-        {"performance", "Rendimiento", "speedometer"},
-    };
-    ASSERT_EQ(model.rowCount(), 6);
-    for (int row = 0; row < 6; ++row) {
-        const QModelIndex index = model.index(row);
-        EXPECT_EQ(index.data(int(PaneListModel::Role::Id)).toString(), QString::fromUtf8(expected[row][0]));
-        EXPECT_EQ(index.data(int(PaneListModel::Role::Title)).toString(), QString::fromUtf8(expected[row][1]));
-        EXPECT_EQ(index.data(int(PaneListModel::Role::Symbol)).toString(), QString::fromUtf8(expected[row][2]));
-        EXPECT_EQ(Panes::fromId(QString::fromUtf8(expected[row][0])), Panes::all[size_t(row)]);
+    ASSERT_EQ(model.rowCount(), int(Panes::all.size()));
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const QString id = model.index(row).data(int(PaneListModel::Role::Id)).toString();
+        EXPECT_EQ(Panes::fromId(id), Panes::all[size_t(row)]) << id.toStdString();
     }
-    EXPECT_EQ(model.rowCount(model.index(0)), 0);
-    EXPECT_EQ(Panes::fromId(QStringLiteral("Home")), std::nullopt);
+    EXPECT_EQ(Panes::fromId(QStringLiteral("Home")), std::nullopt); // ids are exact
 }
 
 namespace {
@@ -75,47 +66,30 @@ TEST_F(AppStateTest, StartsOnHomeWithFreshFiguresAndGuidanceOnlyWithoutAccess)
 {
     auto state = make();
     EXPECT_EQ(state->pane(), Pane::Home);
-    EXPECT_EQ(state->diskTotal(), 1'000'000'000'000);
     EXPECT_EQ(state->diskAvailable(), 250'000'000'000); // the important-usage figure wins
-    EXPECT_EQ(state->diskLine(), QStringLiteral("250 GB disponibles de 1 TB"));
     EXPECT_EQ(state->diskTone(), QStringLiteral("warning"));
-    EXPECT_EQ(state->freedTodayLine(), QString());
-    EXPECT_FALSE(state->hasFullDiskAccess());
     EXPECT_TRUE(state->showPermissions());
-    EXPECT_FALSE(state->hasToast());
-    EXPECT_EQ(state->totalFreedThisSession(), 0);
     EXPECT_EQ(m_probes, 1);
-    // Built over the real backends, the state owns all five feature models.
-    EXPECT_NE(state->map(), nullptr);
-    EXPECT_NE(state->activity(), nullptr);
-    EXPECT_NE(state->performance(), nullptr);
 
-    m_granted = true;
-    auto granted = make();
-    EXPECT_TRUE(granted->hasFullDiskAccess());
-    EXPECT_FALSE(granted->showPermissions());
-}
-
-TEST_F(AppStateTest, SectionNotifiesOnlyOnARealChange)
-{
-    auto state = make();
+    // The section notifies only on a real change.
     QSignalSpy changed(state.get(), &AppState::sectionChanged);
     state->setSection(QStringLiteral("home"));
     state->setSection(QStringLiteral("nowhere"));
     EXPECT_EQ(changed.count(), 0);
     state->setSection(QStringLiteral("performance"));
     EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(state->sectionTitle(), QStringLiteral("Rendimiento"));
-    EXPECT_EQ(state->sectionSymbol(), QStringLiteral("speedometer"));
+    EXPECT_EQ(state->pane(), Pane::Performance);
+
+    m_granted = true;
+    EXPECT_FALSE(make()->showPermissions());
 }
 
-TEST_F(AppStateTest, AGrantSeenOnRefreshClosesTheGuidance)
+TEST_F(AppStateTest, AGrantSeenOnRefreshClosesTheGuidanceButNeverReopensIt)
 {
     auto state = make();
     QSignalSpy sheet(state.get(), &AppState::showPermissionsChanged);
     QSignalSpy access(state.get(), &AppState::hasFullDiskAccessChanged);
     QSignalSpy disk(state.get(), &AppState::diskChanged);
-
     state->refreshDisk(); // nothing changed: nothing notifies
     EXPECT_EQ(sheet.count() + access.count() + disk.count(), 0);
 
@@ -135,17 +109,6 @@ TEST_F(AppStateTest, AGrantSeenOnRefreshClosesTheGuidance)
     EXPECT_FALSE(state->showPermissions());
 }
 
-TEST_F(AppStateTest, AGrantWhileTheGuidanceIsClosedOpensNothing)
-{
-    auto state = make();
-    state->setShowPermissions(false); // "Ahora no"
-    EXPECT_FALSE(state->hasFullDiskAccess());
-    m_granted = true;
-    state->refreshDisk();
-    EXPECT_TRUE(state->hasFullDiskAccess());
-    EXPECT_FALSE(state->showPermissions());
-}
-
 TEST_F(AppStateTest, TheGuidancesPollClosesItOnceAccessIsThereAndOpensTheSettingsPage)
 {
     FakeWorkspace workspace;
@@ -154,8 +117,7 @@ TEST_F(AppStateTest, TheGuidancesPollClosesItOnceAccessIsThereAndOpensTheSetting
     ASSERT_TRUE(state.showPermissions());
 
     state.openFullDiskAccessSettings();
-    EXPECT_EQ(workspace.openedUrls,
-              QStringList{QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles")});
+    EXPECT_EQ(workspace.openedUrls.size(), 1);
     EXPECT_TRUE(state.showPermissions()); // opening the settings leaves the guidance up
 
     const int before = m_probes;
@@ -183,19 +145,16 @@ TEST_F(AppStateTest, AReportAddsUpRefreshesAndShowsItsToast)
     EXPECT_EQ(state->freedTodayLine(), QStringLiteral("Liberado hoy: 5 GB"));
     EXPECT_EQ(m_probes, probesBefore + 1);
     ASSERT_TRUE(state->hasToast());
-    EXPECT_EQ(state->toastHeadline(), QStringLiteral("5 GB liberados"));
     EXPECT_EQ(state->toastDetail(), QStringLiteral("2 elementos no se pudieron borrar"));
-    EXPECT_EQ(state->toastSymbol(), QStringLiteral("exclamationmark.triangle.fill"));
     EXPECT_TRUE(state->toastHasFailures());
 
     state->report(0, 0);
     EXPECT_EQ(state->totalFreedThisSession(), 5'000'000'000);
     EXPECT_EQ(state->toastHeadline(), QStringLiteral("Nada que liberar"));
-    EXPECT_EQ(state->toastDetail(), QString());
-    EXPECT_EQ(state->toastSymbol(), QStringLiteral("checkmark.circle.fill"));
+    EXPECT_FALSE(state->toastHasFailures());
 }
 
-TEST_F(AppStateTest, ANewerToastReplacesTheOlderAndOutlivesItsTimer)
+TEST_F(AppStateTest, ANewerToastOutlivesTheOldersTimerAndADismissedOneStaysDismissed)
 {
     auto state = make(300ms);
     state->report(1'000, 0);
@@ -210,20 +169,15 @@ TEST_F(AppStateTest, ANewerToastReplacesTheOlderAndOutlivesItsTimer)
     QTest::qWait(220);
     ASSERT_TRUE(state->hasToast());
     EXPECT_EQ(state->toast()->id, second);
-
     QSignalSpy changed(state.get(), &AppState::toastChanged);
     ASSERT_TRUE(changed.wait(2'000)); // the second toast's own timer
     EXPECT_FALSE(state->hasToast());
-}
 
-TEST_F(AppStateTest, ADismissedToastStaysDismissed)
-{
-    auto state = make(100ms);
     state->report(1, 0);
     state->dismissToast();
     EXPECT_FALSE(state->hasToast());
-    QSignalSpy changed(state.get(), &AppState::toastChanged);
-    QTest::qWait(250);
+    changed.clear();
+    QTest::qWait(450); // past its timer: nothing comes back
     EXPECT_EQ(changed.count(), 0);
 }
 

@@ -13,8 +13,16 @@ using namespace nubo::test;
 
 namespace {
 
-// Three applications: one used last week, one used long ago whose name has an accent, and one
-// in the user's own folder that was never opened; the first left data in the Library.
+QStringList names(const QList<InstalledApp>& list)
+{
+    QStringList out;
+    for (const InstalledApp& app : list)
+        out.append(app.name);
+    return out;
+}
+
+// Three applications: one from the store used last week, one used long ago whose name has an
+// accent, and one in the user's own folder that was never opened; the first left data in the Library.
 class AppsModelTest : public ModelWorld
 {
 protected:
@@ -22,6 +30,7 @@ protected:
     {
         ModelWorld::SetUp();
         bundle(QStringLiteral("Applications/Writer.app"), QStringLiteral("com.acme.writer"), 300'000);
+        file(QStringLiteral("Applications/Writer.app/Contents/_MASReceipt/receipt"), 10); // from the store
         bundle(QStringLiteral("Applications/Café Studio.app"), QStringLiteral("com.cafe.studio"), 900'000);
         bundle(QStringLiteral("home/Applications/Zeta.app"), QStringLiteral("org.zeta"), 100'000);
         file(QStringLiteral("home/Library/Preferences/com.acme.writer.plist"), 2000);
@@ -67,14 +76,6 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
     }
 
-    static QStringList names(const QList<InstalledApp>& list)
-    {
-        QStringList out;
-        for (const InstalledApp& app : list)
-            out.append(app.name);
-        return out;
-    }
-
     const CleanItem& leftover(const QString& suffix)
     {
         for (const CleanItem& item : apps().leftovers()) {
@@ -88,20 +89,28 @@ protected:
 
 } // namespace
 
-TEST_F(AppsModelTest, TheListLoadsFirstAndItsSizesFollowInTheBackground)
+TEST_F(AppsModelTest, TheFirstVisitLoadsTheListOnceAndItsSizesFollowInTheBackground)
 {
     QSignalSpy loading(&apps(), &AppsModel::isLoadingChanged);
-    apps().load();
+    apps().enter();
     EXPECT_TRUE(apps().isLoading());
     EXPECT_TRUE(state().isAnalyzing());
+    EXPECT_EQ(apps().headerLine(), QStringLiteral("Buscando…"));
     ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isLoading(); }, 10000));
     EXPECT_EQ(names(apps().apps()),
               (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
     ASSERT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
     for (const InstalledApp& app : apps().apps())
         EXPECT_GE(app.size.value_or(0), 100'000) << app.name.toStdString();
-    EXPECT_EQ(loading.count(), 2);
     EXPECT_FALSE(state().isAnalyzing());
+
+    apps().enter();
+    QTest::qWait(50);
+    EXPECT_EQ(loading.count(), 2) << "a later visit must not list the applications again";
+    // The header counts every application, whatever the search shows.
+    apps().setQuery(QStringLiteral("zet"));
+    EXPECT_EQ(apps().visible().size(), 1);
+    EXPECT_EQ(apps().headerLine(), QStringLiteral("3 instaladas"));
 }
 
 TEST_F(AppsModelTest, SearchIgnoresCaseAndAccentsAndTheThreeOrdersHold)
@@ -115,38 +124,83 @@ TEST_F(AppsModelTest, SearchIgnoresCaseAndAccentsAndTheThreeOrdersHold)
     EXPECT_TRUE(apps().visible().isEmpty());
     apps().setQuery(QString());
 
-    apps().setSort(AppsModel::Sort::Size);
+    // The picker takes only its three orders.
+    QSignalSpy sort(&apps(), &AppsModel::sortChanged);
+    apps().chooseSort(-1);
+    apps().chooseSort(3);
+    EXPECT_EQ(sort.count(), 0);
+    apps().chooseSort(1);
+    EXPECT_EQ(apps().sort(), AppsModel::Sort::Size);
     EXPECT_EQ(names(apps().visible()),
               (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
-    apps().setSort(AppsModel::Sort::LastUse);
+    apps().chooseSort(2);
+    EXPECT_EQ(apps().sortTitle(), QStringLiteral("Ordenar por Último uso"));
     // Most recent first; the oldest use comes last.
     EXPECT_EQ(names(apps().visible()),
               (QStringList{QStringLiteral("Writer"), QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
     EXPECT_EQ(names(apps().unused()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
-    EXPECT_EQ(AppsModel::sortLabels(), (QStringList{QStringLiteral("Nombre"), QStringLiteral("Tamaño"),
-                                                    QStringLiteral("Último uso")}));
 }
 
-TEST_F(AppsModelTest, TheRemovalStartsWithTheBundleAndUntickingLowersItsSize)
+TEST_F(AppsModelTest, TheBundleLeadsTheRemovalCannotBeUntickedAndUntickingALeftoverLowersTheSize)
 {
     loadAndMeasure();
+    EXPECT_TRUE(apps().removalRows().isEmpty());
     selectWriter();
-    const QList<CleanItem> items = apps().removalItems();
-    ASSERT_EQ(items.size(), 3);
-    EXPECT_EQ(items.front().id, writer());
-    EXPECT_EQ(items.front().url(), writer());
-    EXPECT_EQ(items.front().size, apps().selected()->size.value());
-    const qint64 all = apps().removalSize();
-    const CleanItem cache = leftover(QStringLiteral("com.acme.writer"));
+    const QVariantList rows = apps().removalRows();
+    ASSERT_EQ(rows.size(), 3);
+    const QVariantMap bundle = rows.front().toMap();
+    EXPECT_EQ(bundle.value(QStringLiteral("id")).toString(), writer());
+    EXPECT_EQ(bundle.value(QStringLiteral("label")).toString(), QStringLiteral("Aplicación"));
+    EXPECT_TRUE(bundle.value(QStringLiteral("locked")).toBool());
+    EXPECT_EQ(apps().removalItems().front().url(), writer());
+    EXPECT_EQ(apps().removalItems().front().size, apps().selected()->size.value());
+    for (const QVariant& row : rows.mid(1)) {
+        EXPECT_FALSE(row.toMap().value(QStringLiteral("locked")).toBool());
+        EXPECT_TRUE(row.toMap().value(QStringLiteral("ticked")).toBool());
+    }
 
+    const qint64 all = apps().removalSize();
     QSignalSpy removal(&apps(), &AppsModel::removalChanged);
+    apps().toggle(writer());
+    apps().toggle(QStringLiteral("/not/a/leftover"));
+    EXPECT_EQ(removal.count(), 0);
+    EXPECT_EQ(apps().removalSize(), all);
+
+    const CleanItem cache = leftover(QStringLiteral("com.acme.writer"));
     apps().toggle(cache.id);
     EXPECT_EQ(apps().removalSize(), all - cache.size);
-    EXPECT_EQ(apps().removalItems().size(), 2);
     EXPECT_EQ(apps().removalItems().front().id, writer());
     apps().toggle(cache.id);
     EXPECT_EQ(apps().removalSize(), all);
     EXPECT_EQ(removal.count(), 2);
+
+    // Unticking every leftover leaves the bundle alone.
+    for (const CleanItem& item : apps().leftovers())
+        apps().toggle(item.id);
+    EXPECT_EQ(apps().removalCount(), 1);
+    EXPECT_EQ(apps().removalSize(), apps().selected()->size.value());
+}
+
+TEST_F(AppsModelTest, TheDetailTagsAStoreAppAndFollowsWhetherItRuns)
+{
+    loadAndMeasure();
+    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
+    QSignalSpy running(&apps(), &AppsModel::selectedRunningChanged);
+    selectWriter();
+    EXPECT_TRUE(apps().selectedApp().value(QStringLiteral("isStore")).toBool());
+    EXPECT_TRUE(apps().selectedRunning());
+    m_workspace.running.clear();
+    apps().refreshRunning();
+    EXPECT_FALSE(apps().selectedRunning());
+    EXPECT_EQ(running.count(), 2);
+
+    apps().select(path(QStringLiteral("Applications/Café Studio.app")));
+    EXPECT_FALSE(apps().selectedApp().value(QStringLiteral("isStore")).toBool());
+    // Choosing nothing known empties the detail and stops looking.
+    apps().select(QStringLiteral("/Applications/Gone.app"));
+    EXPECT_TRUE(apps().selectedApp().isEmpty());
+    EXPECT_FALSE(apps().selectedRunning());
+    EXPECT_TRUE(apps().removalRows().isEmpty());
 }
 
 TEST_F(AppsModelTest, UninstallAsksARunningCopyToQuitDeletesAndDropsTheApp)
@@ -204,33 +258,25 @@ TEST_F(AppsModelTest, AnAppWhoseBundleCannotBeDeletedStaysListed)
 TEST(AppsOrder, AnUnknownLastUseIsTheDistantPastAndSystemAppsAreNeverUnused)
 {
     const QDateTime now = QDateTime::fromSecsSinceEpoch(2000000000, Qt::UTC);
-    const auto app = [](const char* url, const char* name, std::optional<QDateTime> used, qint64 size) {
+    const auto app = [](const char* url, std::optional<QDateTime> used, qint64 size) {
         InstalledApp made;
         made.url = QString::fromUtf8(url);
-        made.name = QString::fromUtf8(name);
+        made.name = made.url.section(QLatin1Char('/'), -1).chopped(4);
         made.lastUsed = std::move(used);
         made.size = size;
         return made;
     };
     const QList<InstalledApp> list{
-        app("/Applications/Alpha.app", "Alpha", std::nullopt, 10),
-        app("/System/Applications/Beta.app", "Beta", std::nullopt, 30),
-        app("/Applications/Gamma.app", "Gamma", now.addSecs(-AppsModel::unusedAfterSeconds), 30),
-        app("/Applications/Delta.app", "Delta", now.addSecs(-AppsModel::unusedAfterSeconds - 1), 20),
+        app("/Applications/Alpha.app", std::nullopt, 10),
+        app("/System/Applications/Beta.app", std::nullopt, 30),
+        app("/Applications/Gamma.app", now.addSecs(-AppsModel::unusedAfterSeconds), 30),
+        app("/Applications/Delta.app", now.addSecs(-AppsModel::unusedAfterSeconds - 1), 20),
     };
-    const auto names = [](const QList<InstalledApp>& apps) {
-        QStringList out;
-        for (const InstalledApp& one : apps)
-            out.append(one.name);
-        return out.join(QLatin1Char(' '));
-    };
-    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::LastUse)),
-              QStringLiteral("Gamma Delta Alpha Beta"));
+    const auto joined = [](const QList<InstalledApp>& apps) { return names(apps).join(u' '); };
+    EXPECT_EQ(joined(AppsModel::arrange(list, {}, AppsModel::Sort::LastUse)), QStringLiteral("Gamma Delta Alpha Beta"));
     // Equal sizes keep the name order they came in.
-    EXPECT_EQ(names(AppsModel::arrange(list, {}, AppsModel::Sort::Size)),
-              QStringLiteral("Beta Gamma Delta Alpha"));
-    EXPECT_EQ(names(AppsModel::arrange(list, QStringLiteral("ALP"), AppsModel::Sort::Name)),
-              QStringLiteral("Alpha"));
+    EXPECT_EQ(joined(AppsModel::arrange(list, {}, AppsModel::Sort::Size)), QStringLiteral("Beta Gamma Delta Alpha"));
+    EXPECT_EQ(joined(AppsModel::arrange(list, QStringLiteral("ALP"), AppsModel::Sort::Name)), QStringLiteral("Alpha"));
     // Exactly 90 days is not yet unused; a second more is.
-    EXPECT_EQ(names(AppsModel::unusedOf(list, now)), QStringLiteral("Alpha Delta"));
+    EXPECT_EQ(joined(AppsModel::unusedOf(list, now)), QStringLiteral("Alpha Delta"));
 }
