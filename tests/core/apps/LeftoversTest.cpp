@@ -134,56 +134,45 @@ TEST_F(Leftovers, ItemsAreNamedByTheirLibraryFolderAndShowTheTildePath)
     EXPECT_EQ(items.last().size, 0);
 }
 
+// A name that starts with the identifier and a dot is ours unless the registry places that
+// identifier in another app, even the app's own preferences; a name equal to the identifier is
+// always ours.
 TEST_F(Leftovers, AnotherInstalledAppKeepsWhatItsIdentifierNames)
 {
+    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
     file(QStringLiteral("~/Library/Preferences/com.acme.writer.helper.plist"));
     file(QStringLiteral("~/Library/Preferences/com.acme.writer.cloud.plist"));
     folder(QStringLiteral("~/Library/Saved Application State/com.acme.writer.helper.savedState"));
+    folder(QStringLiteral("~/Library/Containers/com.acme.writer"));
     // The identifier between dots, not at the start: accepted without asking the registry.
     file(QStringLiteral("~/Library/Preferences/group.com.acme.writer.helper"));
     const InstalledApp app = writer();
     workspace.applications.insert(QStringLiteral("com.acme.writer.helper"),
                                   at(QStringLiteral("/Applications/Helper.app")));
+    workspace.applications.insert(QStringLiteral("com.acme.writer"),
+                                  at(QStringLiteral("/Volumes/Other/Acme Writer.app")));
     // The registry placing the same app at its own location, spelled differently, is no other owner.
     workspace.applications.insert(QStringLiteral("com.acme.writer.cloud"), app.url + QStringLiteral("/"));
 
     EXPECT_EQ(relative(catalog().leftovers(app)),
-              (QStringList{QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.cloud.plist"),
+              (QStringList{QStringLiteral("/Users/ana/Library/Containers/com.acme.writer"),
+                           QStringLiteral("/Users/ana/Library/Preferences/com.acme.writer.cloud.plist"),
                            QStringLiteral("/Users/ana/Library/Preferences/group.com.acme.writer.helper")}));
 }
 
-TEST_F(Leftovers, OwnPreferencesAreLeftWhenTheRegistryPlacesTheAppElsewhere)
-{
-    file(QStringLiteral("~/Library/Preferences/com.acme.writer.plist"));
-    folder(QStringLiteral("~/Library/Containers/com.acme.writer"));
-    const InstalledApp app = writer();
-    workspace.applications.insert(QStringLiteral("com.acme.writer"),
-                                  at(QStringLiteral("/Volumes/Other/Acme Writer.app")));
-    // The ".plist" starts with the identifier and a dot, so the registry decides; the container
-    // equals the identifier and is always this app's.
-    EXPECT_EQ(relative(catalog().leftovers(app)),
-              (QStringList{QStringLiteral("/Users/ana/Library/Containers/com.acme.writer")}));
-}
-
-TEST_F(Leftovers, WithoutIdentifierOnlyNamesMatchAndOnlyWhereNamesAreUsed)
+TEST_F(Leftovers, WithoutIdentifierOnlyNamesMatchOnlyWhereNamesAreUsedAndNeverShortOnes)
 {
     for (const char* path :
          {"~/Library/Application Support/Sketchy/x", "~/Library/Caches/sketchy/x",
           "~/Library/Logs/Sketchy.log", "~/Library/Logs/Sketchy", "~/Library/Preferences/Sketchy",
-          "~/Library/Containers/Sketchy/x", "/Library/Caches/Sketchy"})
+          "~/Library/Containers/Sketchy/x", "/Library/Caches/Sketchy", "~/Library/Application Support/Qt/x",
+          "~/Library/Caches/a.bc/x", "~/Library/Preferences/a.bc.plist"})
         file(QString::fromUtf8(path));
     EXPECT_EQ(relative(catalog().leftovers(named(QStringLiteral("Sketchy"), std::nullopt))),
               (QStringList{QStringLiteral("/Library/Caches/Sketchy"),
                            QStringLiteral("/Users/ana/Library/Application Support/Sketchy"),
                            QStringLiteral("/Users/ana/Library/Caches/sketchy"),
                            QStringLiteral("/Users/ana/Library/Logs/Sketchy")}));
-}
-
-TEST_F(Leftovers, ShortNamesAndShortIdentifiersMatchNothing)
-{
-    file(QStringLiteral("~/Library/Application Support/Qt/x"));
-    file(QStringLiteral("~/Library/Caches/a.bc/x"));
-    file(QStringLiteral("~/Library/Preferences/a.bc.plist"));
     EXPECT_TRUE(catalog().leftovers(named(QStringLiteral("Qt"), std::nullopt)).isEmpty());
     // An identifier of four characters is never matched by identifier, and the name is too short.
     EXPECT_TRUE(catalog().leftovers(named(QStringLiteral("ab"), QStringLiteral("a.bc"))).isEmpty());

@@ -113,16 +113,13 @@ TEST_F(Orphans, EachFolderTurnsNamesIntoIdentifiersItsOwnWay)
     expectSoundItems(items);
 }
 
-TEST_F(Orphans, GatedFoldersAreSkippedWithoutFullDiskAccess)
+TEST_F(Orphans, GatedFoldersAreSkippedWithoutFullDiskAccessAndMissingRootsGiveNothing)
 {
     data(QStringLiteral("~/Library/Containers/com.gone.app"));
     const QString support = data(QStringLiteral("~/Library/Application Support/com.gone.app"));
     fullDiskAccess = false;
     EXPECT_EQ(found(), QStringList{support});
-}
-
-TEST_F(Orphans, AMissingLibraryAndMissingRootsGiveNothing)
-{
+    fullDiskAccess = true;
     QDir(m_tree.root()).removeRecursively();
     EXPECT_TRUE(found().isEmpty());
 }

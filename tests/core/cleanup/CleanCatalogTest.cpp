@@ -1,11 +1,12 @@
 #include "core/cleanup/CleanCatalog.h"
 
 #include "core/cleanup/CleanGroup.h"
+#include "core/cleanup/CleanItem.h"
+#include "support/FixtureFiles.h"
 
-#include <atomic>
+#include <QFile>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <thread>
-#include <vector>
 
 using namespace nubo;
 
@@ -36,33 +37,31 @@ TEST(CleanCatalog, RowsComeInOneBlockPerGroupAndOnlyUnselectedRowsWarn)
     }
 }
 
-// Several scans start at once on the pool: the rules must be bound exactly once and every
-// thread must see the same finished list.
-TEST(CleanCatalog, RulesAreBoundOnceEvenWhenManyThreadsAskAtOnce)
+TEST(CleanItem, PathItemMeasuresTheAllocatedSizeOfTheWholeTreeAndShowsTheTildePath)
 {
-    std::atomic<int> calls = 0;
-    const CleanCatalog catalog([&calls](const QString& id) -> CleanCategory::Scan {
-        ++calls;
-        if (id != QLatin1String("trash"))
-            return {}; // a rule not written yet
-        return [] {
-            return QList<CleanItem>{CleanItem(QStringLiteral("/x"), QStringLiteral("x"), QStringLiteral("/x"),
-                                              10, CleanItem::Remove{QStringLiteral("/x")})};
-        };
-    });
-    std::vector<std::thread> threads;
-    std::vector<const QList<CleanCategory>*> seen(8, nullptr);
-    for (size_t i = 0; i < seen.size(); ++i)
-        threads.emplace_back([&, i] { seen[i] = &catalog.all(); });
-    for (std::thread& thread : threads)
-        thread.join();
-    const int rows = int(CleanCatalog::rows().size());
-    EXPECT_EQ(calls.load(), rows);
-    for (const auto* list : seen)
-        EXPECT_EQ(list, seen.front());
-    for (const CleanCategory& category : catalog.all()) {
-        ASSERT_TRUE(category.scan) << category.id.toStdString();
-        EXPECT_EQ(category.scan().size(), category.id == QLatin1String("trash") ? 1 : 0);
-    }
-    EXPECT_EQ(calls.load(), rows);
+    QTemporaryDir home;
+    const QString folder = home.filePath(QStringLiteral("Library/Caches/com.acme.writer"));
+    const qint64 written = test::writeFile(folder + QStringLiteral("/a"), 5000) +
+                           test::writeFile(folder + QStringLiteral("/inner/b"), 70'000);
+    // A sparse file is long but holds almost no blocks: its length must not count.
+    QFile sparse(folder + QStringLiteral("/sparse"));
+    ASSERT_TRUE(sparse.open(QIODevice::WriteOnly) && sparse.resize(50 * 1024 * 1024));
+    sparse.close();
+
+    const CleanItem item = CleanItem::atPath(folder + QLatin1Char('/'), home.path());
+    EXPECT_EQ(item.name, QStringLiteral("com.acme.writer"));
+    EXPECT_EQ(item.detail, QStringLiteral("~/Library/Caches/com.acme.writer/"));
+    EXPECT_EQ(item.size, written + test::blocksOf(sparse.fileName()));
+    EXPECT_EQ(item.url(), folder + QLatin1Char('/'));
+
+    // A path that has gone measures nothing and keeps its path.
+    const CleanItem gone =
+        CleanItem::atPath(QStringLiteral("/nonexistent/nubo/thing/"), QStringLiteral("/home/x"));
+    EXPECT_EQ(gone.size, 0);
+    EXPECT_EQ(gone.name, QStringLiteral("thing"));
+    EXPECT_EQ(gone.url(), QStringLiteral("/nonexistent/nubo/thing/"));
+    // A command item has no path that could be removed or revealed.
+    EXPECT_FALSE(
+        CleanItem(QStringLiteral("docker"), {}, {}, 1, CleanItem::Command{QStringLiteral("docker"), {}})
+            .url());
 }

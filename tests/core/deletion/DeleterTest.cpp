@@ -1,14 +1,24 @@
-#include "DeletionFixture.h"
-#include "core/deletion/Removal.h"
+#include "core/deletion/Deleter.h"
 #include "core/files/NativePath.h"
+#include "core/files/SystemRoots.h"
+#include "core/safety/Safety.h"
 #include "core/shell/Shell.h"
+#include "platform/fake/FakeAdminRunner.h"
 #include "support/AppleScriptText.h"
 #include "support/OrdinaryUser.h"
+#include "support/TempTree.h"
 
-#include <QFile>
+#include <QFileInfo>
+
 #include <cerrno>
 #include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <set>
+#include <string>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +26,31 @@ using namespace nubo;
 using namespace nubo::test;
 
 namespace {
+
+// A temporary world for deletions: a home folder (so the gate has its protected places) and a
+// "work" folder of things to delete, in a tree that can list everything, so a test can prove
+// that nothing but the given items disappeared.
+class DeletionFixture : public ::testing::Test, protected TempTree
+{
+protected:
+    void SetUp() override
+    {
+        for (const char* folder : {"home/Library/Caches", "Library", "tmp", "work"})
+            dir(folder);
+        m_safety = std::make_unique<Safety>(SystemRoots{path("home"), path("Library"), path("tmp")},
+                                            SafetyRules::forMac());
+        m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
+    }
+
+    [[nodiscard]] DeletionResult run(const QList<DeletionItem>& items, bool allowAdmin)
+    {
+        return m_deleter->deleteItems(items, allowAdmin);
+    }
+
+    std::unique_ptr<Safety> m_safety;
+    FakeAdminRunner m_admin;
+    std::unique_ptr<Deleter> m_deleter;
+};
 
 QStringList failedPaths(const DeletionResult& result)
 {
@@ -121,47 +156,37 @@ TEST_F(DeleterTest, ProtectedPathsAreRefusedWithTheirReasonAndTouched)
     EXPECT_TRUE(m_admin.requests().isEmpty());
 }
 
-TEST_F(DeleterTest, NameThatIsNotUtf8IsNeverActedOnThroughItsLossyText)
+TEST_F(DeleterTest, NameThatIsNotUtf8IsRemovedOnlyThroughItsExactText)
 {
-    // GIVEN a file whose name is not UTF-8 and a neighbour whose name is the replacement
-    // character that the first one's text turns into
+    // GIVEN a file whose name is not UTF-8, a neighbour whose name is the replacement character
+    // that the first one's lossy text turns into, and one with a question mark in its place
     file("work/odd/a\xff");
     file("work/odd/a\xef\xbf\xbd");
+    file("work/odd/a?");
+    const std::set<std::string> before = listing();
     const QString lossy = path("work/odd/a\xff");
     ASSERT_TRUE(lossy.contains(QChar::ReplacementCharacter));
-    const std::set<std::string> before = listing();
+    // The text the scanner and the listings give for the odd name keeps its bytes.
+    const QString exact = NativePath::decode(NativePath::encode(path("work/odd")) + "/a\xff");
+    ASSERT_TRUE(NativePath::hasEscapedBytes(exact));
 
-    const DeletionResult result = run({{lossy, 10}}, true);
-
-    // THEN it is neither reported gone nor is the neighbour removed in its place
+    // WHEN the lossy text is given THEN it is neither reported gone nor is the neighbour removed
+    // in its place
+    DeletionResult result = run({{lossy, 10}}, true);
     EXPECT_TRUE(result.deleted.isEmpty());
     EXPECT_EQ(result.failed, (QList<DeletionFailure>{{lossy, QStringLiteral("No se pudo borrar")}}));
     EXPECT_EQ(result.freed, 0);
     EXPECT_EQ(listing(), before);
     EXPECT_TRUE(m_admin.requests().isEmpty());
-}
 
-TEST_F(DeleterTest, NameThatIsNotUtf8IsRemovedThroughTheScannersExactText)
-{
-    // GIVEN the same pair, and the text the scanner and the listings give for the odd name,
-    // which keeps its bytes
-    file("work/odd/a\xff");
-    file("work/odd/a\xef\xbf\xbd");
-    file("work/odd/a?");
-    const QString exact = NativePath::decode(NativePath::encode(path("work/odd")) + "/a\xff");
-    ASSERT_TRUE(NativePath::hasEscapedBytes(exact));
-
-    const DeletionResult result = run({{exact, 10}}, false);
-
-    // THEN that file, and only that file, is gone
+    // WHEN the exact text is given THEN that file, and only that file, is gone
+    result = run({{exact, 10}}, false);
     EXPECT_EQ(result.deleted, QStringList{exact});
     EXPECT_EQ(result.freed, 10);
-    EXPECT_FALSE(exists("work/odd/a\xff"));
-    EXPECT_TRUE(exists("work/odd/a\xef\xbf\xbd"));
-    EXPECT_TRUE(exists("work/odd/a?"));
+    EXPECT_EQ(listing(), without(before, {"work/odd/a\xff"}));
 }
 
-TEST_F(DeleterTest, FreedAddsLargeSizesExactlyAndIgnoresNegativeOnes)
+TEST_F(DeleterTest, FreedAddsLargeSizesExactlyAndAStoppedBatchReachesNothing)
 {
     file("work/a");
     file("work/b");
@@ -171,6 +196,15 @@ TEST_F(DeleterTest, FreedAddsLargeSizesExactlyAndIgnoresNegativeOnes)
         run({{path("work/a"), big}, {path("work/c"), -big}, {path("work/b"), big}}, false);
     EXPECT_EQ(result.freed, 2 * big);
     EXPECT_EQ(result.deleted.size(), 3);
+
+    // Stopped ("Cancelar"), a batch reaches nothing more: untouched items are neither gone nor failed.
+    file("work/d");
+    StopSource stop;
+    stop.requestStop();
+    const DeletionResult stopped = m_deleter->deleteItems({{path("work/d"), 1}}, true, stop.token());
+    EXPECT_TRUE(stopped.stopped);
+    EXPECT_TRUE(stopped.deleted.isEmpty() && stopped.failed.isEmpty());
+    EXPECT_TRUE(QFileInfo::exists(path("work/d")));
 }
 
 // ---- rights: an ordinary user facing folders it may not write ----
@@ -195,7 +229,7 @@ protected:
     // the same as the command line, and runs that line with /bin/sh with the rights restored.
     void runAdminCommandsAs(OrdinaryUser& user)
     {
-        m_admin.handler = [this, &user](const AdminRequest& request) {
+        m_admin.handler = [&user](const AdminRequest& request) {
             EXPECT_EQ(shellCommandOf(request.script), request.commandLine);
             const ShellResult shell = user.asAdministrator([&request] {
                 return Shell::run(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), request.commandLine});
@@ -207,151 +241,63 @@ protected:
 
 TEST_F(DeleterRightsTest, WithoutAdminTheSystemsMessageIsTheReason)
 {
+    // GIVEN a file in a folder of someone else's, and one inside a folder the user may not even
+    // look into: the system cannot say whether it exists, which must never be read as "already gone"
     file("work/locked/root-file", 20);
-    const std::set<std::string> before = listing();
-
-    DeletionResult result;
-    {
-        OrdinaryUser user(lockedFolders());
-        ASSERT_TRUE(user.active()) << "cannot act as an ordinary user here";
-        result = run({{path("work/locked/root-file"), 20}, {path("work/mine/own"), 50}}, false);
-    }
-
-    EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/locked/root-file"),
-                                                      QString::fromLocal8Bit(std::strerror(EACCES))}}));
-    EXPECT_EQ(result.deleted, QStringList{path("work/mine/own")});
-    EXPECT_EQ(result.freed, 50);
-    EXPECT_TRUE(m_admin.requests().isEmpty());
-    EXPECT_EQ(listing(), without(before, {"work/mine/own"}));
-}
-
-TEST_F(DeleterRightsTest, ItemBehindAFolderThatMayNotBeSearchedIsNotCalledGone)
-{
-    // GIVEN a file inside a folder the user may not even look into: the system cannot say
-    // whether it exists, which must never be read as "already gone"
     dir("work/sealed", 0700);
     file("work/sealed/secret", 9);
     const std::set<std::string> before = listing();
 
     DeletionResult result;
     {
-        OrdinaryUser user({bytes("work/sealed")});
-        ASSERT_TRUE(user.active());
+        OrdinaryUser user(lockedFolders());
+        ASSERT_TRUE(user.active()) << "cannot act as an ordinary user here";
         if (::geteuid() != 0)
             ::chmod(bytes("work/sealed").constData(), 0);
-        result = run({{path("work/sealed/secret"), 9}}, false);
+        result = run({{path("work/locked/root-file"), 20},
+                      {path("work/sealed/secret"), 9},
+                      {path("work/mine/own"), 50}},
+                     false);
         if (::geteuid() != 0)
             ::chmod(bytes("work/sealed").constData(), 0755);
     }
 
-    EXPECT_TRUE(result.deleted.isEmpty());
-    EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/sealed/secret"),
-                                                      QString::fromLocal8Bit(std::strerror(EACCES))}}));
-    EXPECT_EQ(result.freed, 0);
-    EXPECT_EQ(listing(), before);
+    const QString denied = QString::fromLocal8Bit(std::strerror(EACCES));
+    EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/locked/root-file"), denied},
+                                                     {path("work/sealed/secret"), denied}}));
+    EXPECT_EQ(result.deleted, QStringList{path("work/mine/own")});
+    EXPECT_EQ(result.freed, 50);
+    EXPECT_TRUE(m_admin.requests().isEmpty());
+    EXPECT_EQ(listing(), without(before, {"work/mine/own"}));
 }
 
-TEST_F(DeleterRightsTest, OneAdministratorRunForTheWholeBatch)
+TEST_F(DeleterRightsTest, OneAdministratorRunForTheWholeBatchWhateverTheNames)
 {
-    // GIVEN three items the user may not delete, in two folders, among others it may delete
+    // GIVEN items the user may not delete, in two folders, among one it may delete: a file, a
+    // folder, and names with a double quote, a backslash, a single quote, a newline, a leading
+    // "-", spaces and shell syntax, each of those next to a look-alike that must stay
     file("work/locked/one", 1);
     file("work/locked/inner/two", 2);
     dir("work/locked/inner/three");
     file("work/locked/inner/three/x", 3);
     file("work/locked/stays", 4);
-    const std::set<std::string> before = listing();
-
-    DeletionResult result;
-    {
-        OrdinaryUser user(lockedFolders());
-        ASSERT_TRUE(user.active());
-        runAdminCommandsAs(user);
-        result = run({{path("work/locked/one"), 100},
-                      {path("work/mine/own"), 50},
-                      {path("work/locked/inner/two"), 200},
-                      {path("work/locked/inner/three"), 300}},
-                     true);
-    }
-
-    // THEN one prompt removed all three; the user's own item went without it
-    ASSERT_EQ(m_admin.requests().size(), 1);
-    EXPECT_EQ(
-        m_admin.requests().first().commandLine,
-        QStringLiteral("/bin/rm -rf -- '%1' '%2' '%3'")
-            .arg(path("work/locked/one"), path("work/locked/inner/two"), path("work/locked/inner/three")));
-    EXPECT_TRUE(result.failed.isEmpty()) << failedPaths(result).join(QLatin1Char(',')).toStdString();
-    EXPECT_EQ(result.deleted, (QStringList{path("work/mine/own"), path("work/locked/one"),
-                                           path("work/locked/inner/two"), path("work/locked/inner/three")}));
-    EXPECT_EQ(result.freed, 650);
-    EXPECT_EQ(listing(), without(before, {"work/mine/own", "work/locked/one", "work/locked/inner/two",
-                                          "work/locked/inner/three"}));
-}
-
-TEST_F(DeleterRightsTest, RefusedPromptMarksEveryQueuedItem)
-{
-    file("work/locked/one");
-    file("work/locked/inner/two");
-    const std::set<std::string> before = listing();
-    m_admin.outcome = AdminOutcome::Failed;
-
-    DeletionResult result;
-    {
-        OrdinaryUser user(lockedFolders());
-        ASSERT_TRUE(user.active());
-        result = run(
-            {{path("work/locked/one"), 1}, {path("work/locked/inner/two"), 2}, {path("work/mine/own"), 50}},
-            true);
-    }
-
-    EXPECT_EQ(m_admin.requests().size(), 1);
-    const QString denied = QStringLiteral("Permiso de administrador denegado");
-    EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/locked/one"), denied},
-                                                     {path("work/locked/inner/two"), denied}}));
-    EXPECT_EQ(result.deleted, QStringList{path("work/mine/own")});
-    EXPECT_EQ(result.freed, 50);
-    EXPECT_EQ(listing(), without(before, {"work/mine/own"}));
-}
-
-TEST_F(DeleterRightsTest, AdministratorRunThatLeavesItemsBehindIsReportedPerItem)
-{
-    // GIVEN a runner that reports success (or could not even start the script) but removes nothing
-    file("work/locked/one");
-    const std::set<std::string> before = listing();
-    for (const AdminOutcome outcome : {AdminOutcome::Succeeded, AdminOutcome::Unavailable}) {
-        m_admin.outcome = outcome;
-        DeletionResult result;
-        {
-            OrdinaryUser user(lockedFolders());
-            ASSERT_TRUE(user.active());
-            result = run({{path("work/locked/one"), 1}}, true);
-        }
-        EXPECT_EQ(result.failed,
-                  (QList<DeletionFailure>{{path("work/locked/one"), QStringLiteral("No se pudo borrar")}}));
-        EXPECT_EQ(result.freed, 0);
-        EXPECT_EQ(listing(), before);
-    }
-}
-
-TEST_F(DeleterRightsTest, OddNamesReachThePrivilegedRemovalIntact)
-{
-    // GIVEN names with a double quote, a backslash, a single quote, a newline, a leading "-",
-    // spaces and shell syntax, each next to a look-alike that must stay
-    const QList<QByteArray> names{"say \"hi\"",
-                                  "back\\slash",
-                                  "it's",
-                                  "new\nline",
-                                  "-rf",
-                                  "two  spaces ",
-                                  "$(touch pwned) `touch pwned2`",
-                                  "*",
-                                  "\\\"",
-                                  "ñandú"};
-    QList<DeletionItem> items;
-    std::set<std::string> removed;
-    for (const QByteArray& name : names) {
+    QList<DeletionItem> items{{path("work/locked/one"), 100},
+                              {path("work/mine/own"), 50},
+                              {path("work/locked/inner/two"), 200},
+                              {path("work/locked/inner/three"), 300}};
+    // The user's own item goes first, without the prompt; the others in the caller's order.
+    QStringList deleted{path("work/mine/own"), path("work/locked/one"), path("work/locked/inner/two"),
+                        path("work/locked/inner/three")};
+    std::set<std::string> removed{"work/mine/own", "work/locked/one", "work/locked/inner/two",
+                                  "work/locked/inner/three"};
+    for (const QByteArray& name :
+         {QByteArray("say \"hi\""), QByteArray("back\\slash"), QByteArray("it's"), QByteArray("new\nline"),
+          QByteArray("-rf"), QByteArray("two  spaces "), QByteArray("$(touch pwned) `touch pwned2`"),
+          QByteArray("*"), QByteArray("\\\""), QByteArray("ñandú")}) {
         file("work/locked/" + name, 1);
         file("work/locked/" + name + ".keep", 1);
         items.append({path("work/locked/" + name), 1});
+        deleted.append(path("work/locked/" + name));
         removed.insert(("work/locked/" + name).toStdString());
     }
     const std::set<std::string> before = listing();
@@ -364,11 +310,52 @@ TEST_F(DeleterRightsTest, OddNamesReachThePrivilegedRemovalIntact)
         result = run(items, true);
     }
 
-    EXPECT_EQ(m_admin.requests().size(), 1);
+    // THEN one prompt removed them all, exactly them; the user's own item went without it
+    ASSERT_EQ(m_admin.requests().size(), 1);
+    EXPECT_TRUE(m_admin.requests().first().commandLine.startsWith(
+        QStringLiteral("/bin/rm -rf -- '%1' '%2' '%3' ")
+            .arg(path("work/locked/one"), path("work/locked/inner/two"), path("work/locked/inner/three"))));
     EXPECT_TRUE(result.failed.isEmpty()) << failedPaths(result).join(QLatin1Char(',')).toStdString();
-    EXPECT_EQ(result.deleted.size(), names.size());
-    EXPECT_EQ(result.freed, names.size());
+    EXPECT_EQ(result.deleted, deleted);
+    EXPECT_EQ(result.freed, 650 + 10);
     EXPECT_EQ(listing(), without(before, removed));
+}
+
+TEST_F(DeleterRightsTest, AnAdministratorRunThatRemovesNothingFailsEveryQueuedItem)
+{
+    // GIVEN a prompt the user refuses, a runner that reports success but removes nothing, and one
+    // that could not even start the script
+    file("work/locked/one");
+    file("work/locked/inner/two");
+    const std::set<std::string> before = listing();
+    const QString denied = QStringLiteral("Permiso de administrador denegado");
+    const QString notDeleted = QStringLiteral("No se pudo borrar");
+    for (const auto& [outcome, reason] :
+         {std::pair{AdminOutcome::Failed, denied}, std::pair{AdminOutcome::Succeeded, notDeleted},
+          std::pair{AdminOutcome::Unavailable, notDeleted}}) {
+        SCOPED_TRACE(testing::Message() << "outcome " << static_cast<int>(outcome));
+        file("work/mine/own", 50);
+        OrdinaryUser::handOver(bytes("work/mine/own"));
+        m_admin.outcome = outcome;
+        const qsizetype prompts = m_admin.requests().size();
+        DeletionResult result;
+        {
+            OrdinaryUser user(lockedFolders());
+            ASSERT_TRUE(user.active());
+            result = run({{path("work/locked/one"), 1},
+                          {path("work/locked/inner/two"), 2},
+                          {path("work/mine/own"), 50}},
+                         true);
+        }
+
+        // THEN one prompt for both, each reported with the reason, and only the user's own item gone
+        EXPECT_EQ(m_admin.requests().size(), prompts + 1);
+        EXPECT_EQ(result.failed, (QList<DeletionFailure>{{path("work/locked/one"), reason},
+                                                         {path("work/locked/inner/two"), reason}}));
+        EXPECT_EQ(result.deleted, QStringList{path("work/mine/own")});
+        EXPECT_EQ(result.freed, 50);
+        EXPECT_EQ(listing(), without(before, {"work/mine/own"}));
+    }
 }
 
 TEST_F(DeleterRightsTest, ThePrivilegedCommandNamesExactlyTheBytesItWasGiven)

@@ -117,7 +117,7 @@ TEST_F(CleanModelTest, CategoriesLandOnTheirOwnAndOnlyDefaultOnesStartSelected)
     EXPECT_EQ(clean().selectedCount(), 1);
 }
 
-TEST_F(CleanModelTest, ACategoryToggleClearsAFullSelectionAndCompletesAPartialOne)
+TEST_F(CleanModelTest, ACategoryToggleClearsAFullSelectionAndCompletesAPartialOneAndNoneCleansNothing)
 {
     const QString id = categoriesSelectedByDefault(false).first();
     const CleanItem a = pathItem(QStringLiteral("home/Downloads/a"), 1000);
@@ -133,6 +133,13 @@ TEST_F(CleanModelTest, ACategoryToggleClearsAFullSelectionAndCompletesAPartialOn
     clean().toggleCategory(id);
     EXPECT_EQ(clean().state(id), CleanModel::CategoryState::None);
     EXPECT_EQ(clean().selectedCount(), 0);
+
+    // Nothing selected: a clean deletes nothing and reports nothing.
+    QSignalSpy cleaning(&clean(), &CleanModel::isCleaningChanged);
+    clean().clean();
+    EXPECT_EQ(cleaning.count(), 0);
+    EXPECT_FALSE(state().hasToast());
+    EXPECT_TRUE(exists(QStringLiteral("home/Downloads/a/data")));
 }
 
 TEST_F(CleanModelTest, ACleanDeletesCommandsRunFailuresStayAndOneReportIsMade)
@@ -196,18 +203,6 @@ TEST_F(CleanModelTest, ACancelledCleanReportsWhatItDidAndLeavesTheRestListedAndS
     EXPECT_EQ(state().toast()->failures, 0);
     EXPECT_EQ(ids(clean().items(tools)), (QStringList{held.id, never.id}));
     EXPECT_TRUE(clean().isSelected(held.id) && clean().isSelected(never.id));
-}
-
-TEST_F(CleanModelTest, NothingSelectedCleansNothingAndReportsNothing)
-{
-    const QString id = categoriesSelectedByDefault(false).first();
-    rule(id, [this] { return QList<CleanItem>{pathItem(QStringLiteral("home/Downloads/x"), 100)}; });
-    scanAndWait();
-    QSignalSpy cleaning(&clean(), &CleanModel::isCleaningChanged);
-    clean().clean();
-    EXPECT_EQ(cleaning.count(), 0);
-    EXPECT_FALSE(state().hasToast());
-    EXPECT_TRUE(exists(QStringLiteral("home/Downloads/x/data")));
 }
 
 TEST_F(CleanModelTest, TheNewestScanOfACategoryWinsWhateverFinishesLast)
@@ -333,58 +328,11 @@ TEST_F(CleanModelTest, TheOverviewGroupsEveryCategoryUnderItsHeadingInCatalogueO
     EXPECT_EQ(field(clean().categories(), QStringLiteral("countText")).count(QString()), 0);
 }
 
-TEST_F(CleanModelTest, TheDetailPageFollowsThePathAndTheSelection)
+TEST_F(CleanModelTest, TheDetailPageFollowsThePathAndTheSelectionAndRevealsOnlyWhatAnAddressNames)
 {
     const QString id = categoriesSelectedByDefault(false).first();
     file(QStringLiteral("home/Downloads/big/inside"), 8192);
     file(QStringLiteral("home/Downloads/one.pkg"), 4096);
-    const CleanItem folderItem = CleanItem::atPath(path(QStringLiteral("home/Downloads/big")), m_roots.home);
-    const CleanItem fileItem =
-        CleanItem::atPath(path(QStringLiteral("home/Downloads/one.pkg")), m_roots.home);
-    CleanItem owned = CleanItem::atPath(path(QStringLiteral("home/Downloads/big/inside")), m_roots.home);
-    owned.appURL = QStringLiteral("/Applications/Writer Pro.app");
-    const CleanItem command(QStringLiteral("cmd-prune\nnow"), QStringLiteral("prune\nnow"), QString(), 1000,
-                            CleanItem::Command{QStringLiteral("/usr/bin/true"), {}});
-    rule(id, [=] { return QList<CleanItem>{folderItem, fileItem, owned, command}; });
-    scanAndWait();
-
-    EXPECT_TRUE(clean().detail().isEmpty());
-    QSignalSpy detailChanged(&clean(), &CleanModel::detailChanged);
-    clean().open(id);
-    EXPECT_EQ(clean().path(), QStringList{id});
-    EXPECT_GE(detailChanged.count(), 1);
-    QVariantMap page = clean().detail();
-    EXPECT_EQ(page.value(QStringLiteral("countLine")).toString(), QStringLiteral("0 de 4 seleccionados"));
-    const QVariantList items = page.value(QStringLiteral("items")).toList();
-    EXPECT_EQ(field(items, QStringLiteral("symbol")),
-              (QStringList{QStringLiteral("folder.fill"), QStringLiteral("doc.fill"),
-                           QStringLiteral("doc.fill"), QStringLiteral("terminal.fill")}));
-    EXPECT_EQ(field(items, QStringLiteral("appInitial")),
-              (QStringList{QString(), QString(), QStringLiteral("W"), QString()}));
-    EXPECT_EQ(items.at(2).toMap().value(QStringLiteral("appName")).toString(), QStringLiteral("Writer Pro"));
-    // What a row shows is one line, while the id every action uses stays the real path.
-    EXPECT_EQ(items.at(3).toMap().value(QStringLiteral("name")).toString(), QStringLiteral("prune↵now"));
-    EXPECT_EQ(items.at(3).toMap().value(QStringLiteral("id")).toString(), command.id);
-
-    detailChanged.clear();
-    clean().toggleCategory(id);
-    EXPECT_GE(detailChanged.count(), 1);
-    page = clean().detail();
-    EXPECT_EQ(page.value(QStringLiteral("countLine")).toString(), QStringLiteral("4 de 4 seleccionados"));
-    clean().toggleItem(fileItem.id);
-    EXPECT_EQ(clean().detail().value(QStringLiteral("state")).toString(), QStringLiteral("partial"));
-
-    clean().open(QStringLiteral("no-such-category"));
-    EXPECT_TRUE(clean().detail().isEmpty());
-    clean().open(QString());
-    EXPECT_TRUE(clean().path().isEmpty());
-    EXPECT_TRUE(clean().detail().isEmpty());
-}
-
-TEST_F(CleanModelTest, RevealPointsAtTheHoldingFolderButNeverAtALookAlike)
-{
-    const QString id = categoriesSelectedByDefault(false).first();
-    file(QStringLiteral("home/Downloads/plain/file.zip"), 100);
     // A folder whose name is not UTF-8, holding a folder: the item must still be drawn as a
     // folder, and no address may stand for its parent.
     const QByteArray odd =
@@ -398,28 +346,56 @@ TEST_F(CleanModelTest, RevealPointsAtTheHoldingFolderButNeverAtALookAlike)
     });
     const QString oddInner = NativePath::decode(odd + "/inner");
     ASSERT_TRUE(NativePath::hasEscapedBytes(oddInner));
-    const CleanItem plain =
-        CleanItem::atPath(path(QStringLiteral("home/Downloads/plain/file.zip")), m_roots.home);
-    const CleanItem hidden = CleanItem::atPath(oddInner, m_roots.home, QStringLiteral("inner"), 4096);
-    const CleanItem command(QStringLiteral("cmd-x"), QStringLiteral("x"), QString(), 10,
+    const CleanItem folderItem = CleanItem::atPath(path(QStringLiteral("home/Downloads/big")), m_roots.home);
+    const CleanItem fileItem =
+        CleanItem::atPath(path(QStringLiteral("home/Downloads/one.pkg")), m_roots.home);
+    CleanItem owned = CleanItem::atPath(path(QStringLiteral("home/Downloads/big/inside")), m_roots.home);
+    owned.appURL = QStringLiteral("/Applications/Writer Pro.app");
+    const CleanItem command(QStringLiteral("cmd-prune\nnow"), QStringLiteral("prune\nnow"), QString(), 1000,
                             CleanItem::Command{QStringLiteral("/usr/bin/true"), {}});
-    rule(id, [=] { return QList<CleanItem>{plain, hidden, command}; });
+    const CleanItem hidden = CleanItem::atPath(oddInner, m_roots.home, QStringLiteral("inner"), 4096);
+    rule(id, [=] { return QList<CleanItem>{folderItem, fileItem, owned, command, hidden}; });
     scanAndWait();
 
-    EXPECT_EQ(clean().revealUrl(plain.id), QUrl::fromLocalFile(path(QStringLiteral("home/Downloads/plain"))));
-    EXPECT_TRUE(clean().revealUrl(hidden.id).isEmpty());
-    EXPECT_TRUE(clean().revealUrl(command.id).isEmpty());
-    EXPECT_TRUE(clean().revealUrl(QStringLiteral("/nowhere/at/all")).isEmpty());
-    // Only the item that has a button reaches the file manager, with its exact path.
-    for (const CleanItem* item : {&plain, &hidden, &command})
-        clean().revealItem(item->id);
-    EXPECT_EQ(m_workspace.revealedPaths, QStringList{path(QStringLiteral("home/Downloads/plain/file.zip"))});
-
+    EXPECT_TRUE(clean().detail().isEmpty());
+    QSignalSpy detailChanged(&clean(), &CleanModel::detailChanged);
     clean().open(id);
+    EXPECT_EQ(clean().path(), QStringList{id});
+    EXPECT_GE(detailChanged.count(), 1);
+    const auto countLine = [this] { return clean().detail().value(QStringLiteral("countLine")).toString(); };
+    EXPECT_EQ(countLine(), QStringLiteral("0 de 5 seleccionados"));
     const QVariantList items = clean().detail().value(QStringLiteral("items")).toList();
-    ASSERT_EQ(items.size(), 3);
-    EXPECT_TRUE(items.at(0).toMap().value(QStringLiteral("canReveal")).toBool());
-    EXPECT_FALSE(items.at(1).toMap().value(QStringLiteral("canReveal")).toBool());
-    EXPECT_EQ(items.at(1).toMap().value(QStringLiteral("symbol")).toString(), QStringLiteral("folder.fill"));
-    EXPECT_FALSE(items.at(2).toMap().value(QStringLiteral("canReveal")).toBool());
+    const QString folderSymbol = QStringLiteral("folder.fill");
+    const QString fileSymbol = QStringLiteral("doc.fill");
+    EXPECT_EQ(field(items, QStringLiteral("symbol")),
+              (QStringList{folderSymbol, fileSymbol, fileSymbol, QStringLiteral("terminal.fill"),
+                           folderSymbol}));
+    EXPECT_EQ(field(items, QStringLiteral("appName")),
+              (QStringList{QString(), QString(), QStringLiteral("Writer Pro"), QString(), QString()}));
+    EXPECT_EQ(field(items, QStringLiteral("canReveal")),
+              (QStringList{QStringLiteral("true"), QStringLiteral("true"), QStringLiteral("true"),
+                           QStringLiteral("false"), QStringLiteral("false")}));
+    // What a row shows is one line, while the id every action uses stays the real path.
+    EXPECT_EQ(items.at(3).toMap().value(QStringLiteral("name")).toString(), QStringLiteral("prune↵now"));
+    EXPECT_EQ(items.at(3).toMap().value(QStringLiteral("id")).toString(), command.id);
+
+    // Only the item that has a button reaches the file manager, with its exact path.
+    EXPECT_EQ(clean().revealUrl(fileItem.id), QUrl::fromLocalFile(path(QStringLiteral("home/Downloads"))));
+    EXPECT_TRUE(clean().revealUrl(QStringLiteral("/nowhere/at/all")).isEmpty());
+    for (const CleanItem* item : {&fileItem, &hidden, &command})
+        clean().revealItem(item->id);
+    EXPECT_EQ(m_workspace.revealedPaths, QStringList{path(QStringLiteral("home/Downloads/one.pkg"))});
+
+    detailChanged.clear();
+    clean().toggleCategory(id);
+    EXPECT_GE(detailChanged.count(), 1);
+    EXPECT_EQ(countLine(), QStringLiteral("5 de 5 seleccionados"));
+    clean().toggleItem(fileItem.id);
+    EXPECT_EQ(clean().detail().value(QStringLiteral("state")).toString(), QStringLiteral("partial"));
+
+    clean().open(QStringLiteral("no-such-category"));
+    EXPECT_TRUE(clean().detail().isEmpty());
+    clean().open(QString());
+    EXPECT_TRUE(clean().path().isEmpty());
+    EXPECT_TRUE(clean().detail().isEmpty());
 }

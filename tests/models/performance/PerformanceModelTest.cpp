@@ -20,7 +20,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
-#include <sys/stat.h>
+#include <signal.h>
 #include <unistd.h>
 
 using namespace nubo;
@@ -165,17 +165,9 @@ TEST_F(PerformanceModelTest, AnItemThatCannotBeDeletedStaysListed)
     EXPECT_EQ(m_model->items().size(), 2);
     EXPECT_TRUE(QFile::exists(path("Library/LaunchDaemons/com.sys.daemon.plist")));
 
-    // An agent in a folder the user may not write to, with the administrator's help refused.
-    const QString folder = path("home/Library/LaunchAgents");
-    if (::geteuid() != 0) {
-        ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
-        m_model->remove(item("com.me.agent").url);
-        ASSERT_TRUE(failed.wait(10000));
-        EXPECT_EQ(m_model->items().size(), 2);
-        ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    }
-
-    // Once nothing stands in the way the same removal goes through.
+    // Why a removal fails (a refused prompt, a folder the user may not write to) is LaunchItemsTest's
+    // and DeleterTest's; whatever the reason the list keeps the item. Once nothing stands in the
+    // way a removal goes through: the user's own agent needs no prompt.
     m_model->remove(item("com.me.agent").url);
     ASSERT_TRUE(changed.wait(10000));
     ASSERT_EQ(m_model->items().size(), 1);
@@ -185,7 +177,6 @@ TEST_F(PerformanceModelTest, AnItemThatCannotBeDeletedStaysListed)
 
 TEST_F(PerformanceModelTest, RunningATaskAgainHidesItsOutcomeUntilItEnds)
 {
-    QSignalSpy running(m_model.get(), &PerformanceModel::runningChanged);
     m_model->run(QStringLiteral("verify"));
     EXPECT_TRUE(m_model->running().contains(QStringLiteral("verify")));
     ASSERT_TRUE(eventually([&] { return m_model->running().isEmpty(); }, 10000));
