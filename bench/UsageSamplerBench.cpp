@@ -27,7 +27,7 @@ namespace {
 
 qsizetype processCount(const ProcessTable& table)
 {
-    std::vector<qint32> pids(size_t(UsageSampler::kMaxProcesses));
+    std::vector<qint32> pids(static_cast<size_t>(UsageSampler::kMaxProcesses));
     return table.listPids(pids);
 }
 

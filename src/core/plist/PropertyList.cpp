@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QTimeZone>
 #include <QVariantList>
 #include <algorithm>
 #include <cerrno>
@@ -118,7 +119,7 @@ QVariant convert(plist_t node, int depth)
         plist_get_date_val(node, &seconds, &micros);
 #pragma GCC diagnostic pop
         const qint64 ms = (static_cast<qint64>(seconds) + kAppleEpochOffset) * 1000 + micros / 1000;
-        return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC);
+        return QDateTime::fromMSecsSinceEpoch(ms, QTimeZone::utc());
     }
     default: // keys, uids and anything newer releases may add carry nothing we read
         return {};

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QRandomGenerator>
+#include <QTimeZone>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -26,7 +27,7 @@ QVariantMap sample()
         {QStringLiteral("Enabled"), true},
         {QStringLiteral("Ratio"), 0.5},
         {QStringLiteral("Blob"), QByteArray("\x00\x01\xff", 3)},
-        {QStringLiteral("When"), QDateTime::fromMSecsSinceEpoch(1'700'000'000'000, Qt::UTC)},
+        {QStringLiteral("When"), QDateTime::fromMSecsSinceEpoch(1'700'000'000'000, QTimeZone::utc())},
         {QStringLiteral("List"), QVariantList{QStringLiteral("a"), qint64(1),
                                               QVariantMap{{QStringLiteral("k"), QStringLiteral("v")}}}},
     };

@@ -4,6 +4,7 @@
 
 #include <QLocale>
 #include <QSignalSpy>
+#include <QTimeZone>
 #include <QTest>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -235,7 +236,7 @@ TEST_F(AppsModelTest, AnAppWhoseBundleCannotBeDeletedStaysListed)
 
 TEST(AppsOrder, AnUnknownLastUseIsTheDistantPastAndSystemAppsAreNeverUnused)
 {
-    const QDateTime now = QDateTime::fromSecsSinceEpoch(2000000000, Qt::UTC);
+    const QDateTime now = QDateTime::fromSecsSinceEpoch(2000000000, QTimeZone::utc());
     const auto app = [](const char* url, std::optional<QDateTime> used, qint64 size) {
         InstalledApp made;
         made.url = QString::fromUtf8(url);
