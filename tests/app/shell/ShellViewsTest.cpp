@@ -30,8 +30,9 @@ TEST_F(ShellViewsTest, TheToastOfADeletionFloatsOverTheDetail)
     ASSERT_NE(toast, nullptr);
     for (const QSize size : {DefaultSize, MinimumSize}) {
         const QString suffix = size == DefaultSize ? QStringLiteral("default") : QStringLiteral("minimum");
+        // It fades in over frames, which a sanitizer build draws slowly.
+        EXPECT_TRUE(QTest::qWaitFor([toast] { return toast->isVisible(); }, 5000));
         snapshot(window, size, QStringLiteral("main-toast-") + suffix);
-        EXPECT_TRUE(toast->isVisible());
         // The toast follows the window's new height once the layout has run, however slowly.
         EXPECT_TRUE(QTest::qWaitFor([&] { return toast->y() + toast->height() <= qreal(size.height()); }, 5000))
             << toast->y() + toast->height() << " > " << size.height();

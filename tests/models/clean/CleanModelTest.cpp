@@ -192,7 +192,7 @@ TEST_F(CleanModelTest, ACancelledCleanReportsWhatItDidAndLeavesTheRestListedAndS
     scanAndWait();
     clean().toggleCategory(tools);
     clean().clean({tools});
-    ASSERT_TRUE(QTest::qWaitFor([this] { return m_commandsRun.size() == 2; }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_commandsStarted == 2; }, 10000));
 
     clean().cancelClean();
     EXPECT_TRUE(clean().isCancelling());

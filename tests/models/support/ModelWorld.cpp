@@ -46,6 +46,7 @@ void ModelWorld::SetUp()
                     if (stop.stopRequested())
                         break;
                     m_commandsRun.append(item);
+                    ++m_commandsStarted;
                     // A held command runs until it is stopped, like a tool the user cancels.
                     for (int turn = 0; m_heldCommands.contains(item.name) && turn < 1000; ++turn) {
                         if (stop.stopRequested())

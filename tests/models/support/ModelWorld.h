@@ -77,6 +77,8 @@ protected:
     QHash<QString, CleanCategory::Scan> m_rules;
     /// The command items the runner was handed, and the names it is told to fail.
     QList<CleanItem> m_commandsRun;
+    /// Read while a clean runs; the list itself only once it has landed.
+    std::atomic<int> m_commandsStarted = 0;
     QStringList m_failingCommands;
     QStringList m_heldCommands;
     /// Running applications the quitter has been asked to stop, and whether it lets them go.
