@@ -141,11 +141,14 @@ void Jobs::stop(const QString& lane)
     m_lanes.erase(it);
 }
 
-void Jobs::interrupt(const QString& lane)
+bool Jobs::interrupt(const QString& lane)
 {
     const auto it = m_lanes.find(lane);
-    if (it != m_lanes.end())
-        it->source.requestStop();
+    if (it == m_lanes.end() || it->interrupted)
+        return false;
+    it->interrupted = true;
+    it->source.requestStop();
+    return true;
 }
 
 void Jobs::stopAll(const QString& prefix)
@@ -169,7 +172,7 @@ void Jobs::launch(const QString& lane, Erased work, Landing land, std::function<
     StopSource drop;
     const StopToken token = source.token();
     const StopToken dropped = drop.token();
-    m_lanes.insert(lane, Pending{id, std::move(source), std::move(drop), std::move(land), std::move(failed)});
+    m_lanes.insert(lane, Pending{id, std::move(source), std::move(drop), false, std::move(land), std::move(failed)});
 
     enterRunning();
     auto body = [mailbox = m_mailbox, lane, id, token, dropped, work = std::move(work)]() mutable {

@@ -83,8 +83,15 @@ public:
     /// Stops the job of `lane`, if any: it is asked to stop and its result is dropped.
     void stop(const QString& lane);
     /// Asks the job of `lane` to stop where it can and still lands what it did until then: the
-    /// user's "Cancelar" on a batch, whose partial result must reach the screen.
-    void interrupt(const QString& lane);
+    /// user's "Cancelar" on a batch, whose partial result must reach the screen. True when this
+    /// call interrupted it (it ran and had not been interrupted yet).
+    bool interrupt(const QString& lane);
+    /// Whether the job of `lane` was interrupted and its result has not landed yet.
+    [[nodiscard]] bool isInterrupted(const QString& lane) const
+    {
+        const auto it = m_lanes.constFind(lane);
+        return it != m_lanes.constEnd() && it->interrupted;
+    }
     /// Stops every job whose lane begins with `prefix`.
     void stopAll(const QString& prefix = {});
     /// Whether `lane` has a job whose result is still awaited.
@@ -106,6 +113,7 @@ private:
         StopSource source;
         /// Seen only by the job's ending: asked by a stop, which drops the result.
         StopSource drop;
+        bool interrupted = false;
         Landing land;
         std::function<void()> failed;
     };

@@ -523,12 +523,9 @@ void CleanModel::clean(const QStringList& categoryIds)
 
 void CleanModel::cancelClean()
 {
-    if (!m_isCleaning || m_isCancelling)
-        return;
-    m_isCancelling = true;
     // The batch stops before its next item and still lands, so what it did is reported.
-    m_jobs.interrupt(QStringLiteral("clean"));
-    emit isCleaningChanged();
+    if (m_jobs.interrupt(QStringLiteral("clean")))
+        emit isCleaningChanged();
 }
 
 void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted,
@@ -555,7 +552,6 @@ void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanIt
     // What failed stays listed and selected, so the user can try it again.
     m_selected.subtract(gone);
     m_isCleaning = false;
-    m_isCancelling = false;
     emit selectionChanged();
     emit categoriesChanged();
     emit isCleaningChanged();

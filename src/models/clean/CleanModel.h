@@ -106,7 +106,7 @@ public:
     [[nodiscard]] bool hasScanned() const { return m_hasScanned; }
     [[nodiscard]] bool isScanning() const { return !m_loading.isEmpty(); }
     [[nodiscard]] bool isCleaning() const { return m_isCleaning; }
-    [[nodiscard]] bool isCancelling() const { return m_isCancelling; }
+    [[nodiscard]] bool isCancelling() const { return m_jobs.isInterrupted(QStringLiteral("clean")); }
 
     /// Runs every category's rule; each list replaces the old one as it arrives, and the items of
     /// categories that start selected are selected.
@@ -180,7 +180,6 @@ private:
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
-    bool m_isCancelling = false;
     // Last, so that it goes first: nothing lands on a model that is being taken apart.
     Jobs m_jobs{this};
 };

@@ -142,7 +142,6 @@ void MapModel::setScanning(bool scanning)
 
 void MapModel::setDeleting(bool deleting)
 {
-    m_isCancelling = false;
     assignAndNotify(this, m_isDeleting, deleting, &MapModel::isDeletingChanged);
 }
 
@@ -533,11 +532,8 @@ void MapModel::deleteMarked()
 
 void MapModel::cancelDeletion()
 {
-    if (!m_isDeleting || m_isCancelling)
-        return;
-    m_isCancelling = true;
-    m_jobs.interrupt(QStringLiteral("delete"));
-    emit isDeletingChanged();
+    if (m_jobs.interrupt(QStringLiteral("delete")))
+        emit isDeletingChanged();
 }
 
 void MapModel::finishDeletion(const Tree& tree, const QList<const FileNode*>& removed,

@@ -118,7 +118,7 @@ public:
     [[nodiscard]] const QString& scanningPath() const { return m_scanningPath; }
     [[nodiscard]] int revision() const { return m_revision; }
     [[nodiscard]] bool isDeleting() const { return m_isDeleting; }
-    [[nodiscard]] bool isCancelling() const { return m_isCancelling; }
+    [[nodiscard]] bool isCancelling() const { return m_jobs.isInterrupted(QStringLiteral("delete")); }
     [[nodiscard]] bool isMarked(const FileNode* node) const { return m_marked.contains(node); }
     /// What deleting the marks would free: a node marked inside another marked one is counted once.
     [[nodiscard]] qint64 markedSize() const;
@@ -269,7 +269,6 @@ private:
     QString m_scanningPath;
     int m_revision = 0;
     bool m_isDeleting = false;
-    bool m_isCancelling = false;
     // Last, so that it goes first: nothing lands on a model that is being taken apart.
     Jobs m_jobs{this};
 };

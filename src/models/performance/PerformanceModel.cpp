@@ -60,6 +60,16 @@ void PerformanceModel::openLoginItemsSettings() const
     m_launchItems->openLoginItemsSettings();
 }
 
+QStringList PerformanceModel::cancellingList() const
+{
+    QStringList list;
+    for (const QString& id : runningList()) {
+        if (m_jobs.isInterrupted(QStringLiteral("task:") + id))
+            list.append(id);
+    }
+    return list;
+}
+
 QStringList PerformanceModel::runningList() const
 {
     QStringList list(m_running.begin(), m_running.end());
@@ -202,7 +212,6 @@ void PerformanceModel::run(const QString& taskId)
             m_outcomes.insert(taskId, ran.outcome);
             emit outcomesChanged();
             m_running.remove(taskId);
-            m_cancelling.remove(taskId);
             emit runningChanged();
             if (ran.snapshots)
                 setSnapshotCount(*ran.snapshots);
@@ -211,7 +220,6 @@ void PerformanceModel::run(const QString& taskId)
             m_outcomes.insert(taskId, {false, QStringLiteral("Error")});
             emit outcomesChanged();
             m_running.remove(taskId);
-            m_cancelling.remove(taskId);
             emit runningChanged();
         });
 }
@@ -219,11 +227,9 @@ void PerformanceModel::run(const QString& taskId)
 void PerformanceModel::cancel(const QString& taskId)
 {
     const std::optional<MaintenanceTask> task = MaintenanceCatalog::task(taskId);
-    if (!task || task->needsAdmin || !m_running.contains(taskId) || m_cancelling.contains(taskId))
-        return;
-    m_cancelling.insert(taskId);
-    m_jobs.interrupt(QStringLiteral("task:") + taskId);
-    emit runningChanged();
+    // Behind the password prompt a task cannot be stopped: it ends when the prompt is answered.
+    if (task && !task->needsAdmin && m_jobs.interrupt(QStringLiteral("task:") + taskId))
+        emit runningChanged();
 }
 
 void PerformanceModel::setSnapshotCount(int count)

@@ -54,7 +54,7 @@ public:
     [[nodiscard]] bool isLoading() const { return m_jobs.isRunning(QStringLiteral("launch")); }
     [[nodiscard]] const QSet<QString>& running() const { return m_running; }
     [[nodiscard]] QStringList runningList() const;
-    [[nodiscard]] QStringList cancellingList() const { return m_cancelling.values(); }
+    [[nodiscard]] QStringList cancellingList() const;
     [[nodiscard]] const QHash<QString, MaintenanceTask::Outcome>& outcomes() const { return m_outcomes; }
     /// Task id → {"ok", "message"}.
     [[nodiscard]] QVariantMap outcomesMap() const;
@@ -109,7 +109,6 @@ private:
     bool m_rereadAfterAction = false;
     quint64 m_actions = 0;
     QSet<QString> m_running;
-    QSet<QString> m_cancelling;
     QHash<QString, MaintenanceTask::Outcome> m_outcomes;
     int m_snapshotCount = 0;
     bool m_hasLoaded = false;
