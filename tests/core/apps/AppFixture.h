@@ -12,6 +12,7 @@
 #include "support/FixtureFiles.h"
 #include "support/PlistWriter.h"
 #include "support/TempTree.h"
+#include "support/Column.h"
 
 #include <QDir>
 #include <QSet>
@@ -97,13 +98,7 @@ protected:
         return *m_catalog;
     }
 
-    static QStringList paths(const QList<CleanItem>& items)
-    {
-        QStringList list;
-        for (const CleanItem& item : items)
-            list << item.id;
-        return list;
-    }
+    static QStringList paths(const QList<CleanItem>& items) { return test::column(items, &CleanItem::id); }
 
     /// What every list of items must hold: no path twice, nothing the safety gate refuses.
     void expectSoundItems(const QList<CleanItem>& items)

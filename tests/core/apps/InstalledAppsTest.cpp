@@ -1,4 +1,5 @@
 #include "AppFixture.h"
+#include "support/Column.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,13 +13,7 @@ class InstalledApps : public AppTree
 {
 protected:
     QStringList names() { return names(catalog().load()); }
-    static QStringList names(const QList<InstalledApp>& apps)
-    {
-        QStringList list;
-        for (const InstalledApp& app : apps)
-            list << app.name;
-        return list;
-    }
+    static QStringList names(const QList<InstalledApp>& apps) { return test::column(apps, &InstalledApp::name); }
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "models/apps/AppsModel.h"
 
 #include "../support/ModelWorld.h"
+#include "support/Column.h"
 
 #include <QLocale>
 #include <QSignalSpy>
@@ -16,10 +17,7 @@ namespace {
 
 QStringList names(const QList<InstalledApp>& list)
 {
-    QStringList out;
-    for (const InstalledApp& app : list)
-        out.append(app.name);
-    return out;
+    return test::column(list, &InstalledApp::name);
 }
 
 // Three applications: one used last week, one used long ago whose name has an

@@ -3,6 +3,7 @@
 #include "../support/ModelWorld.h"
 #include "core/cleanup/CleanCatalog.h"
 #include "core/files/NativePath.h"
+#include "support/Column.h"
 
 #include <QFileInfo>
 #include <QScopeGuard>
@@ -52,13 +53,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return !clean().isCleaning(); }, 10000));
     }
 
-    static QStringList ids(const QList<CleanItem>& items)
-    {
-        QStringList out;
-        for (const CleanItem& item : items)
-            out.append(item.id);
-        return out;
-    }
+    static QStringList ids(const QList<CleanItem>& items) { return column(items, &CleanItem::id); }
 
     static QStringList field(const QVariantList& rows, const QString& key)
     {

@@ -9,6 +9,7 @@
 #include "models/performance/PerformanceTexts.h"
 #include "models/text/Counts.h"
 #include "models/text/ResultTexts.h"
+#include "support/Column.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -261,10 +262,7 @@ Recommendations::Inputs::Category category(const char* id, qint64 size, qint64 c
 
 QStringList ids(const QList<Recommendation>& list)
 {
-    QStringList out;
-    for (const Recommendation& row : list)
-        out << row.id;
-    return out;
+    return test::column(list, &Recommendation::id);
 }
 
 } // namespace
