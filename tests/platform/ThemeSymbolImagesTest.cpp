@@ -6,6 +6,8 @@
 
 #include <QIcon>
 
+#include <algorithm>
+
 using namespace nubo;
 
 namespace {
@@ -24,6 +26,8 @@ bool hasInk(const QImage& image)
 
 } // namespace
 
+// Every symbol the frame and the file kinds show has an installed theme icon; an unknown or empty
+// symbol draws the neutral glyph, at the size asked.
 TEST(ThemeSymbolImages, EverySymbolTheFrameShowsHasAnInstalledThemeIconAndOthersTheNeutralGlyph)
 {
     ThemeSymbolImages images;
@@ -35,21 +39,14 @@ TEST(ThemeSymbolImages, EverySymbolTheFrameShowsHasAnInstalledThemeIconAndOthers
         symbols << QString::fromLatin1(name);
     for (FileKind kind : FileKinds::all)
         symbols << FileKinds::symbol(kind);
-
     for (const QString& symbol : symbols) {
         const QStringList names = ThemeSymbolImages::themeNames(symbol);
-        ASSERT_FALSE(names.isEmpty()) << symbol.toStdString();
-        const bool installed =
-            std::any_of(names.begin(), names.end(), [](const QString& n) { return QIcon::hasThemeIcon(n); });
-        EXPECT_TRUE(installed) << symbol.toStdString() << " has no icon in theme "
-                               << QIcon::themeName().toStdString();
-        const QImage image = images.render(symbol, QSize(24, 24));
-        EXPECT_FALSE(image.isNull());
-        EXPECT_TRUE(hasInk(image)) << symbol.toStdString();
+        EXPECT_TRUE(
+            std::any_of(names.begin(), names.end(), [](const QString& n) { return QIcon::hasThemeIcon(n); }))
+            << symbol.toStdString() << " has no icon in theme " << QIcon::themeName().toStdString();
+        EXPECT_TRUE(hasInk(images.render(symbol, QSize(24, 24)))) << symbol.toStdString();
     }
-
-    // An unknown or empty symbol draws the neutral glyph.
-    EXPECT_EQ(images.render(QStringLiteral("no.such.symbol"), QSize(20, 20)).size(), QSize(20, 20));
-    EXPECT_TRUE(hasInk(images.render(QStringLiteral("no.such.symbol"), QSize(20, 20))));
-    EXPECT_TRUE(hasInk(images.render(QString(), QSize())));
+    const QImage unknown = images.render(QStringLiteral("no.such.symbol"), QSize(20, 20));
+    EXPECT_EQ(unknown.size(), QSize(20, 20));
+    EXPECT_TRUE(hasInk(unknown) && hasInk(images.render(QString(), QSize())));
 }

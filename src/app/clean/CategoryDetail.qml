@@ -131,7 +131,7 @@ Item {
             Item { Layout.fillWidth: true }
             Text {
                 objectName: "detailItemCount"
-                text: page.detail.countText !== undefined ? page.detail.countText : ""
+                text: page.detail.itemCountText !== undefined ? page.detail.itemCountText : ""
                 color: Theme.textSecondary
                 font.family: Theme.fontFamily
                 font.pixelSize: Theme.fontSizeBody

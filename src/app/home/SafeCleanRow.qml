@@ -3,7 +3,7 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import Nubo.Models
 
-// The one-click clean of the categories that regenerate by themselves, asked for before it runs.
+// The one-click clean of the categories that regenerate by themselves; the button names its size.
 Rectangle {
     id: row
 
@@ -44,16 +44,7 @@ Rectangle {
             text: row.summary.safeButton
             prominent: true
             enabled: row.summary.canCleanSafe
-            onClicked: confirmation.open()
+            onClicked: row.summary.cleanSafe()
         }
-    }
-
-    DeleteConfirmation {
-        id: confirmation
-        objectName: "safeCleanConfirmation"
-        verb: "Limpiar"
-        count: row.summary.safeCount
-        size: row.summary.safeSize
-        onConfirmed: row.summary.cleanSafe()
     }
 }

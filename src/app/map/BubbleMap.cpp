@@ -490,7 +490,9 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
         font.setPixelSize(int(std::clamp(r * 0.2, 11.0, 15.0)));
         font.setWeight(QFont::DemiBold);
         const QFontMetricsF nameMetrics(font);
-        const QString name = nameMetrics.elidedText(drawn.node->name(), Qt::ElideMiddle, r * 1.6);
+        const QString name = fittedName(drawn.node->name(), nameMetrics, r * 1.6);
+        if (name.isEmpty())
+            continue;
         QFont small = font;
         small.setPixelSize(std::max(10, font.pixelSize() - 2));
         small.setWeight(QFont::Normal);
@@ -539,6 +541,17 @@ void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool 
         }
     }
     painter.setOpacity(1);
+}
+
+QString BubbleMap::fittedName(const QString& name, const QFontMetricsF& metrics, double width)
+{
+    if (metrics.horizontalAdvance(name) <= width)
+        return name;
+    // The start of a name is what people recognise it by; a middle cut ("Do…ts") reads as
+    // neither end.
+    const QString cut = metrics.elidedText(name, Qt::ElideRight, width);
+    constexpr qsizetype fewestLetters = 3;
+    return cut.size() - 1 >= fewestLetters ? cut : QString();
 }
 
 const QImage& BubbleMap::sprite(const Look& style, double r, qreal ratio)

@@ -15,6 +15,7 @@
 #include <unordered_map>
 #include <vector>
 
+class QFontMetricsF;
 class QPainter;
 class QSGNode;
 
@@ -68,6 +69,10 @@ public:
     Q_INVOKABLE QRectF childBubble(const QString& name) const;
     /// Starts the zoom from the previous folder again, from its first frame.
     Q_INVOKABLE void restartZoom();
+
+    /// The name a bubble shows in `width`: whole, cut at its end with "…", or nothing when the cut
+    /// would leave fewer than a few letters, which nobody could read.
+    [[nodiscard]] static QString fittedName(const QString& name, const QFontMetricsF& metrics, double width);
 
     /// Paints the bubbles and labels into `painter` over a view of `size`; the software path
     /// and the label layer of the geometry path both come here.

@@ -64,7 +64,7 @@ Item {
         Text {
             Layout.fillWidth: true
             horizontalAlignment: Text.AlignHCenter
-            text: "Analizando " + (scanning.model ? scanning.model.scopeLabel : "")
+            text: scanning.model ? scanning.model.scanningTitle : ""
             color: Theme.textPrimary
             font.family: Theme.fontFamily
             font.pixelSize: Theme.fontSizeTitle
@@ -75,7 +75,7 @@ Item {
             spacing: Theme.spacingHuge
             ScanFigure {
                 objectName: "scannedFiles"
-                value: scanning.model ? scanning.model.scannedFiles.toString() : "0"
+                value: scanning.model ? scanning.model.scannedFilesText : "0"
                 caption: "archivos"
             }
             ScanFigure {

@@ -7,6 +7,21 @@ Rectangle {
     id: toast
 
     required property AppState appState
+    // The last toast's texts stay while the box slides away, so it never leaves empty.
+    property string headline: ""
+    property string detail: ""
+    property string symbol: ""
+    property bool hasFailures: false
+
+    function remember() {
+        if (!appState.hasToast)
+            return
+        headline = appState.toastHeadline
+        detail = appState.toastDetail
+        symbol = appState.toastSymbol
+        hasFailures = appState.toastHasFailures
+    }
+    Component.onCompleted: remember()
 
     implicitWidth: row.implicitWidth + Theme.spacingLarge * 2
     implicitHeight: row.implicitHeight + Theme.spacing * 1.5 * 2
@@ -21,14 +36,14 @@ Rectangle {
 
         SymbolIcon {
             id: icon
-            symbol: toast.appState.toastSymbol
-            tint: toast.appState.toastHasFailures ? Theme.orange : Theme.green
+            symbol: toast.symbol
+            tint: toast.hasFailures ? Theme.orange : Theme.green
             size: 22
         }
         ColumnLayout {
             spacing: 2
             Text {
-                text: toast.appState.toastHeadline
+                text: toast.headline
                 color: Theme.textPrimary
                 font.family: Theme.fontFamily
                 font.pixelSize: Theme.fontSizeBody
@@ -36,7 +51,7 @@ Rectangle {
             }
             Text {
                 visible: text.length > 0
-                text: toast.appState.toastDetail
+                text: toast.detail
                 color: Theme.textSecondary
                 font.family: Theme.fontFamily
                 font.pixelSize: Theme.fontSizeCaption
@@ -54,6 +69,11 @@ Rectangle {
     }
     Connections {
         target: toast.appState
-        function onToastChanged() { if (toast.appState.hasToast) bounce.restart() }
+        function onToastChanged() {
+            if (!toast.appState.hasToast)
+                return
+            toast.remember()
+            bounce.restart()
+        }
     }
 }

@@ -30,5 +30,9 @@ Item {
         Behavior on scale { NumberAnimation { duration: Theme.snappyUI.duration; easing.type: Easing.OutBack } }
         Behavior on opacity { NumberAnimation { duration: Theme.snappyUI.duration } }
     }
-    TapHandler { onTapped: check.toggled() }
+    // Takes the press for itself, so a row that opens on a tap does not open too.
+    TapHandler {
+        gesturePolicy: TapHandler.WithinBounds
+        onTapped: check.toggled()
+    }
 }

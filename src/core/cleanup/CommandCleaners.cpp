@@ -210,9 +210,9 @@ CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& item
             break;
         if (result.status == 0) {
             outcome.freed = checkedAdd(outcome.freed, std::max<qint64>(item.size, 0));
-            outcome.done << item.name;
+            outcome.done << item.id;
         } else {
-            outcome.failed << item.name;
+            outcome.failed << item.id;
         }
     }
     return outcome;

@@ -38,8 +38,9 @@ namespace CommandCleaners {
 /// a negative size or one too large to be real (an exabyte or more).
 [[nodiscard]] qint64 parseDockerSize(const QString& text);
 
-/// What running command items gave: the bytes announced for those that succeeded, their names,
-/// and the names of those that failed or ran past their time.
+/// What running command items gave: the bytes announced for those that succeeded, their ids, and
+/// the ids of those that failed or ran past their time (ids, since two items may share a name:
+/// two simulators called "iPhone 15").
 struct CommandOutcome
 {
     qint64 freed = 0;
@@ -50,7 +51,7 @@ struct CommandOutcome
 
 /// Runs the command items among `items` one after another on the calling thread, each with ten
 /// minutes to finish; items that remove a path are left to the deleter. Exit status 0 counts the
-/// item's announced size as freed (nothing is measured again); anything else lists its name as
+/// item's announced size as freed (nothing is measured again); anything else lists its id as
 /// failed. Asked to stop, the running command is ended and the items never reached are in
 /// neither list.
 [[nodiscard]] CommandOutcome runCommands(const ToolRunner& tools, const QList<CleanItem>& items,

@@ -44,8 +44,8 @@ void ShellController::setNativeMenus(bool native)
 
 void ShellController::rescan()
 {
-    // A scan started from the menu would otherwise run unseen behind another pane.
-    m_state.setPane(Pane::Map);
+    // The pane stays as it is: a shortcut does not pull the user away from what they read; the
+    // map shows the scan running whenever they go there.
     m_state.map()->rescan();
 }
 

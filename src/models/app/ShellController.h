@@ -47,7 +47,7 @@ public:
         return m_hasTray || platformReopens;
     }
 
-    /// "Escanear de nuevo": the map scans its current scope again, shown on the map pane.
+    /// "Escanear de nuevo": the map scans its current scope again; the pane does not change.
     Q_INVOKABLE void rescan();
     /// "Subir un nivel" on the map.
     Q_INVOKABLE void goUp();

@@ -1,6 +1,7 @@
 #include "models/apps/AppsTexts.h"
 
 #include "core/format/Bytes.h"
+#include "models/text/Counts.h"
 
 #include <QHash>
 #include <QLocale>
@@ -41,7 +42,7 @@ QString headerLine(bool loading, qint64 count)
 {
     if (loading)
         return QStringLiteral("Buscando…");
-    return QString::number(count) + QStringLiteral(" instaladas");
+    return Counts::number(count) + QStringLiteral(" instaladas");
 }
 
 QString sortTitle(const QString& sortLabel)

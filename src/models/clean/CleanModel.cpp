@@ -10,9 +10,13 @@
 #include "models/app/AppState.h"
 #include "models/apps/AppsTexts.h"
 #include "models/clean/CleanTexts.h"
+#include "models/text/Counts.h"
 
 #include <QFileInfo>
+#include <QMetaObject>
 #include <sys/stat.h>
+
+#include <utility>
 
 namespace nubo {
 
@@ -53,9 +57,22 @@ QString bundleName(const QString& bundlePath)
 CleanModel::CleanModel(std::shared_ptr<const ModelServices> services, QObject* parent)
     : QObject(parent), m_services(std::move(services))
 {
-    connect(this, &CleanModel::categoriesChanged, this, &CleanModel::detailChanged);
-    connect(this, &CleanModel::selectionChanged, this, &CleanModel::detailChanged);
-    connect(this, &CleanModel::pathChanged, this, &CleanModel::detailChanged);
+    // The detail page is rebuilt whole from `detail`; a clean or a scan's landing changes the
+    // items and the selection together, so the page hears of it once per turn of the event loop.
+    const auto detailDirty = [this] {
+        if (std::exchange(m_detailPending, true))
+            return;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                m_detailPending = false;
+                emit detailChanged();
+            },
+            Qt::QueuedConnection);
+    };
+    connect(this, &CleanModel::categoriesChanged, this, detailDirty);
+    connect(this, &CleanModel::selectionChanged, this, detailDirty);
+    connect(this, &CleanModel::pathChanged, this, detailDirty);
     connect(this, &CleanModel::categoriesChanged, this, &CleanModel::textsChanged);
     connect(this, &CleanModel::selectionChanged, this, &CleanModel::textsChanged);
     connect(this, &CleanModel::isScanningChanged, this, &CleanModel::textsChanged);
@@ -220,6 +237,9 @@ QVariantMap CleanModel::detail() const
     page.insert(QStringLiteral("countLine"), CleanTexts::detailCountLine(chosen, found.size()));
     page.insert(QStringLiteral("selectedSizeText"), Bytes::string(selectedSize(row->id)));
     page.insert(QStringLiteral("toggleLabel"), CleanTexts::toggleAllLabel(all));
+    // The header counts; "Nada que limpiar" is said once, where the list would be.
+    page.insert(QStringLiteral("itemCountText"),
+                m_loading.contains(row->id) ? QString() : Counts::items(found.size()));
     page.insert(QStringLiteral("items"), rows);
     return page;
 }
@@ -272,7 +292,7 @@ QVariantMap CleanModel::itemMap(const CleanItem& item) const
         {QStringLiteral("appInitial"),
          item.appURL ? AppsTexts::initial(bundleName(*item.appURL)) : QString()},
         {QStringLiteral("appHue"), item.appURL ? AppsTexts::tileHue(bundleName(*item.appURL)) : 0.0},
-        {QStringLiteral("canReveal"), !revealUrl(item.id).isEmpty()},
+        {QStringLiteral("canReveal"), !revealUrl(item).isEmpty()},
     };
 }
 
@@ -290,7 +310,13 @@ std::optional<CleanItem> CleanModel::findItem(const QString& itemId) const
 QUrl CleanModel::revealUrl(const QString& itemId) const
 {
     const auto item = findItem(itemId);
-    const auto path = item ? item->url() : std::nullopt;
+    return item ? revealUrl(*item) : QUrl();
+}
+
+QUrl CleanModel::revealUrl(const CleanItem& item)
+{
+    // Read off the item itself: a page of thousands of rows asks this once per row.
+    const auto path = item.url();
     if (!path)
         return {};
     const QString folder = QFileInfo(*path).path();
@@ -305,20 +331,8 @@ void CleanModel::revealItem(const QString& itemId) const
 {
     const auto item = findItem(itemId);
     const auto path = item ? item->url() : std::nullopt;
-    if (path && m_services->workspace && !revealUrl(itemId).isEmpty())
+    if (path && m_services->workspace && !revealUrl(*item).isEmpty())
         m_services->workspace->reveal(*path);
-}
-
-QVariantMap CleanModel::itemMaps() const
-{
-    QVariantMap all;
-    for (auto it = m_items.cbegin(); it != m_items.cend(); ++it) {
-        QVariantList rows;
-        for (const CleanItem& item : it.value())
-            rows.append(itemMap(item));
-        all.insert(it.key(), rows);
-    }
-    return all;
 }
 
 QStringList CleanModel::expanded() const
@@ -502,16 +516,16 @@ void CleanModel::clean(const QStringList& categoryIds)
                 } else {
                     // Without a runner nothing ran, and nothing may be reported as freed.
                     for (const CleanItem& item : commands)
-                        ran.failed.append(item.name);
+                        ran.failed.append(item.id);
                 }
                 outcome.freed = checkedAdd(outcome.freed, ran.freed);
                 outcome.failures += ran.failed.size();
-                outcome.failedNames = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
+                outcome.failedIds = QSet<QString>(ran.failed.cbegin(), ran.failed.cend());
                 // Cancelled, the commands never reached ran neither well nor badly.
                 if (stop.stopRequested()) {
                     for (const CleanItem& item : commands) {
-                        if (!ran.done.contains(item.name) && !ran.failed.contains(item.name))
-                            outcome.untouchedNames.insert(item.name);
+                        if (!ran.done.contains(item.id) && !ran.failed.contains(item.id))
+                            outcome.untouchedIds.insert(item.id);
                     }
                 }
             }
@@ -536,12 +550,19 @@ void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanIt
     if (m_app)
         m_app->report(outcome.freed, outcome.failures);
 
+    // A cleaned item leaves its list and the selection. One that failed stays listed but is no
+    // longer selected, so the next clean does not report it again unless the user ticks it; one
+    // the batch never reached (a cancel) stays listed and selected, as it was.
     QSet<QString> gone;
+    QSet<QString> cleaned;
     for (const CleanItem& item : attempted) {
         const auto path = item.url();
-        const bool stayed = path ? outcome.failedPaths.contains(*path) || outcome.untouched.contains(*path)
-                                 : outcome.failedNames.contains(item.name) || outcome.untouchedNames.contains(item.name);
-        if (!stayed)
+        const bool failed = path ? outcome.failedPaths.contains(*path) : outcome.failedIds.contains(item.id);
+        const bool untouched = path ? outcome.untouched.contains(*path) : outcome.untouchedIds.contains(item.id);
+        if (untouched)
+            continue;
+        cleaned.insert(item.id);
+        if (!failed)
             gone.insert(item.id);
     }
     for (const QString& id : categoryIds) {
@@ -549,8 +570,7 @@ void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanIt
         if (found != m_items.end())
             found->removeIf([&gone](const CleanItem& item) { return gone.contains(item.id); });
     }
-    // What failed stays listed and selected, so the user can try it again.
-    m_selected.subtract(gone);
+    m_selected.subtract(cleaned);
     m_isCleaning = false;
     emit selectionChanged();
     emit categoriesChanged();

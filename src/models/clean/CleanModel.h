@@ -31,8 +31,6 @@ class CleanModel : public QObject
     /// One map per catalogue row: id, group, title, subtitle, symbol, color, caution, loading,
     /// count, size, sizeText, selectedSize, state ("none", "all", "partial").
     Q_PROPERTY(QVariantList categories READ categories NOTIFY categoriesChanged)
-    /// Category id → list of item maps: id, name, detail, subtitle, size, sizeText, selected.
-    Q_PROPERTY(QVariantMap items READ itemMaps NOTIFY categoriesChanged)
     Q_PROPERTY(QStringList selected READ selectedIds NOTIFY selectionChanged)
     Q_PROPERTY(QStringList expanded READ expanded NOTIFY expandedChanged)
     Q_PROPERTY(QStringList path READ path WRITE setPath NOTIFY pathChanged)
@@ -49,8 +47,8 @@ class CleanModel : public QObject
     /// `categories` (the rows of `categories`).
     Q_PROPERTY(QVariantList groups READ groups NOTIFY categoriesChanged)
     /// The category the detail page shows (the first entry of `path`): its row of `categories`
-    /// plus countLine, selectedSizeText, toggleLabel, countText and its `items`; empty when the
-    /// overview shows or the id is unknown.
+    /// plus countLine, selectedSizeText, toggleLabel, itemCountText, countText and its `items`;
+    /// empty when the overview shows or the id is unknown.
     Q_PROPERTY(QVariantMap detail READ detail NOTIFY detailChanged)
     /// The screen's texts for the current figures.
     Q_PROPERTY(QString overviewLine READ overviewLine NOTIFY textsChanged)
@@ -99,7 +97,6 @@ public:
     [[nodiscard]] QString selectionLine() const;
     [[nodiscard]] QString totalSelectedText() const;
     [[nodiscard]] double scanProgress() const;
-    [[nodiscard]] QVariantMap itemMaps() const;
     [[nodiscard]] QStringList expanded() const;
     [[nodiscard]] const QStringList& path() const { return m_path; }
     void setPath(const QStringList& path);
@@ -159,13 +156,15 @@ private:
     {
         qint64 freed = 0;
         qint64 failures = 0;
-        QSet<QString> failedPaths;
-        QSet<QString> failedNames;
+        QSet<QString> failedPaths; ///< path items, by path
+        QSet<QString> failedIds;   ///< command items, by id
         QSet<QString> untouched;
-        QSet<QString> untouchedNames;
+        QSet<QString> untouchedIds;
     };
     void finishClean(const QStringList& categoryIds, const QList<CleanItem>& attempted, const Outcome& outcome);
     [[nodiscard]] const CleanCategory* category(const QString& categoryId) const;
+    /// The folder "magnifyingglass" opens for an item; empty when it has no such button.
+    [[nodiscard]] static QUrl revealUrl(const CleanItem& item);
     [[nodiscard]] QVariantMap itemMap(const CleanItem& item) const;
     [[nodiscard]] QVariantMap categoryMap(const CleanCategory& row) const;
     [[nodiscard]] std::optional<CleanItem> findItem(const QString& itemId) const;
@@ -180,6 +179,7 @@ private:
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
+    bool m_detailPending = false;
     // Last, so that it goes first: nothing lands on a model that is being taken apart.
     Jobs m_jobs{this};
 };

@@ -21,7 +21,7 @@ QString progressLine(int categoryCount, int loadingCount)
 {
     const int total = qMax(0, categoryCount);
     const int finished = qBound(0, total - loadingCount, total);
-    return QString::number(finished) + QStringLiteral(" de ") + QString::number(total) +
+    return Counts::number(finished) + QStringLiteral(" de ") + Counts::number(total) +
            QStringLiteral(" zonas revisadas");
 }
 
@@ -29,7 +29,7 @@ QString selectionLine(qint64 selectedCount)
 {
     if (selectedCount == 1)
         return QStringLiteral("1 elemento seleccionado");
-    return QString::number(selectedCount) + QStringLiteral(" elementos seleccionados");
+    return Counts::number(selectedCount) + QStringLiteral(" elementos seleccionados");
 }
 
 QString categoryHelp(bool allSelected)
@@ -48,7 +48,7 @@ QString categoryCount(bool loading, qint64 count)
 
 QString detailCountLine(qint64 selectedCount, qint64 count)
 {
-    return QString::number(selectedCount) + QStringLiteral(" de ") + QString::number(count) +
+    return Counts::number(selectedCount) + QStringLiteral(" de ") + Counts::number(count) +
            QStringLiteral(" seleccionados");
 }
 

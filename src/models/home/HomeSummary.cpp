@@ -110,7 +110,17 @@ QString HomeSummary::safeExplanation() const
 
 QString HomeSummary::safeButton() const
 {
-    return HomeTexts::safeButton(hasScanned() ? safeSize() : 0);
+    return HomeTexts::safeButton(hasScanned() ? safeSelectedSize() : 0);
+}
+
+qint64 HomeSummary::safeSelectedSize() const
+{
+    qint64 total = 0;
+    if (m_state) {
+        for (const QString& id : m_state->safeCategories())
+            total = checkedAdd(total, m_state->clean()->selectedSize(id));
+    }
+    return total;
 }
 
 qint64 HomeSummary::safeSize() const

@@ -34,8 +34,6 @@ class HomeSummary : public QObject
     Q_PROPERTY(QString diskTone READ diskTone NOTIFY changed)
     Q_PROPERTY(QString safeExplanation READ safeExplanation CONSTANT)
     Q_PROPERTY(QString safeButton READ safeButton NOTIFY changed)
-    Q_PROPERTY(qint64 safeSize READ safeSize NOTIFY changed)
-    Q_PROPERTY(int safeCount READ safeCount NOTIFY changed)
     Q_PROPERTY(bool canCleanSafe READ canCleanSafe NOTIFY changed)
     Q_PROPERTY(QVariantList recommendations READ recommendationMaps NOTIFY changed)
     Q_PROPERTY(QString nothingToReview READ nothingToReview CONSTANT)
@@ -63,7 +61,11 @@ public:
     [[nodiscard]] QString diskTone() const;
     [[nodiscard]] QString safeExplanation() const;
     [[nodiscard]] QString safeButton() const;
+    /// Everything the safe categories hold, for the header's safe share.
     [[nodiscard]] qint64 safeSize() const;
+    /// What the safe clean deletes, and so what its button shows: the safe categories' items the
+    /// user has left selected (all of them unless some were unticked on the cleanup pane).
+    [[nodiscard]] qint64 safeSelectedSize() const;
     /// The selected items of the safe categories: what the safe clean would delete.
     [[nodiscard]] int safeCount() const;
     /// Something safe is selected and no clean is running.
@@ -74,7 +76,8 @@ public:
     [[nodiscard]] QString footer() const;
 
     Q_INVOKABLE void analyze();
-    /// Cleans the selected items of the safe categories; the screen asks the user first.
+    /// Cleans the selected items of the safe categories at once: the button names the size it
+    /// frees, and these categories hold only what the system rebuilds by itself.
     Q_INVOKABLE void cleanSafe();
     /// Runs the button of the recommendation with this id; an unknown id does nothing.
     Q_INVOKABLE void perform(const QString& recommendationId);

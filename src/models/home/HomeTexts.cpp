@@ -34,7 +34,7 @@ QString diskLine(qint64 available, qint64 total)
 
 QString zonesLine(qint64 examined)
 {
-    return QString::number(examined) + QStringLiteral(" zonas revisadas");
+    return Counts::number(examined) + QStringLiteral(" zonas revisadas");
 }
 
 QString safeShare(qint64 safeSize)
@@ -76,7 +76,7 @@ QString unusedTitle(qint64 count)
 {
     if (count == 1)
         return QStringLiteral("1 app sin usar");
-    return QString::number(count) + QStringLiteral(" apps sin usar");
+    return Counts::number(count) + QStringLiteral(" apps sin usar");
 }
 
 QString unusedDetail(const QStringList& names)

@@ -14,7 +14,7 @@ QVariantMap Recommendation::toMap() const
             {QStringLiteral("title"), title},
             {QStringLiteral("detail"), detail},
             {QStringLiteral("size"), size},
-            {QStringLiteral("sizeText"), size > 0 ? Bytes::string(size) : QString()},
+            {QStringLiteral("sizeText"), size > 0 && !sizeInDetail ? Bytes::string(size) : QString()},
             {QStringLiteral("color"), color},
             {QStringLiteral("action"), action}};
 }
@@ -40,7 +40,7 @@ QList<Recommendation> build(const Inputs& inputs)
             continue;
         rest.append({QStringLiteral("category:") + category.id, category.symbol, category.title,
                      HomeTexts::categoryDetail(category.count, category.size), category.size, category.color,
-                     review, Recommendation::Action::RevealCategory, category.id});
+                     review, Recommendation::Action::RevealCategory, category.id, true});
     }
     if (!inputs.unusedApps.isEmpty()) {
         rest.append({QStringLiteral("unused"), QStringLiteral("square.stack.3d.up.slash.fill"),

@@ -27,6 +27,9 @@ struct Recommendation
     QString action;  ///< the button's label
     Action perform = Action::OpenMap;
     QString categoryId; ///< for RevealCategory
+    /// The detail already ends with the size ("3 elementos · 1,2 GB"), so the row does not
+    /// write it a second time beside the button.
+    bool sizeInDetail = false;
 
     [[nodiscard]] QVariantMap toMap() const;
     friend bool operator==(const Recommendation&, const Recommendation&) = default;

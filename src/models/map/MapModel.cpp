@@ -11,6 +11,7 @@
 #include "models/app/AppState.h"
 #include "models/app/Notify.h"
 #include "models/map/MapTexts.h"
+#include "models/text/Counts.h"
 #include "platform/Workspace.h"
 
 #include <QFileInfo>
@@ -42,6 +43,19 @@ QString MapModel::Scope::label() const
         break;
     }
     return QStringLiteral("Tu carpeta");
+}
+
+QString MapModel::Scope::scanningTitle() const
+{
+    switch (kind) {
+    case Kind::Folder:
+        return QStringLiteral("Analizando ") + label();
+    case Kind::Disk:
+        return QStringLiteral("Analizando el disco completo");
+    case Kind::Home:
+        break;
+    }
+    return QStringLiteral("Analizando tu carpeta");
 }
 
 MapModel::MapModel(std::shared_ptr<const ModelServices> services, QObject* parent)
@@ -110,8 +124,10 @@ QString MapModel::hoveredName() const
 
 qint64 MapModel::markedSize() const
 {
+    // Every marked node counts with its own size, also one inside a marked folder: the figure
+    // answers "how large is what I picked", while the deletion itself goes by `topMarked`.
     qint64 total = 0;
-    for (const FileNode* node : topMarked())
+    for (const FileNode* node : m_marked)
         total = checkedAdd(total, node->size());
     return total;
 }
@@ -151,6 +167,7 @@ void MapModel::clearMarks()
         return;
     m_marked.clear();
     m_children.marksChanged();
+    m_inspectedRows.marksChanged();
     emit markedChanged();
 }
 
@@ -221,6 +238,11 @@ void MapModel::unmarkAll()
 QString MapModel::selectionText() const
 {
     return MapTexts::selectionCount(markedCount());
+}
+
+QString MapModel::scannedFilesText() const
+{
+    return Counts::number(m_scannedFiles);
 }
 
 QString MapModel::markedSizeText() const
@@ -506,7 +528,9 @@ void MapModel::toggleMark(const FileNode* node)
     feedback(Feedback::Tap);
     if (!m_marked.remove(node))
         m_marked.insert(node);
+    // The same node may be a bubble of the map and a row of the inspector at once.
     m_children.markChanged(node);
+    m_inspectedRows.markChanged(node);
     emit markedChanged();
 }
 

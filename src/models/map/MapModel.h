@@ -32,6 +32,7 @@ class MapModel : public QObject
     Q_DISABLE_COPY_MOVE(MapModel)
     Q_PROPERTY(QString scopeLabel READ scopeLabel NOTIFY scopeChanged)
     Q_PROPERTY(QString scopePath READ scopePath NOTIFY scopeChanged)
+    Q_PROPERTY(QString scanningTitle READ scanningTitle NOTIFY scopeChanged)
     Q_PROPERTY(bool hasTree READ hasTree NOTIFY currentChanged)
     Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
     Q_PROPERTY(QString currentPath READ currentPath NOTIFY currentChanged)
@@ -41,6 +42,7 @@ class MapModel : public QObject
     Q_PROPERTY(QString hoveredName READ hoveredName NOTIFY hoveredChanged)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
     Q_PROPERTY(qint64 scannedFiles READ scannedFiles NOTIFY scannedFilesChanged)
+    Q_PROPERTY(QString scannedFilesText READ scannedFilesText NOTIFY scannedFilesChanged)
     Q_PROPERTY(qint64 scannedBytes READ scannedBytes NOTIFY scannedBytesChanged)
     Q_PROPERTY(QString scanningPath READ scanningPath NOTIFY scanningPathChanged)
     Q_PROPERTY(int revision READ revision NOTIFY revisionChanged)
@@ -86,6 +88,9 @@ public:
         [[nodiscard]] QString path(const QString& home) const;
         /// "Tu carpeta", the folder's last component, or "Disco completo".
         [[nodiscard]] QString label() const;
+        /// The heading while it is scanned, the label read as part of a sentence:
+        /// "Analizando tu carpeta", "Analizando el disco completo", "Analizando Fotos".
+        [[nodiscard]] QString scanningTitle() const;
         friend bool operator==(const Scope&, const Scope&) = default;
     };
 
@@ -101,6 +106,7 @@ public:
 
     [[nodiscard]] const Scope& scope() const { return m_scope; }
     [[nodiscard]] QString scopeLabel() const { return m_scope.label(); }
+    [[nodiscard]] QString scanningTitle() const { return m_scope.scanningTitle(); }
     [[nodiscard]] QString scopePath() const { return m_scope.path(m_services->home); }
     [[nodiscard]] const FileNode* root() const { return m_root.get(); }
     [[nodiscard]] const FileNode* current() const { return m_current; }
@@ -114,13 +120,14 @@ public:
     [[nodiscard]] QString hoveredName() const;
     [[nodiscard]] bool isScanning() const { return m_isScanning; }
     [[nodiscard]] qint64 scannedFiles() const { return m_scannedFiles; }
+    [[nodiscard]] QString scannedFilesText() const;
     [[nodiscard]] qint64 scannedBytes() const { return m_scannedBytes; }
     [[nodiscard]] const QString& scanningPath() const { return m_scanningPath; }
     [[nodiscard]] int revision() const { return m_revision; }
     [[nodiscard]] bool isDeleting() const { return m_isDeleting; }
     [[nodiscard]] bool isCancelling() const { return m_jobs.isInterrupted(QStringLiteral("delete")); }
     [[nodiscard]] bool isMarked(const FileNode* node) const { return m_marked.contains(node); }
-    /// What deleting the marks would free: a node marked inside another marked one is counted once.
+    /// The sum of the marked nodes' sizes, each counted on its own (one inside a marked folder too).
     [[nodiscard]] qint64 markedSize() const;
     [[nodiscard]] int markedCount() const { return int(m_marked.size()); }
     [[nodiscard]] QString selectionText() const;

@@ -21,7 +21,7 @@ QString selectionCount(qint64 count)
 
 QString fileCount(qint64 files)
 {
-    return QString::number(files) + QStringLiteral(" archivos");
+    return Counts::number(files) + QStringLiteral(" archivos");
 }
 
 QString scanningLine(qint64 files, qint64 bytes)

@@ -1,6 +1,10 @@
 #include "models/performance/PerformanceTexts.h"
 
+#include "models/text/Counts.h"
+
 #include <QStringList>
+
+#include <algorithm>
 
 namespace nubo {
 
@@ -8,7 +12,7 @@ PerformanceTexts::PerformanceTexts(QObject* parent) : QObject(parent) {}
 
 QString PerformanceTexts::activeCount(qint64 enabled)
 {
-    return QString::number(std::max<qint64>(enabled, 0)) + QStringLiteral(" ítems de inicio activos");
+    return Counts::number(std::max<qint64>(enabled, 0)) + QStringLiteral(" ítems de inicio activos");
 }
 
 QString PerformanceTexts::details(const LaunchItem& item)
@@ -47,7 +51,7 @@ QString PerformanceTexts::snapshots(int count)
 {
     if (count <= 0)
         return QStringLiteral("No hay instantáneas locales ahora mismo.");
-    return QString::number(count) + (count == 1 ? QStringLiteral(" instantánea") : QStringLiteral(" instantáneas")) +
+    return Counts::number(count) + (count == 1 ? QStringLiteral(" instantánea") : QStringLiteral(" instantáneas")) +
            QStringLiteral(" en el disco. ");
 }
 

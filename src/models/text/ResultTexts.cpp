@@ -20,7 +20,7 @@ QString toastFailures(qint64 failures)
         return {};
     if (failures == 1)
         return QStringLiteral("1 elemento no se pudo borrar");
-    return QString::number(failures) + QStringLiteral(" elementos no se pudieron borrar");
+    return Counts::number(failures) + QStringLiteral(" elementos no se pudieron borrar");
 }
 
 QString toastSymbol(qint64 failures)
@@ -69,7 +69,7 @@ Tone fullnessTone(double fraction)
 
 QString mapBadge(qint64 marked)
 {
-    return marked > 0 ? QString::number(marked) : QString();
+    return marked > 0 ? Counts::number(marked) : QString();
 }
 
 QString cleanBadge(qint64 selected)

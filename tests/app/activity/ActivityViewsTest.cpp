@@ -16,7 +16,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-
 constexpr qint64 kOwnPid = 10;
 
 // The activity screen beside a stand-in sidebar, at the width the main window gives it.
@@ -25,8 +24,8 @@ const QByteArray kScreen = besideSidebar("ActivityView", "ActivityModel");
 class ActivityViewsTest : public UiWorld
 {
 protected:
-    // GIVEN Safari (in front), Xcode (hidden), Mensajes and Nubo itself running, a menu-bar agent
-    // that is not listed, and a second sample in which Safari and Xcode were busy.
+    // GIVEN Safari (in front), Xcode (hidden), Mensajes and Nubo itself running, and a menu-bar
+    // agent that is not listed.
     void SetUp() override
     {
         UiWorld::SetUp();
@@ -35,8 +34,7 @@ protected:
         app(103, "Mensajes", 2'000'000'000);
         app(kOwnPid, "Nubo", 95'000'000);
         m_workspace.running.first().active = true;
-        RunningApplication& agent = app(104, "Agente", 20'000'000);
-        agent.regular = false;
+        app(104, "Agente", 20'000'000).regular = false;
         m_table.pages = ProcessTable::MemoryPages{16384, 400'000, 80'000, 0, 90'000};
         m_table.physical = 17'179'869'184;
         m_accessibility.trusted = true;
@@ -84,6 +82,7 @@ protected:
         QSignalSpy spy(&model(), &ActivityModel::refreshed);
         model().refresh();
         ASSERT_TRUE(spy.wait(5000));
+        QTest::qWait(Settle);
     }
 
     QQuickWindow* screen()
@@ -97,10 +96,12 @@ protected:
         return visual(window.contentItem(), QStringLiteral("appRow-") + QString::number(pid));
     }
 
-    [[nodiscard]] bool forceQuitAsked() const
+    // Clicks `target` and lets a menu or a question open or close.
+    static void press(QQuickItem* target, Qt::MouseButton button = Qt::LeftButton)
     {
-        return std::any_of(m_workspace.actions.cbegin(), m_workspace.actions.cend(),
-                           [](const QString& action) { return action.startsWith(QLatin1String("forceTerminate")); });
+        ASSERT_NE(target, nullptr);
+        click(*target, button);
+        QTest::qWait(Settle);
     }
 
     FakeProcessTable m_table;
@@ -111,158 +112,97 @@ protected:
 
 } // namespace
 
-TEST_F(ActivityViewsTest, TilesAndTableShowTheSampleInTheChosenOrder)
-{
-    sampled();
-    QQuickWindow* window = screen();
-    ASSERT_NE(window, nullptr);
-    snapshots(*window, QStringLiteral("activity-results"));
-
-    // The menu-bar agent is not an open app; Nubo itself is.
-    EXPECT_EQ(text(in(item(*window, QStringLiteral("appsTile")), "statValue")), QStringLiteral("4"));
-
-    QQuickItem* xcode = row(*window, 102);
-    ASSERT_NE(xcode, nullptr);
-    EXPECT_TRUE(in(xcode, "hiddenTag")->isVisible());
-    EXPECT_FALSE(in(row(*window, 101), "hiddenTag")->isVisible());
-    EXPECT_EQ(row(*window, 104), nullptr);
-
-    // Ordered by processor first (Safari above Mensajes); the picker switches to memory, which
-    // swaps them. Which order is right is ActivityModelTest's.
-    EXPECT_LT(row(*window, 101)->y(), row(*window, 103)->y());
-    QQuickItem* memory = visual(window->contentItem(), QStringLiteral("segment-Memoria"));
-    ASSERT_NE(memory, nullptr);
-    click(*memory);
-    EXPECT_EQ(model().sort(), ActivityModel::Sort::memory);
-    QTest::qWait(Settle * 2); // the rows slide into their new places
-    EXPECT_LT(row(*window, 103)->y(), row(*window, 101)->y());
-    snapshot(*window, DefaultSize, QStringLiteral("activity-by-memory-default"));
-
-    // A refresh updates the figures of the rows in place: the row under the pointer is the same
-    // item, so a click on it cannot be lost to a rebuilt table.
-    QQuickItem* safari = row(*window, 101);
-    m_table.clock += 1'000'000'000;
-    m_table.processes[101].usage->cpuTime += 500'000'000;
-    refreshed();
-    QTest::qWait(Settle);
-    EXPECT_EQ(row(*window, 101), safari);
-    EXPECT_EQ(text(in(safari, "appCpu")), QStringLiteral("50.0 %"));
-}
-
-TEST_F(ActivityViewsTest, BeforeTheFirstSampleAndWithoutAModelTheScreenIsEmptyNotBroken)
+// One pass through the screen: nothing claimed before the first sample, the table in both
+// orders, rows updated in place, the context menu, the toolbar and row buttons, force quit (which
+// never acts without its confirmation), no app open, and the main window without a model.
+TEST_F(ActivityViewsTest, WalkThroughTheScreen)
 {
     QQuickWindow* window = screen();
     ASSERT_NE(window, nullptr);
     snapshots(*window, QStringLiteral("activity-empty"));
-    // Before the first sample nothing is known: no "0 %" and no claim that nothing is open.
     EXPECT_EQ(text(item(*window, QStringLiteral("emptyTable"))), QStringLiteral("Midiendo…"));
     EXPECT_EQ(text(in(item(*window, QStringLiteral("cpuTile")), "statValue")), QStringLiteral("—"));
-
-    // A sample with no regular app running says so.
-    m_workspace.running.clear();
-    refreshed();
-    QTest::qWait(Settle);
-    EXPECT_EQ(text(item(*window, QStringLiteral("emptyTable"))), QStringLiteral("No hay apps abiertas"));
-    snapshot(*window, MinimumSize, QStringLiteral("activity-none-open-minimum"));
-
-    // The state built over prepared services has no activity model: the screen stays quiet.
-    state().setSection(QStringLiteral("activity"));
-    QQuickWindow& main = mainWindow();
-    snapshot(main, DefaultSize, QStringLiteral("activity-no-model-default"));
-    QQuickItem* hideAll = item(main, QStringLiteral("hideAll"));
-    ASSERT_NE(hideAll, nullptr);
-    EXPECT_FALSE(hideAll->isVisible());
-}
-
-TEST_F(ActivityViewsTest, ForceQuitNeverActsWithoutTheConfirmationsButton)
-{
     sampled();
-    QQuickWindow* window = screen();
-    ASSERT_NE(window, nullptr);
-    QTest::qWait(Settle);
+    snapshots(*window, QStringLiteral("activity-results"));
+    ASSERT_TRUE(row(*window, 101) && row(*window, 102) && row(*window, 103));
+    EXPECT_EQ(row(*window, 104), nullptr);
+    EXPECT_TRUE(in(row(*window, 102), "hiddenTag")->isVisible());
+    EXPECT_FALSE(in(row(*window, 101), "hiddenTag")->isVisible());
+
+    // Ordered by processor first (Safari above Mensajes); the picker switches to memory, which
+    // swaps them. Which order is right is ActivityModelTest's.
+    EXPECT_LT(row(*window, 101)->y(), row(*window, 103)->y());
+    press(visual(window->contentItem(), QStringLiteral("segment-Memoria")));
+    EXPECT_EQ(model().sort(), ActivityModel::Sort::memory);
+    QTest::qWait(Settle); // the rows slide into their new places
+    EXPECT_LT(row(*window, 103)->y(), row(*window, 101)->y());
+    snapshot(*window, DefaultSize, QStringLiteral("activity-by-memory-default"));
+
+    // A refresh updates the rows in place: the row under the pointer is the same item, so a
+    // click on it cannot be lost to a rebuilt table.
+    QQuickItem* safari = row(*window, 101);
+    m_table.clock += 1'000'000'000;
+    m_table.processes[101].usage->cpuTime += 500'000'000;
+    refreshed();
+    EXPECT_EQ(row(*window, 101), safari);
+    EXPECT_EQ(text(in(safari, "appCpu")), QStringLiteral("50.0 %"));
+
+    // The context menu offers "Mostrar" for the hidden app and "Ocultar" for a visible one.
+    QObject* menu = window->findChild<QObject*>(QStringLiteral("appMenu"));
+    ASSERT_NE(menu, nullptr);
+    press(row(*window, 102), Qt::RightButton);
+    ASSERT_TRUE(menu->property("visible").toBool());
+    EXPECT_EQ(text(item(*window, QStringLiteral("menuHide"))), QStringLiteral("Mostrar"));
+    snapshot(*window, DefaultSize, QStringLiteral("activity-menu-default"));
+    press(item(*window, QStringLiteral("menuHide")));
+    press(row(*window, 101), Qt::RightButton);
+    EXPECT_EQ(text(item(*window, QStringLiteral("menuHide"))), QStringLiteral("Ocultar"));
+    press(item(*window, QStringLiteral("menuHide")));
+    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("unhide 102"), QStringLiteral("hide 101")}));
+    // The toolbar acts on every app but Nubo (which apps "all" takes: ActivityModelTest); row
+    // buttons act on their own.
+    m_workspace.actions.clear();
+    press(item(*window, QStringLiteral("hideAll")));
+    EXPECT_EQ(m_workspace.actions.filter(QStringLiteral("hide ")).size(), 3);
+    press(item(*window, QStringLiteral("minimizeAll")));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_accessibility.minimized().size() == 3; }, 5000));
+    m_workspace.actions.clear();
+    press(in(row(*window, 103), "quitAction"));
+    press(in(row(*window, 101), "hideAction"));
+    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("terminate 103"), QStringLiteral("hide 101")}));
+    m_workspace.actions.clear();
+
+    // Force quit from the row or the menu only asks; "Cancelar" and Escape end nothing.
     QObject* confirmation = window->findChild<QObject*>(QStringLiteral("forceQuitConfirmation"));
     ASSERT_NE(confirmation, nullptr);
-
-    // WHEN the row's force-quit button is pressed THEN only the question shows.
-    QQuickItem* button = in(row(*window, 102), "forceQuitAction");
-    ASSERT_NE(button, nullptr);
-    click(*button);
-    QTest::qWait(Settle);
+    press(in(row(*window, 102), "forceQuitAction"));
     EXPECT_TRUE(confirmation->property("visible").toBool());
-    EXPECT_FALSE(forceQuitAsked());
     snapshots(*window, QStringLiteral("activity-force-quit"));
-
-    // "Cancelar" closes it and nothing is ended, however long one waits.
-    click(*item(*window, QStringLiteral("forceQuitCancel")));
-    QTest::qWait(Settle);
+    press(item(*window, QStringLiteral("forceQuitCancel")));
     EXPECT_FALSE(confirmation->property("visible").toBool());
-    EXPECT_FALSE(forceQuitAsked());
-
-    // Escape is a cancel too.
-    click(*in(row(*window, 102), "forceQuitAction"));
-    QTest::qWait(Settle);
+    press(row(*window, 101), Qt::RightButton);
+    press(item(*window, QStringLiteral("menuForceQuit")));
     ASSERT_TRUE(confirmation->property("visible").toBool());
     QTest::keyClick(window, Qt::Key_Escape);
     QTest::qWait(Settle);
     EXPECT_FALSE(confirmation->property("visible").toBool());
-    EXPECT_FALSE(forceQuitAsked());
-
+    EXPECT_TRUE(m_workspace.actions.isEmpty());
     // The confirmation's own button ends exactly the app it named.
-    click(*in(row(*window, 102), "forceQuitAction"));
-    QTest::qWait(Settle);
-    click(*item(*window, QStringLiteral("forceQuitConfirm")));
+    press(in(row(*window, 102), "forceQuitAction"));
+    press(item(*window, QStringLiteral("forceQuitConfirm")));
     EXPECT_EQ(m_workspace.actions, QStringList{QStringLiteral("forceTerminate 102")});
+
+    m_workspace.running.clear();
+    refreshed();
+    EXPECT_EQ(text(item(*window, QStringLiteral("emptyTable"))), QStringLiteral("No hay apps abiertas"));
+    snapshot(*window, MinimumSize, QStringLiteral("activity-none-open-minimum"));
+    state().setSection(QStringLiteral("activity"));
+    QQuickWindow& main = mainWindow();
+    snapshot(main, DefaultSize, QStringLiteral("activity-no-model-default"));
+    EXPECT_FALSE(named(main, QStringLiteral("hideAll")).isVisible());
 }
 
-TEST_F(ActivityViewsTest, TheContextMenuOffersShowForAHiddenAppAndAsksBeforeForceQuit)
-{
-    sampled();
-    QQuickWindow* window = screen();
-    ASSERT_NE(window, nullptr);
-    QTest::qWait(Settle);
-
-    QObject* menu = window->findChild<QObject*>(QStringLiteral("appMenu"));
-    ASSERT_NE(menu, nullptr);
-    click(*row(*window, 102), Qt::RightButton);
-    QTest::qWait(Settle);
-    ASSERT_TRUE(menu->property("visible").toBool());
-    EXPECT_EQ(text(item(*window, QStringLiteral("menuHide"))), QStringLiteral("Mostrar"));
-    snapshot(*window, DefaultSize, QStringLiteral("activity-menu-default"));
-
-    // "Mostrar" shows the hidden app again.
-    click(*item(*window, QStringLiteral("menuHide")));
-    EXPECT_EQ(m_workspace.actions, QStringList{QStringLiteral("unhide 102")});
-    QTest::qWait(Settle);
-
-    // For a visible app the same entry hides it; "Forzar salida…" only asks.
-    click(*row(*window, 101), Qt::RightButton);
-    QTest::qWait(Settle);
-    EXPECT_EQ(text(item(*window, QStringLiteral("menuHide"))), QStringLiteral("Ocultar"));
-    click(*item(*window, QStringLiteral("menuForceQuit")));
-    QTest::qWait(Settle);
-    EXPECT_TRUE(window->findChild<QObject*>(QStringLiteral("forceQuitConfirmation"))->property("visible").toBool());
-    EXPECT_FALSE(forceQuitAsked());
-}
-
-TEST_F(ActivityViewsTest, ToolbarActsOnEveryAppButNuboAndRowButtonsActOnTheirOwn)
-{
-    sampled();
-    QQuickWindow* window = screen();
-    ASSERT_NE(window, nullptr);
-    QTest::qWait(Settle);
-
-    click(*item(*window, QStringLiteral("hideAll"))); // which apps "all" takes: ActivityModelTest
-    EXPECT_EQ(m_workspace.actions.filter(QStringLiteral("hide ")).size(), 3);
-    click(*item(*window, QStringLiteral("minimizeAll")));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return m_accessibility.minimized().size() == 3; }, 5000));
-
-    m_workspace.actions.clear();
-    QTest::qWait(Settle); // the bump after hiding has refreshed the table
-    click(*in(row(*window, 103), "quitAction"));
-    click(*in(row(*window, 101), "hideAction"));
-    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("terminate 103"), QStringLiteral("hide 101")}));
-}
-
+// Where the platform cannot hide or minimise, those actions are not offered.
 TEST_F(ActivityViewsTest, ActionsThePlatformCannotDoAreNotOffered)
 {
     m_workspace.windowActions = false;
@@ -271,16 +211,14 @@ TEST_F(ActivityViewsTest, ActionsThePlatformCannotDoAreNotOffered)
     QQuickWindow* window = screen();
     ASSERT_NE(window, nullptr);
     QTest::qWait(Settle);
-
-    EXPECT_FALSE(item(*window, QStringLiteral("hideAll"))->isVisible());
-    EXPECT_FALSE(item(*window, QStringLiteral("minimizeAll"))->isVisible());
     QQuickItem* safari = row(*window, 101);
-    EXPECT_FALSE(in(safari, "hideAction")->isVisible());
-    EXPECT_FALSE(in(safari, "minimizeAction")->isVisible());
-    EXPECT_TRUE(in(safari, "quitAction")->isVisible());
-
-    click(*safari, Qt::RightButton);
-    QTest::qWait(Settle);
+    ASSERT_NE(safari, nullptr);
+    EXPECT_EQ((QList<bool>{item(*window, QStringLiteral("hideAll"))->isVisible(),
+                           item(*window, QStringLiteral("minimizeAll"))->isVisible(),
+                           in(safari, "hideAction")->isVisible(), in(safari, "minimizeAction")->isVisible(),
+                           in(safari, "quitAction")->isVisible()}),
+              (QList<bool>{false, false, false, false, true}));
+    press(safari, Qt::RightButton);
     for (const char* absent : {"menuActivate", "menuMinimize", "menuHide"})
         EXPECT_FALSE(item(*window, QString::fromUtf8(absent))->isVisible()) << absent;
     EXPECT_TRUE(item(*window, QStringLiteral("menuQuit"))->isVisible());

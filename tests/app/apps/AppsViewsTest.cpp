@@ -1,7 +1,5 @@
 #include "app/support/UiWorld.h"
 
-#include "core/format/Bytes.h"
-
 #include <QTest>
 #include <algorithm>
 
@@ -93,16 +91,20 @@ protected:
 
 } // namespace
 
-TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
+// One pass through the screen: the list narrowed by search and ordered by last use, the detail
+// of a running store app whose bundle cannot be unticked, uninstalling cancelled, then confirmed
+// while a running copy keeps the removal busy (what it takes and keeps is AppsModelTest's).
+TEST_F(AppsViewsTest, WalkThroughTheScreen)
 {
+    m_quitObeys = false;
+    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
     QQuickWindow& window = openPane();
     EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 5);
     EXPECT_TRUE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
     snapshots(window, QStringLiteral("apps-list"));
 
     // Typing into the search field, as a user does: accents and case do not matter.
-    QQuickItem& search = named(window, QStringLiteral("appsSearch"));
-    click(search);
+    click(named(window, QStringLiteral("appsSearch")));
     for (const char key : {'C', 'A', 'F', 'E'})
         QTest::keyClick(&window, key);
     QTest::qWait(Settle);
@@ -112,10 +114,8 @@ TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
         QTest::keyClick(&window, Qt::Key_Backspace);
     QTest::qWait(Settle);
     EXPECT_TRUE(apps().query().isEmpty());
-
     // The order menu: "Último uso" puts the app used three days ago first.
-    QQuickItem& sort = named(window, QStringLiteral("sortButton"));
-    click(sort);
+    click(named(window, QStringLiteral("sortButton")));
     QTest::qWait(Settle);
     QQuickItem* lastUse = button(window, QStringLiteral("Último uso"));
     ASSERT_NE(lastUse, nullptr);
@@ -124,21 +124,16 @@ TEST_F(AppsViewsTest, TheListShowsEveryAppAndTheSearchAndOrderNarrowIt)
     QTest::qWait(Settle);
     const QList<QQuickItem*> shown = visibleNamed(window, QStringLiteral("appRow"));
     ASSERT_FALSE(shown.isEmpty());
-    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")).toString(),
-              QStringLiteral("Writer"));
-}
+    EXPECT_EQ(shown.front()->property("app").toMap().value(QStringLiteral("name")), QStringLiteral("Writer"));
 
-TEST_F(AppsViewsTest, TheDetailListsTheRemovalAndTheBundleCannotBeUnticked)
-{
-    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
-    QQuickWindow& window = openPane();
+    // An app without store receipt nor process shows neither tag; Writer shows both.
+    choose(window, QStringLiteral("Paint"));
+    EXPECT_FALSE(named(window, QStringLiteral("storeTag")).isVisible() || named(window, QStringLiteral("runningTag")).isVisible());
     choose(window, QStringLiteral("Writer"));
     EXPECT_TRUE(named(window, QStringLiteral("appDetail")).isVisible());
     EXPECT_FALSE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
-    EXPECT_TRUE(named(window, QStringLiteral("storeTag")).isVisible());
-    EXPECT_TRUE(named(window, QStringLiteral("runningTag")).isVisible());
+    EXPECT_TRUE(named(window, QStringLiteral("storeTag")).isVisible() && named(window, QStringLiteral("runningTag")).isVisible());
     snapshots(window, QStringLiteral("apps-detail"));
-
     QList<QQuickItem*> checks = visibleNamed(window, QStringLiteral("removalCheck"));
     ASSERT_EQ(checks.size(), 5);
     const qint64 all = apps().removalSize();
@@ -146,26 +141,13 @@ TEST_F(AppsViewsTest, TheDetailListsTheRemovalAndTheBundleCannotBeUnticked)
     QTest::qWait(Settle);
     EXPECT_EQ(apps().removalSize(), all);
     EXPECT_EQ(checks.at(0)->property("mode").toString(), QStringLiteral("on"));
-
-    // Unticking every leftover leaves only the bundle, and the button shows the bundle's size.
-    for (int i = 1; i < checks.size(); ++i)
-        click(*checks.at(i));
+    // The largest leftover unticks, and leaves the removal.
+    click(*checks.at(1));
     QTest::qWait(Settle);
-    EXPECT_EQ(text(named(window, QStringLiteral("uninstallButton"))),
-              QStringLiteral("Desinstalar · ") + Bytes::string(*apps().selected()->size));
-    checks = visibleNamed(window, QStringLiteral("removalCheck"));
-    EXPECT_EQ(checks.at(1)->property("mode").toString(), QStringLiteral("off"));
+    EXPECT_EQ(visibleNamed(window, QStringLiteral("removalCheck")).at(1)->property("mode").toString(), QStringLiteral("off"));
+    EXPECT_LT(apps().removalSize(), all);
 
-    // Another application without store receipt nor process shows neither tag.
-    choose(window, QStringLiteral("Paint"));
-    EXPECT_FALSE(named(window, QStringLiteral("storeTag")).isVisible());
-    EXPECT_FALSE(named(window, QStringLiteral("runningTag")).isVisible());
-}
-
-TEST_F(AppsViewsTest, UninstallAsksFirstAndCancelLeavesEverything)
-{
-    QQuickWindow& window = openPane();
-    choose(window, QStringLiteral("Writer"));
+    // "Desinstalar" only asks; "Cancelar" leaves everything.
     click(named(window, QStringLiteral("uninstallButton")));
     QTest::qWait(Settle);
     ASSERT_FALSE(visibleNamed(window, QStringLiteral("confirmationTitle")).isEmpty());
@@ -174,24 +156,12 @@ TEST_F(AppsViewsTest, UninstallAsksFirstAndCancelLeavesEverything)
     ASSERT_NE(cancel, nullptr);
     click(*cancel);
     QTest::qWait(Settle);
-    EXPECT_FALSE(apps().isRemoving());
+    EXPECT_FALSE(apps().isRemoving() || state().hasToast());
     EXPECT_TRUE(exists(QStringLiteral("Applications/Writer.app/Contents/Info.plist")));
     EXPECT_TRUE(exists(QStringLiteral("home/Library/Preferences/com.acme.writer.plist")));
     EXPECT_EQ(apps().selection(), writer());
-    EXPECT_FALSE(state().hasToast());
-}
 
-TEST_F(AppsViewsTest, ARemovalDisablesTheButtonThenTheAppLeavesAndTheDetailEmpties)
-{
-    QQuickWindow& window = openPane();
-    // A running copy that will not quit keeps the removal busy for its three-second wait (what the
-    // removal takes and keeps is AppsModelTest's).
-    m_quitObeys = false;
-    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
-    choose(window, QStringLiteral("Writer"));
-    QQuickItem* largest = visibleNamed(window, QStringLiteral("removalCheck")).value(1);
-    ASSERT_NE(largest, nullptr);
-    click(*largest); // kept, as the picture shows
+    // Confirmed, the removal disables the button and the ticks; then the app leaves the list.
     click(named(window, QStringLiteral("uninstallButton")));
     QTest::qWait(Settle);
     QQuickItem* confirm = visibleNamed(window, QStringLiteral("confirmButton")).value(0);
@@ -208,7 +178,6 @@ TEST_F(AppsViewsTest, ARemovalDisablesTheButtonThenTheAppLeavesAndTheDetailEmpti
     click(uninstall);
     QTest::qWait(Settle);
     EXPECT_TRUE(visibleNamed(window, QStringLiteral("confirmationTitle")).isEmpty());
-
     ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
     QTest::qWait(Settle);
     EXPECT_FALSE(exists(QStringLiteral("Applications/Writer.app")));

@@ -145,7 +145,9 @@ ApplicationWindow {
 
 } // namespace
 
-TEST_F(MenuBarPanelTest, ShowsTheFiguresTheSevenHeaviestAppsAndTheCleanupRow)
+// One pass through the panel: its figures and the seven heaviest apps, force quit (which waits
+// for its confirmation), the quick actions reaching their models, and the order by processor.
+TEST_F(MenuBarPanelTest, WalkThroughThePanel)
 {
     m_volume.answer = {1'000'000'000'000, 181'000'000'000, 181'000'000'000};
     QQuickWindow* window = page();
@@ -159,58 +161,43 @@ TEST_F(MenuBarPanelTest, ShowsTheFiguresTheSevenHeaviestAppsAndTheCleanupRow)
     EXPECT_FALSE(item(*window, QStringLiteral("updatesRow"))->isVisible()) << "no updater on this platform";
     snapshot(*window, QSize(400, 720), QStringLiteral("menubar-panel"));
 
-    // By processor share the figures turn into whole percentages.
-    activity().setSortLabel(QStringLiteral("CPU"));
-    EXPECT_TRUE(shownApps(*window).first().endsWith(QStringLiteral(" %")));
-}
-
-TEST_F(MenuBarPanelTest, ForceQuitWaitsForTheConfirmation)
-{
-    QQuickWindow* window = page();
-    ASSERT_NE(window, nullptr);
     QObject* confirmation = window->findChild<QObject*>(QStringLiteral("forceQuitConfirmation"));
     ASSERT_NE(confirmation, nullptr);
-    QQuickItem* repeater = item(*window, QStringLiteral("topApps"));
     QQuickItem* first = nullptr;
-    QMetaObject::invokeMethod(repeater, "itemAt", Q_RETURN_ARG(QQuickItem*, first), Q_ARG(int, 0));
+    QMetaObject::invokeMethod(item(*window, QStringLiteral("topApps")), "itemAt", Q_RETURN_ARG(QQuickItem*, first),
+                              Q_ARG(int, 0));
     ASSERT_NE(first, nullptr);
-
     QMetaObject::invokeMethod(first, "forceQuitRequested");
     ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     snapshot(*window, QSize(400, 720), QStringLiteral("menubar-force-quit"));
     click(*item(*window, QStringLiteral("forceQuitCancel")));
     ASSERT_TRUE(eventually([&] { return !confirmation->property("visible").toBool(); }));
     EXPECT_TRUE(m_workspace.actions.isEmpty()) << "cancel ends nothing";
-
     QMetaObject::invokeMethod(first, "forceQuitRequested");
     ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     click(*item(*window, QStringLiteral("forceQuitConfirm")));
     EXPECT_EQ(m_workspace.actions, QStringList{QStringLiteral("forceTerminate 100")});
-}
+    m_workspace.actions.clear();
 
-TEST_F(MenuBarPanelTest, QuickActionsReachTheirModels)
-{
-    QQuickWindow* window = page();
-    ASSERT_NE(window, nullptr);
     QSignalSpy shown(&controller(), &ShellController::mainWindowRequested);
     state().setSection(QStringLiteral("apps"));
     click(*item(*window, QStringLiteral("cleanupRow")));
     EXPECT_EQ(state().section(), QStringLiteral("home"));
     EXPECT_EQ(shown.count(), 1);
     EXPECT_EQ(m_shell.presences.last(), AppShell::Presence::Regular);
-
     click(*item(*window, QStringLiteral("hideAllRow")));
     EXPECT_EQ(m_workspace.actions.size(), 8) << "every app but ours";
-
     QQuickItem* toggle = item(*window, QStringLiteral("launchAtLoginRow"))->findChild<QQuickItem*>(QStringLiteral("toggle"));
     ASSERT_NE(toggle, nullptr);
     click(*toggle);
-    ASSERT_TRUE(eventually([&] { return m_login.registered; }));
-    ASSERT_TRUE(eventually([&] { return toggle->property("checked").toBool(); }));
-
+    ASSERT_TRUE(eventually([&] { return m_login.registered && toggle->property("checked").toBool(); }));
     QSignalSpy quit(&controller(), &ShellController::quitRequested);
     click(*item(*window, QStringLiteral("quitRow")));
     EXPECT_EQ(quit.count(), 1);
+
+    // By processor share the figures turn into whole percentages.
+    activity().setSortLabel(QStringLiteral("CPU"));
+    EXPECT_TRUE(shownApps(*window).first().endsWith(QStringLiteral(" %")));
 }
 
 TEST_F(MenuBarPanelTest, WithoutATrayThePanelOpensOnRequestAndRefreshesTheDisk)

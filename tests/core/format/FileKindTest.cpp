@@ -6,8 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
+#include <utility>
+#include <vector>
 
 using nubo::FileKind;
 using nubo::FileNode;
@@ -38,81 +39,51 @@ FileNode& add(FileNode& root, QString relative)
 
 } // namespace
 
-// One case per row: the root of the scan, a path below it (a trailing "/" makes it a folder) and
-// the kind it must get. Rows share one tree per root, as nodes of one scan do.
+// Paths below a home (a trailing "/" makes the last part a folder) that must get each kind, all
+// in one tree as nodes of one scan are. The extension decides first, looked up lower-cased and
+// then exactly, and overrides every folder rule; then a developer folder's own name; then the
+// nearest cache, developer or well-known user folder on the way up, at any depth; system names
+// count only at the top two levels; what is left is a folder or other.
 TEST(FileKind, ClassifiesByExtensionThenNameThenNearestFolderRule)
 {
-    struct Case
-    {
-        const char* root;
-        const char* relative;
-        FileKind expected;
+    const std::pair<FileKind, std::vector<const char*>> rows[] = {
+        {FileKind::Video, {"Projects/clip.MOV", "Library/Caches/com.x/movie.mp4", "Movies/raw"}},
+        {FileKind::Image, {"Music/cover.png"}},
+        {FileKind::Audio, {"Library/Developer/x/song.mp3", "Music/Downloads/untitled"}},
+        {FileKind::Archive, {"Projects/backup.tar.gz"}},
+        {FileKind::Document, {"Projects/Report.PDF", "Desktop/inbox/"}},
+        {FileKind::Apps, {"Projects/Tool.app/", "Aplicaciones/"}},
+        {FileKind::Developer,
+         {"Projects/App.dSYM/", "Projects/.gradle/", "Library/Developer/blob",
+          "Code/web/node_modules/left-pad/index",
+          // The nearest rule wins: a developer folder's parent test fires before an enclosing cache.
+          "Library/Caches/Xcode/blob", "Documents/Xcode/notes", "Documents/site/node_modules/",
+          "Library/Caches/Pods/"}},
+        {FileKind::Cache,
+         {"Library/Caches/com.x/blob", "Library/Caches/a/b/c/d/e/f/blob", ".Trash/old", "Work/Logs/",
+          // A cache inside a developer folder is met first on the way up.
+          "Library/Developer/Xcode/DerivedData/App/Logs/build"}},
+        {FileKind::System, {"Library/", "opt"}},
+        {FileKind::Folder, {"Projects/old/Library/", "Projects/usr/", "Projects/", "Projects/deep/er/"}},
+        // Neither lookup matches "DSYM"; a leading dot or a trailing one is no extension.
+        {FileKind::Other,
+         {"Projects/photo.DSYM", "Projects/.o", "Projects/notes.", "README", "Projects/deep/blob"}},
     };
-    const Case cases[] = {
-        // The extension is looked up lower-cased, then exactly.
-        {"/Users/ana", "Projects/clip.MOV", FileKind::Video},
-        {"/Users/ana", "Projects/App.dSYM/", FileKind::Developer},
-        {"/Users/ana", "Projects/photo.DSYM", FileKind::Other}, // neither lookup matches
-        {"/Users/ana", "Projects/backup.tar.gz", FileKind::Archive},
-        {"/Users/ana", "Projects/Report.PDF", FileKind::Document},
-        {"/Users/ana", "Projects/Tool.app/", FileKind::Apps},
-        // Names without a real extension.
-        {"/Users/ana", "Projects/.o", FileKind::Other}, // a leading dot is not an extension
-        {"/Users/ana", "Projects/notes.", FileKind::Other},
-        {"/Users/ana", "Projects/.gradle/", FileKind::Developer}, // by folder name, not extension
-        // The extension overrides every folder rule.
-        {"/Users/ana", "Library/Caches/com.x/movie.mp4", FileKind::Video},
-        {"/Users/ana", "Music/cover.png", FileKind::Image},
-        {"/Users/ana", "Library/Developer/x/song.mp3", FileKind::Audio},
-        // Cache and developer folders are inherited at any depth; the node's own name counts.
-        {"/Users/ana", "Library/Caches/com.x/blob", FileKind::Cache},
-        {"/Users/ana", "Library/Caches/a/b/c/d/e/f/blob", FileKind::Cache},
-        {"/Users/ana", "Library/Developer/blob", FileKind::Developer},
-        {"/Users/ana", "Code/web/node_modules/left-pad/index", FileKind::Developer},
-        {"/Users/ana", ".Trash/old", FileKind::Cache},
-        {"/Users/ana", "Work/Logs/", FileKind::Cache},
-        {"/Users/ana", "Movies/raw", FileKind::Video},
-        // The nearest folder rule wins: a cache inside a developer folder is met first on the
-        // way up; a developer folder's parent test fires before an enclosing cache is reached.
-        {"/Users/ana", "Library/Developer/Xcode/DerivedData/App/Logs/build", FileKind::Cache},
-        {"/Users/ana", "Library/Caches/Xcode/blob", FileKind::Developer},
-        {"/Users/ana", "Documents/Xcode/notes", FileKind::Developer},
-        {"/Users/ana", "Music/Downloads/untitled", FileKind::Audio},
-        // A developer folder's own name comes before the upward walk.
-        {"/Users/ana", "Documents/site/node_modules/", FileKind::Developer},
-        {"/Users/ana", "Library/Caches/Pods/", FileKind::Developer},
-        // System names count only at the top two levels.
-        {"/Users/ana", "Library/", FileKind::System},
-        {"/Users/ana", "Projects/old/Library/", FileKind::Folder},
-        {"/Users/ana", "Projects/usr/", FileKind::Folder},
-        {"/Users/ana", "opt", FileKind::System}, // a file with a system name, directly below the root
-        {"/", "System/", FileKind::System},
-        {"/", "private/var/usr/", FileKind::Folder},
-        // Top levels without a rule are a folder or other.
-        {"/Users/ana", "Projects/", FileKind::Folder},
-        {"/Users/ana", "README", FileKind::Other},
-        {"/Users/ana", "Projects/deep/er/", FileKind::Folder},
-        {"/Users/ana", "Projects/deep/blob", FileKind::Other},
-        {"/Users/ana", "Aplicaciones/", FileKind::Apps},
-        {"/Users/ana", "Desktop/inbox/", FileKind::Document},
-        // A root named after a well-known folder colours everything below it.
-        {"/Users/ana/Library/Caches", "com.x/blob", FileKind::Cache},
-    };
-    std::map<QString, std::unique_ptr<FileNode>> trees;
-    for (const Case& c : cases) {
-        const QString root = QString::fromUtf8(c.root);
-        auto& tree = trees[root];
-        if (!tree)
-            tree = std::make_unique<FileNode>(root == QLatin1String("/") ? QStringLiteral("Macintosh HD")
-                                                                         : root.section(QLatin1Char('/'), -1),
-                                              root, FileNode::Type::Directory);
-        EXPECT_EQ(classify(add(*tree, QString::fromUtf8(c.relative))), c.expected)
-            << c.root << " " << c.relative;
+    FileNode home(QStringLiteral("ana"), QStringLiteral("/Users/ana"), FileNode::Type::Directory);
+    for (const auto& [kind, paths] : rows) {
+        for (const char* relative : paths)
+            EXPECT_EQ(classify(add(home, QString::fromUtf8(relative))), kind) << relative;
     }
-    FileNode& home = *trees.at(QStringLiteral("/Users/ana"));
     EXPECT_EQ(classify(home), FileKind::Folder);
+    // At the whole disk's top two levels a system name counts; deeper it does not. A root named
+    // after a well-known folder colours everything below it.
+    FileNode disk(QStringLiteral("Macintosh HD"), QStringLiteral("/"), FileNode::Type::Directory);
+    EXPECT_EQ(classify(add(disk, QStringLiteral("System/"))), FileKind::System);
+    EXPECT_EQ(classify(add(disk, QStringLiteral("private/var/usr/"))), FileKind::Folder);
+    FileNode caches(QStringLiteral("Caches"), QStringLiteral("/Users/ana/Library/Caches"),
+                    FileNode::Type::Directory);
+    EXPECT_EQ(classify(add(caches, QStringLiteral("com.x/blob"))), FileKind::Cache);
     // Small files stand together whatever their names, even below a cache folder.
-    FileNode& caches = add(home, QStringLiteral("Library/Caches/"));
     const FileNode* aggregate = caches.addChild(
         std::make_unique<FileNode>(QStringLiteral("video.mp4"), caches.path(), FileNode::Type::Aggregate));
     EXPECT_EQ(classify(*aggregate), FileKind::Other);

@@ -160,37 +160,29 @@ TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
     EXPECT_EQ(calls(), (QStringList{QStringLiteral("print-disabled|gui/501"),
                                     QStringLiteral("print-disabled|system"), QStringLiteral("list")}));
 
-    using Scope = LaunchItem::Scope;
-    const auto item = [](QString url, const char* label, const char* program, Scope scope, bool enabled,
-                         bool loadedNow, const char* name, const char* app = nullptr) {
-        return LaunchItem{std::move(url),
-                          QString::fromUtf8(label),
-                          QString::fromUtf8(program),
-                          scope,
-                          enabled,
-                          loadedNow,
-                          QString::fromUtf8(name),
-                          app ? std::optional(QString::fromUtf8(app)) : std::nullopt};
-    };
-    const QList<LaunchItem> expected = {
-        // Equal names keep the folder order: the agent before the daemon.
-        item(path("Library/LaunchAgents/com.acme.helper.plist"), "com.acme.helper", "", Scope::agent, false,
-             true, "Acme"),
-        item(path("Library/LaunchDaemons/com.acme.helper.plist"), "com.acme.helper", "", Scope::daemon, true,
-             true, "Acme"),
-        item(path("home/Library/LaunchAgents/nolabel.plist"), "nolabel", "/usr/local/bin/thing", Scope::user,
-             true, false, "nolabel"),
-        item(path("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist"), "homebrew.mxcl.postgresql@15",
-             "", Scope::agent, false, false, "postgresql@15"),
-        item(path("Library/LaunchDaemons/com.spotify.client.plist"), "com.spotify.client", "", Scope::daemon,
-             false, false, "Spotify", "/Applications/Spotify.app"),
-        item(path("home/Library/LaunchAgents/com.example.sync.plist"), "com.example.sync",
-             "/Applications/Sync Tool.app/Contents/MacOS/sync", Scope::user, true, true, "Sync Tool",
-             "/Applications/Sync Tool.app"),
-    };
-    ASSERT_EQ(loaded.size(), expected.size());
-    for (qsizetype i = 0; i < loaded.size(); ++i)
-        EXPECT_TRUE(loaded[i] == expected[i]) << i << " " << loaded[i].url.toStdString();
+    // Path below the fixture, label, program, scope, enabled, loaded, name and application, one
+    // line per item. Equal names keep the folder order: the agent before the daemon.
+    QStringList described;
+    for (const LaunchItem& item : loaded) {
+        described << QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8")
+                         .arg(item.url.mid(m_mac.root().size() + 1), item.label, item.program)
+                         .arg(int(item.scope))
+                         .arg(int(item.isEnabled))
+                         .arg(int(item.isLoaded))
+                         .arg(item.name, item.appURL.value_or(QStringLiteral("-")));
+    }
+    EXPECT_EQ(
+        described.join(QLatin1Char('\n')),
+        QStringLiteral(
+            "Library/LaunchAgents/com.acme.helper.plist|com.acme.helper||1|0|1|Acme|-\n"
+            "Library/LaunchDaemons/com.acme.helper.plist|com.acme.helper||2|1|1|Acme|-\n"
+            "home/Library/LaunchAgents/nolabel.plist|nolabel|/usr/local/bin/thing|0|1|0|nolabel|-\n"
+            "Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist|homebrew.mxcl.postgresql@15|"
+            "|1|0|0|postgresql@15|-\n"
+            "Library/LaunchDaemons/com.spotify.client.plist|com.spotify.client||2|0|0|Spotify|"
+            "/Applications/Spotify.app\n"
+            "home/Library/LaunchAgents/com.example.sync.plist|com.example.sync|"
+            "/Applications/Sync Tool.app/Contents/MacOS/sync|0|1|1|Sync Tool|/Applications/Sync Tool.app"));
 }
 
 TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
@@ -249,11 +241,19 @@ TEST_F(LaunchItemsTest, AgentsAreSwitchedInTheUsersGuiDomainWithoutAPrompt)
     EXPECT_FALSE(items().setEnabled(agent, true));
 }
 
-// The daemon's command line runs through a real shell: a quote in the label must stay inside one argument.
-TEST_F(LaunchItemsTest, DaemonCommandLinesKeepAQuotedLabelOneArgument)
+// A refused prompt changes nothing. Once accepted, the daemon's command line runs through a real
+// shell: a quote in the label must stay inside one argument.
+TEST_F(LaunchItemsTest, DaemonsChangeOnlyThroughThePromptAndKeepAQuotedLabelOneArgument)
 {
+    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.x'y</string>"));
     const LaunchItem item =
         job("Library/LaunchDaemons/daemon.plist", QStringLiteral("com.x'y"), LaunchItem::Scope::daemon);
+    m_admin.outcome = AdminOutcome::Failed;
+    EXPECT_FALSE(items().setEnabled(item, false));
+    EXPECT_FALSE(items().remove(item));
+    EXPECT_TRUE(QFile::exists(item.url));
+    EXPECT_TRUE(calls().isEmpty());
+
     adminRunsCommandLines();
     EXPECT_TRUE(items().setEnabled(item, false));
     // Enabling a daemon that is already running still succeeds: bootstrap fails, the line does not.
@@ -263,21 +263,7 @@ TEST_F(LaunchItemsTest, DaemonCommandLinesKeepAQuotedLabelOneArgument)
               (QStringList{QStringLiteral("disable|system/com.x'y"), QStringLiteral("bootout|system/com.x'y"),
                            QStringLiteral("enable|system/com.x'y"),
                            QStringLiteral("bootstrap|system|") + item.url}));
-    EXPECT_EQ(m_admin.requests().size(), 2);
-}
-
-TEST_F(LaunchItemsTest, RefusedPromptChangesNothing)
-{
-    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
-    const LaunchItem item =
-        job("Library/LaunchDaemons/daemon.plist", QStringLiteral("com.acme.d"), LaunchItem::Scope::daemon);
-    m_admin.outcome = AdminOutcome::Failed;
-
-    EXPECT_FALSE(items().setEnabled(item, false));
-    EXPECT_FALSE(items().remove(item));
-    EXPECT_TRUE(QFile::exists(item.url));
-    EXPECT_TRUE(calls().isEmpty());
-    EXPECT_EQ(m_admin.requests().size(), 2);
+    EXPECT_EQ(m_admin.requests().size(), 4);
 }
 
 TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)

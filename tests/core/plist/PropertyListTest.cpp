@@ -5,8 +5,8 @@
 
 #include <QFile>
 #include <QRandomGenerator>
-#include <QTimeZone>
 #include <QTemporaryDir>
+#include <QTimeZone>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -46,26 +46,18 @@ TEST(PropertyList, XmlBinaryAndHandWrittenListsGiveTheirValues)
                                     {QStringLiteral("LSUIElement"), false}}));
 }
 
-TEST(PropertyList, AnythingButADictionaryReadsAsAnEmptyDictionary)
+// A list that is not a dictionary, garbage, a truncated download, a half-written or a damaged
+// bundle read as an empty dictionary and never crash the reader: every prefix of a real file and
+// thousands of random corruptions give nothing or a dictionary.
+TEST(PropertyList, MalformedInputReadsAsAnEmptyDictionaryAndNeverCrashes)
 {
     QList<QByteArray> inputs = {
         {}, "not a list at all", "bplist00", "<plist><dict><key>a</key>", QByteArray(4096, '\0')};
+    QRandomGenerator random(20261121);
     for (PlistFormat format : {PlistFormat::xml, PlistFormat::binary}) {
         const QByteArray list = plistBytes(QVariantList{QStringLiteral("a"), QStringLiteral("b")}, format);
         EXPECT_EQ(PropertyList::parse(list).toList().size(), 2); // the list itself still parses
         inputs << list << plistBytes(QStringLiteral("just text"), format);
-    }
-    for (const QByteArray& bytes : inputs)
-        EXPECT_TRUE(PropertyList::dictionary(bytes).isEmpty()) << bytes.toHex().left(64).constData();
-    EXPECT_FALSE(PropertyList::parse(QByteArray()).isValid());
-}
-
-// A truncated download, a half-written or a damaged bundle must never crash the reader: every
-// prefix of a real file and thousands of random corruptions give nothing or a dictionary.
-TEST(PropertyList, TruncatedAndCorruptedListsAreSurvived)
-{
-    QRandomGenerator random(20261121);
-    for (PlistFormat format : {PlistFormat::xml, PlistFormat::binary}) {
         const QByteArray whole = plistBytes(sample(), format);
         for (qsizetype length = 0; length < whole.size(); ++length) {
             const QVariant value = PropertyList::parse(whole.left(length));
@@ -78,15 +70,14 @@ TEST(PropertyList, TruncatedAndCorruptedListsAreSurvived)
             (void)PropertyList::dictionary(damaged);
         }
     }
-}
+    for (const QByteArray& bytes : inputs)
+        EXPECT_TRUE(PropertyList::dictionary(bytes).isEmpty()) << bytes.toHex().left(64).constData();
+    EXPECT_FALSE(PropertyList::parse(QByteArray()).isValid());
 
-TEST(PropertyList, AbsurdNestingIsCutAndTextThatIsNotUtf8IsKeptOrRefused)
-{
-    const QByteArray xml = "<plist version=\"1.0\">" + QByteArray("<array>").repeated(200) +
-                           "<string>deep</string>" + QByteArray("</array>").repeated(200) + "</plist>";
-    EXPECT_EQ(PropertyList::parse(xml).typeId(), QMetaType::QVariantList);
-
-    // Either the parser rejects the text or it keeps it with a replacement character; never a crash.
+    // Absurd nesting is cut, not followed down; text that is not UTF-8 is kept or refused.
+    const QByteArray deep = "<plist version=\"1.0\">" + QByteArray("<array>").repeated(200) +
+                            "<string>deep</string>" + QByteArray("</array>").repeated(200) + "</plist>";
+    EXPECT_EQ(PropertyList::parse(deep).typeId(), QMetaType::QVariantList);
     const QVariantMap latin1 = PropertyList::dictionary(
         "<plist version=\"1.0\"><dict><key>Name</key><string>caf\xe9</string></dict></plist>");
     EXPECT_TRUE(latin1.isEmpty() ||

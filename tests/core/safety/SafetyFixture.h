@@ -5,11 +5,21 @@
 #include "support/FixtureFiles.h"
 
 #include <QDir>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <memory>
+#include <vector>
 
 namespace nubo::testing {
+
+// Paths that must all get one answer from the gate: a reason, or "allowed".
+struct ReasonRow
+{
+    const char* reason;
+    std::vector<const char*> paths;
+};
 
 // A home folder, a system Library and a per-user temporary folder inside one temporary tree,
 // shaped like a Mac's, with the Safety gate built over them.
@@ -38,27 +48,70 @@ protected:
     {
         return relative.isEmpty() ? m_roots.home : m_roots.home + QLatin1Char('/') + relative;
     }
+    // A path as tables write it: a leading "~" stands for the home, "^" for the system Library and
+    // "@" for the temporary tree itself; anything else is taken as written.
+    QString at(const char* spec) const
+    {
+        const QString text = QString::fromUtf8(spec);
+        const QString rest = text.mid(1);
+        switch (spec[0]) {
+        case '~':
+            return m_roots.home + rest;
+        case '^':
+            return m_roots.library + rest;
+        case '@':
+            return base(rest);
+        default:
+            return text;
+        }
+    }
 
     void link(const QString& target, const QString& at) const { nubo::test::makeLink(target, at); }
 
-    ::testing::AssertionResult denied(const QString& path, const char* reason) const
+    static QString reasonOf(const Safety& gate, const QString& path)
     {
-        const Verdict verdict = m_safety->check(path);
-        if (verdict == Verdict::denied(QString::fromUtf8(reason)))
-            return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure()
-               << path.toStdString() << " gave "
-               << (verdict.isAllowed() ? "allowed" : verdict.reason().toStdString()) << ", expected "
-               << reason;
+        const Verdict verdict = gate.check(path);
+        return verdict.isAllowed() ? QStringLiteral("allowed") : verdict.reason();
     }
 
-    ::testing::AssertionResult allowed(const QString& path) const
+    // Each row's paths get the row's answer under every spelling: trailing or doubled slashes, a
+    // "." or an "x/.." detour never change a verdict.
+    void expectReasons(const Safety& gate, const std::vector<ReasonRow>& rows) const
     {
-        const Verdict verdict = m_safety->check(path);
-        if (verdict.isAllowed())
-            return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure()
-               << path.toStdString() << " was denied: " << verdict.reason().toStdString();
+        for (const ReasonRow& row : rows) {
+            for (const char* spec : row.paths) {
+                const QString path = at(spec);
+                QStringList spellings{path};
+                for (const char* tail : {"/", "//", "/.", "/./", "/x/..", "/x/../"})
+                    spellings << path + QLatin1String(tail);
+                if (path.size() > 1)
+                    spellings << QString(path).replace(QLatin1Char('/'), QStringLiteral("//"));
+                for (const QString& spelling : spellings)
+                    EXPECT_EQ(reasonOf(gate, spelling), QString::fromUtf8(row.reason))
+                        << spelling.toStdString();
+            }
+        }
+    }
+
+    // A path strictly below `start`, 1 to `depth` components deep. Components join names with
+    // every odd character and protected-looking words; separators are "/", "//", "/./" or an
+    // "x/../" detour, and a trailing "/" may follow: none of them may move the path out of `start`.
+    static QString randomPathBelow(const QString& start, QRandomGenerator& random, int depth = 6)
+    {
+        static const char* const pieces[] = {
+            "a",    "Caches", "Library", "-rf", "x y", "q\"uote", "b\\s",   "n\nl",          "it's",
+            "Mail", "ñ",      ".hidden", "...", "tmp", "~",       "  sp  ", "photoslibrary", "\xff\xfe"};
+        static const char* const separators[] = {"/", "/", "//", "/./", "/x/../"};
+        const auto any = [&random](const auto& list) {
+            return QFile::decodeName(list[random.bounded(int(std::size(list)))]);
+        };
+        QString path = start;
+        for (int i = 1 + int(random.bounded(depth)); i > 0; --i) {
+            path += any(separators);
+            for (int parts = 1 + int(random.bounded(3)); parts > 0; --parts)
+                path += any(pieces);
+        }
+        return random.bounded(4) == 0 ? path + QLatin1Char('/') : path;
     }
 
     QTemporaryDir m_base;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 using nubo::FileNode;
@@ -20,6 +21,8 @@ FileNode* addNode(FileNode& parent, const char* name, FileNode::Type type, qint6
 
 } // namespace
 
+// Removing a child takes its totals off every ancestor and hands it back; a node that is not (or
+// no longer) a child changes nothing.
 TEST(FileNode, RemoveLowersEveryAncestorAndHandsTheChildBack)
 {
     FileNode root(QStringLiteral("ana"), QStringLiteral("/Users/ana"), FileNode::Type::Directory);
@@ -29,41 +32,31 @@ TEST(FileNode, RemoveLowersEveryAncestorAndHandsTheChildBack)
     FileNode* caches = addNode(*library, "Caches", FileNode::Type::Directory, 500, 6);
     FileNode* blob = addNode(*caches, "blob", FileNode::Type::File, 300, 1);
     addNode(*caches, "other", FileNode::Type::File, 200, 1);
-
-    const std::vector<const FileNode*> chain = blob->ancestors();
-    EXPECT_EQ(chain, (std::vector<const FileNode*>{&root, library, caches, blob}));
+    EXPECT_EQ(blob->ancestors(), (std::vector<const FileNode*>{&root, library, caches, blob}));
 
     auto removed = caches->remove(blob);
     ASSERT_EQ(removed.get(), blob);
     EXPECT_EQ(removed->parent(), nullptr);
-    EXPECT_EQ(caches->children().size(), 1u);
-    EXPECT_EQ(caches->size(), 200);
-    EXPECT_EQ(library->size(), 400);
-    EXPECT_EQ(root.size(), 700);
-    EXPECT_EQ(caches->fileCount(), 5);
-    EXPECT_EQ(root.fileCount(), 9);
-
-    // Not a child (any more): nothing changes.
+    EXPECT_EQ(std::tuple(caches->children().size(), caches->size(), library->size(), root.size(),
+                         caches->fileCount(), root.fileCount()),
+              std::tuple(1u, 200, 400, 700, 5, 9));
     EXPECT_EQ(caches->remove(blob), nullptr);
     EXPECT_EQ(root.remove(caches), nullptr);
     EXPECT_EQ(root.size(), 700);
 
-    // Removing a whole folder takes its totals off the ancestors at once.
     ASSERT_TRUE(library->remove(caches));
-    EXPECT_EQ(root.size(), 500);
-    EXPECT_EQ(root.fileCount(), 4);
-    EXPECT_FALSE(library->canDrill());
+    EXPECT_EQ(std::tuple(root.size(), root.fileCount(), library->canDrill()), std::tuple(500, 4, false));
 }
 
+// Only folders that are not bundles, with something inside, can be opened; an empty folder still
+// counts as one item.
 TEST(FileNode, OnlyFoldersThatAreNotBundlesCanBeOpened)
 {
     FileNode root(QStringLiteral("ana"), QStringLiteral("/Users/ana"), FileNode::Type::Directory);
-    EXPECT_FALSE(root.canDrill());  // nothing inside
-    EXPECT_EQ(root.itemCount(), 1); // yet it counts as one item
-
+    EXPECT_EQ(std::tuple(root.canDrill(), root.itemCount()), std::tuple(false, 1));
     FileNode* package = addNode(root, "Tool.app", FileNode::Type::Directory, 1, 1, true);
     addNode(*package, "Contents", FileNode::Type::Directory, 1, 1);
     EXPECT_TRUE(root.canDrill());
-    EXPECT_FALSE(package->canDrill()); // a bundle is never opened, even with children
+    EXPECT_FALSE(package->canDrill());
     EXPECT_FALSE(addNode(root, "3 archivos pequeños", FileNode::Type::Aggregate, 30, 3)->canDrill());
 }

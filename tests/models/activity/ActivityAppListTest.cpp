@@ -5,7 +5,10 @@
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace nubo;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -13,7 +16,7 @@ AppUsage usage(qint32 pid, double cpu = 0)
 {
     AppUsage app;
     app.pid = pid;
-    app.name = QStringLiteral("App ") + QString::number(pid);
+    app.name = u"App "_s + QString::number(pid);
     app.cpu = cpu;
     return app;
 }
@@ -40,37 +43,29 @@ protected:
 
 } // namespace
 
+// Rows are moved, inserted and removed one by one, never reset, so a view keeps its place and
+// selection; a row keeps its identity while its app runs.
 TEST_F(ActivityAppListTest, RowsFollowTheOrderAndKeepTheirIdentity)
 {
     m_list.sync({usage(1), usage(2), usage(3)});
     EXPECT_EQ(pids(m_list), (QList<qint32>{1, 2, 3}));
     const QPersistentModelIndex first(m_list.index(0));
-
-    // WHEN 2 ends and 3 becomes the busiest THEN 2's row goes, 3's moves up and 1's row is kept.
+    // 2 ends and 3 becomes the busiest: 2's row goes, 3's moves up and 1's row is kept.
     m_list.sync({usage(3, 40), usage(1)});
     EXPECT_EQ(pids(m_list), (QList<qint32>{3, 1}));
-    EXPECT_EQ(m_removed.count(), 1);
-    EXPECT_EQ(m_moved.count(), 1);
-    ASSERT_TRUE(first.isValid());
-    EXPECT_EQ(first.row(), 1);
+    EXPECT_EQ(std::tuple(m_removed.count(), m_moved.count(), first.row()), std::tuple(1, 1, 1));
     EXPECT_DOUBLE_EQ(m_list.data(m_list.index(0), int(ActivityAppList::Role::Cpu)).toDouble(), 40.0);
-
     // A new app is inserted where it ranks.
     m_list.sync({usage(3, 40), usage(4, 10), usage(1)});
     EXPECT_EQ(pids(m_list), (QList<qint32>{3, 4, 1}));
     EXPECT_EQ(m_inserted.count(), 4);
-
     // New figures in the same order only update rows in place.
     m_changed.clear();
     m_list.sync({usage(3, 41), usage(4, 10), usage(1, 2)});
-    EXPECT_EQ(m_changed.count(), 2);
-    EXPECT_EQ(m_moved.count(), 1);
-    EXPECT_EQ(m_inserted.count(), 4);
-    EXPECT_EQ(m_removed.count(), 1);
-    EXPECT_EQ(m_reset.count(), 0);
+    EXPECT_EQ(std::tuple(m_changed.count(), m_moved.count(), m_inserted.count(), m_removed.count(), m_reset.count()),
+              std::tuple(2, 1, 4, 1, 0));
     EXPECT_EQ(first.row(), 2);
-    EXPECT_EQ(m_list.data(m_list.index(2), int(ActivityAppList::Role::App)).toMap().value(QStringLiteral("cpu")),
-              QVariant(2.0));
+    EXPECT_EQ(m_list.data(m_list.index(2), int(ActivityAppList::Role::App)).toMap().value(u"cpu"_s), QVariant(2.0));
 }
 
 TEST_F(ActivityAppListTest, AReversedListAnEmptyOneAndARepeatedIdStayConsistent)
@@ -78,11 +73,9 @@ TEST_F(ActivityAppListTest, AReversedListAnEmptyOneAndARepeatedIdStayConsistent)
     m_list.sync({usage(1), usage(2), usage(3), usage(4)});
     m_list.sync({usage(4), usage(3), usage(2), usage(1)});
     EXPECT_EQ(pids(m_list), (QList<qint32>{4, 3, 2, 1}));
-
     // The same id twice keeps one row, in its first place.
     m_list.sync({usage(2), usage(5), usage(2)});
     EXPECT_EQ(pids(m_list), (QList<qint32>{2, 5}));
-
     m_list.sync({});
     EXPECT_EQ(m_list.rowCount(), 0);
     EXPECT_FALSE(m_list.index(0).isValid());

@@ -12,10 +12,12 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
+#include <tuple>
 
 using namespace nubo;
 using nubo::test::eventually;
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -23,12 +25,7 @@ constexpr qint64 kOwnPid = 10;
 
 RunningApplication regularApp(qint64 pid, const QString& name)
 {
-    RunningApplication app;
-    app.pid = pid;
-    app.name = name;
-    app.bundlePath = QStringLiteral("/Applications/") + name + QStringLiteral(".app");
-    app.regular = true;
-    return app;
+    return {pid, name, u"/Applications/"_s + name + u".app"_s, false, false, true, false};
 }
 
 // A process table that takes a while to list and remembers how many listings ever overlapped.
@@ -43,7 +40,6 @@ public:
         int seen = overlap.load();
         while (inside > seen && !overlap.compare_exchange_weak(seen, inside)) {
         }
-        ++listings;
         std::this_thread::sleep_for(40ms);
         --m_inside;
         return inner.listPids(pids);
@@ -58,7 +54,6 @@ public:
 
     FakeProcessTable inner;
     mutable std::atomic<int> overlap = 0;
-    mutable std::atomic<int> listings = 0;
 
 private:
     mutable std::atomic<int> m_inside = 0;
@@ -70,20 +65,16 @@ protected:
     // A sample still being taken when a test's model went reads this fixture's services.
     void TearDown() override { EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10))); }
 
-    // GIVEN three regular apps (our own among them), a menu-bar agent and an ended app; the
-    // first two regular apps hold the same memory.
+    // Three regular apps (our own among them), a menu-bar agent and an ended app; the first two
+    // regular apps hold the same memory.
     void SetUp() override
     {
-        RunningApplication agent = regularApp(40, QStringLiteral("Agent"));
-        agent.regular = false;
-        RunningApplication ended = regularApp(50, QStringLiteral("Ended"));
-        ended.terminated = true;
-        m_workspace.running = {regularApp(20, QStringLiteral("Zeta")),
-                               regularApp(30, QStringLiteral("Alpha")), agent, ended,
-                               regularApp(kOwnPid, QStringLiteral("Nubo"))};
+        m_workspace.running = {regularApp(20, u"Zeta"_s), regularApp(30, u"Alpha"_s),
+                               {40, u"Agent"_s, u"/Applications/Agent.app"_s, false, false, false, false},
+                               {50, u"Ended"_s, u"/Applications/Ended.app"_s, false, false, true, true},
+                               regularApp(kOwnPid, u"Nubo"_s)};
         for (const RunningApplication& app : m_workspace.running)
-            m_table.inner.add(qint32(app.pid),
-                              (app.bundlePath + QStringLiteral("/Contents/MacOS/x")).toUtf8(), 0,
+            m_table.inner.add(qint32(app.pid), (app.bundlePath + u"/Contents/MacOS/x"_s).toUtf8(), 0,
                               app.pid == kOwnPid ? 1000 : 5000);
         m_table.inner.pages = ProcessTable::MemoryPages{4096, 100, 0, 0, 0};
     }
@@ -121,17 +112,14 @@ TEST_F(ActivityModelTest, RefreshListsRegularRunningAppsAndSortsStably)
     refreshed(model);
     EXPECT_TRUE(model.hasSampled());
     EXPECT_EQ(pids(model.apps()), (QList<qint32>{20, 30, kOwnPid}));
-    EXPECT_EQ(model.apps().at(0).memory, 5000);
-    EXPECT_EQ(model.memoryUsed(), 409600); // 100 pages of 4 KiB
-    EXPECT_EQ(model.memoryTotal(), m_table.inner.physical);
-
-    // WHEN sorted by memory: Zeta and Alpha tie and keep the workspace's order.
-    model.setSortLabel(QStringLiteral("Memoria"));
-    EXPECT_EQ(model.sort(), ActivityModel::Sort::memory);
+    // 100 pages of 4 KiB.
+    EXPECT_EQ(std::tuple(model.apps().at(0).memory, model.memoryUsed(), model.memoryTotal()),
+              std::tuple(5000, 409600, m_table.inner.physical));
+    // Sorted by memory, Zeta and Alpha tie and keep the workspace's order; labels match exactly.
+    model.setSortLabel(u"Memoria"_s);
+    model.setSortLabel(u"memoria"_s);
+    EXPECT_EQ(std::tuple(model.sort(), model.sortLabel()), std::tuple(ActivityModel::Sort::memory, u"Memoria"_s));
     EXPECT_EQ(pids(model.sorted()), (QList<qint32>{20, 30, kOwnPid}));
-    model.setSortLabel(QStringLiteral("memoria"));
-    EXPECT_EQ(model.sortLabel(), QStringLiteral("Memoria"));
-
     // A second sample measures processor time: Alpha was busy (how helpers add to it is
     // UsageSamplerTest's).
     m_table.inner.clock += 1'000'000'000;
@@ -158,31 +146,46 @@ TEST_F(ActivityModelTest, RefreshesNeverOverlapAndStartingTwiceRunsOneLoop)
     EXPECT_EQ(m_table.overlap.load(), 1);
 }
 
-TEST_F(ActivityModelTest, ActionsFindTheAppAgainAndIgnoreOneThatIsGone)
+// An action finds the app again by id and bundle, so a quit never reaches a program that took
+// over an ended app's id. Without window actions or accessibility only quitting works, and
+// nothing asks for trust.
+TEST_F(ActivityModelTest, ActionsFindTheAppAgainAndUnsupportedOnesDoNothing)
 {
-    ActivityModel model(services());
-    refreshed(model);
-    QSignalSpy spy(&model, &ActivityModel::refreshed);
-
-    model.quit(20);
-    model.forceQuit(30);
-    model.hide(30);
-    model.unhide(30);
-    model.activate(20);
-    EXPECT_EQ(
-        m_workspace.actions,
-        (QStringList{QStringLiteral("terminate 20"), QStringLiteral("forceTerminate 30"),
-                     QStringLiteral("hide 30"), QStringLiteral("unhide 30"), QStringLiteral("activate 20")}));
-    EXPECT_TRUE(spy.wait(2000)); // the bump
-
-    // Zeta has quit and its id now belongs to something else; Alpha is gone altogether.
-    m_workspace.actions.clear();
-    RunningApplication impostor = regularApp(20, QStringLiteral("Other"));
-    m_workspace.running = {impostor};
-    model.quit(model.apps().at(0));
-    model.forceQuit(model.apps().at(1));
-    model.quit(999); // never listed
-    EXPECT_TRUE(m_workspace.actions.isEmpty());
+    for (const bool supported : {false, true}) {
+        SCOPED_TRACE(supported ? "supported" : "unsupported");
+        m_workspace.windowActions = supported;
+        m_accessibility.supported = supported;
+        m_workspace.actions.clear();
+        ActivityModel model(services());
+        refreshed(model);
+        EXPECT_EQ(std::tuple(model.canHide(), model.canActivate(), model.canMinimize()),
+                  std::tuple(supported, supported, supported));
+        QSignalSpy spy(&model, &ActivityModel::refreshed);
+        model.quit(20);
+        model.forceQuit(30);
+        model.hide(30);
+        model.unhide(30);
+        model.activate(20);
+        if (!supported) {
+            model.hideAll();
+            model.minimizeAll();
+            model.ensureAccessibility();
+        }
+        const QStringList quits{u"terminate 20"_s, u"forceTerminate 30"_s};
+        EXPECT_EQ(m_workspace.actions,
+                  (supported ? quits + QStringList{u"hide 30"_s, u"unhide 30"_s, u"activate 20"_s} : quits));
+        EXPECT_EQ(m_accessibility.requests.load(), 0);
+        EXPECT_TRUE(spy.wait(2000)); // the bump
+        if (!supported)
+            continue;
+        // Zeta has quit and its id now belongs to something else; Alpha is gone altogether.
+        m_workspace.actions.clear();
+        m_workspace.running = {regularApp(20, u"Other"_s)};
+        model.quit(model.apps().at(0));
+        model.forceQuit(model.apps().at(1));
+        model.quit(999); // never listed
+        EXPECT_TRUE(m_workspace.actions.isEmpty());
+    }
 }
 
 TEST_F(ActivityModelTest, MinimisingWithoutTrustAsksAndDoesNothingAndTheAllActionsLeaveTheProgramItself)
@@ -196,59 +199,31 @@ TEST_F(ActivityModelTest, MinimisingWithoutTrustAsksAndDoesNothingAndTheAllActio
     QTest::qWait(100);
     EXPECT_TRUE(m_accessibility.minimized().isEmpty());
     EXPECT_FALSE(model.hasAccessibility());
-
     // Trust granted at the prompt: the same call goes ahead and the property says so.
     m_accessibility.grantOnRequest = true;
     model.minimize(20);
     ASSERT_TRUE(eventually([&] { return m_accessibility.minimized() == (QList<qint64>{20}); }, 5000));
-    EXPECT_TRUE(model.hasAccessibility());
-    EXPECT_EQ(trust.count(), 1);
-
+    EXPECT_EQ(std::tuple(model.hasAccessibility(), trust.count()), std::tuple(true, 1));
     model.hideAll();
-    EXPECT_EQ(m_workspace.actions, (QStringList{QStringLiteral("hide 20"), QStringLiteral("hide 30")}));
+    EXPECT_EQ(m_workspace.actions, (QStringList{u"hide 20"_s, u"hide 30"_s}));
     model.minimizeAll();
     ASSERT_TRUE(eventually([&] { return m_accessibility.minimized().size() == 3; }, 5000));
     EXPECT_EQ(m_accessibility.minimized(), (QList<qint64>{20, 20, 30}));
     EXPECT_EQ(m_accessibility.requests.load(), 3);
 }
 
-TEST_F(ActivityModelTest, UnsupportedActionsDoNothing)
-{
-    m_workspace.windowActions = false;
-    m_accessibility.supported = false;
-    ActivityModel model(services());
-    refreshed(model);
-    EXPECT_FALSE(model.canHide());
-    EXPECT_FALSE(model.canActivate());
-    EXPECT_FALSE(model.canMinimize());
-
-    model.hide(20);
-    model.unhide(20);
-    model.activate(20);
-    model.hideAll();
-    model.minimizeAll();
-    model.ensureAccessibility();
-    model.quit(20); // quitting is always possible
-    EXPECT_EQ(m_workspace.actions, QStringList{QStringLiteral("terminate 20")});
-    EXPECT_EQ(m_accessibility.requests.load(), 0);
-}
-
+// A refused registration leaves the switch off, and says so to a view that flipped it.
 TEST_F(ActivityModelTest, TheLoginSwitchShowsWhatTheSystemSays)
 {
     m_login.registered = true;
     ActivityModel model(services());
     EXPECT_TRUE(model.launchAtLogin());
     QSignalSpy spy(&model, &ActivityModel::launchAtLoginChanged);
-
     model.setLaunchAtLogin(false);
     EXPECT_FALSE(model.launchAtLogin());
-
-    // A refused registration leaves the switch off, and says so to a view that flipped it.
     m_login.refuse = true;
     model.setLaunchAtLogin(true);
-    EXPECT_FALSE(model.launchAtLogin());
-    EXPECT_EQ(spy.count(), 2);
-
+    EXPECT_EQ(std::tuple(model.launchAtLogin(), spy.count()), std::tuple(false, 2));
     m_login.refuse = false;
     model.setLaunchAtLogin(true);
     EXPECT_TRUE(model.launchAtLogin());

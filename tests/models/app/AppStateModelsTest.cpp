@@ -6,9 +6,11 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <limits>
+#include <tuple>
 
 using namespace nubo;
 using namespace nubo::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -55,23 +57,6 @@ TEST_F(AppStateModelsTest, AnalysingEmptiesAndReloadsTheAppsUnlessTheyAreLoading
     EXPECT_EQ(state().apps()->count(), 1);
 }
 
-TEST_F(AppStateModelsTest, JumpsToACategoryAndToUnusedApps)
-{
-    QSignalSpy sort(state().apps(), &AppsModel::sortChanged);
-    QSignalSpy section(&state(), &AppState::sectionChanged);
-    state().showUnusedApps();
-    EXPECT_EQ(state().apps()->sort(), AppsModel::Sort::LastUse);
-    EXPECT_EQ(state().pane(), Pane::Apps);
-    state().setPane(Pane::Home);
-    state().showUnusedApps(); // already sorted by last use: only the pane moves
-    EXPECT_EQ(sort.count(), 1);
-    EXPECT_EQ(section.count(), 3);
-
-    state().reveal(QStringLiteral("logs"));
-    EXPECT_EQ(state().clean()->path(), QStringList{QStringLiteral("logs")});
-    EXPECT_EQ(state().pane(), Pane::Clean);
-}
-
 TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -96,11 +81,11 @@ TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
 // only for the prompt, the workspace and the dates), analyse, clean what is safe, and look at the disk.
 TEST_F(AppStateModelsTest, ASafeCleanThroughTheRealBackendsFreesExactlyTheSafeCategories)
 {
-    file(QStringLiteral("home/Library/Caches/com.a/blob"), 40'000);
-    file(QStringLiteral("home/Library/Caches/com.b/blob"), 9'000);
-    file(QStringLiteral("home/Library/Logs/a.log"), 7'000);
-    file(QStringLiteral("home/Downloads/setup.dmg"), 50'000);
-    file(QStringLiteral("home/Documents/thesis.txt"), 3'000);
+    file(u"home/Library/Caches/com.a/blob"_s, 40'000);
+    file(u"home/Library/Caches/com.b/blob"_s, 9'000);
+    file(u"home/Library/Logs/a.log"_s, 7'000);
+    file(u"home/Downloads/setup.dmg"_s, 50'000);
+    file(u"home/Documents/thesis.txt"_s, 3'000);
     Backends::Overrides overrides;
     overrides.admin = std::make_unique<FakeAdminRunner>();
     overrides.workspace = std::make_unique<FakeWorkspace>();
@@ -114,16 +99,13 @@ TEST_F(AppStateModelsTest, ASafeCleanThroughTheRealBackendsFreesExactlyTheSafeCa
         ASSERT_TRUE(QTest::qWaitFor([&] { return !state.isAnalyzing(); }, 10000));
         ASSERT_EQ(state.apps()->count(), 1);
         const qint64 safe = state.safeSize();
-        EXPECT_EQ(safe, state.clean()->size(QStringLiteral("caches")) + state.clean()->size(QStringLiteral("logs")));
+        EXPECT_EQ(safe, state.clean()->size(u"caches"_s) + state.clean()->size(u"logs"_s));
         EXPECT_GE(safe, 56'000);
         EXPECT_EQ(state.clean()->totalSelected(), safe); // downloads start unselected
-
         state.clean()->clean(state.safeCategories());
         ASSERT_TRUE(QTest::qWaitFor([&] { return !state.clean()->isCleaning(); }, 10000));
-        EXPECT_EQ(state.toastHeadline(), Bytes::string(safe) + QStringLiteral(" liberados"));
-        EXPECT_EQ(state.toastDetail(), QString());
-        EXPECT_EQ(state.totalFreedThisSession(), safe);
-        EXPECT_EQ(state.safeSize(), 0);
+        EXPECT_EQ(std::tuple(state.toastHeadline(), state.toastDetail(), state.totalFreedThisSession(), state.safeSize()),
+                  std::tuple(Bytes::string(safe) + u" liberados"_s, QString(), safe, qint64(0)));
     }
     QLocale::setDefault(QLocale::c());
     for (const char* gone : {"home/Library/Caches/com.a", "home/Library/Caches/com.b", "home/Library/Logs/a.log"})

@@ -17,9 +17,11 @@
 #include <chrono>
 #include <limits>
 #include <memory>
+#include <tuple>
 
 using namespace nubo;
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 TEST(Panes, TheSidebarListsEveryPaneOnceAndEachIdLeadsBackToItsPane)
 {
@@ -30,7 +32,7 @@ TEST(Panes, TheSidebarListsEveryPaneOnceAndEachIdLeadsBackToItsPane)
         const QString id = model.index(row).data(int(PaneListModel::Role::Id)).toString();
         EXPECT_EQ(Panes::fromId(id), Panes::all[size_t(row)]) << id.toStdString();
     }
-    EXPECT_EQ(Panes::fromId(QStringLiteral("Home")), std::nullopt); // ids are exact
+    EXPECT_EQ(Panes::fromId(u"Home"_s), std::nullopt); // ids are exact
 }
 
 namespace {
@@ -65,72 +67,56 @@ protected:
 TEST_F(AppStateTest, StartsOnHomeWithFreshFiguresAndGuidanceOnlyWithoutAccess)
 {
     auto state = make();
-    EXPECT_EQ(state->pane(), Pane::Home);
-    EXPECT_EQ(state->diskAvailable(), 250'000'000'000); // the important-usage figure wins
-    EXPECT_EQ(state->diskTone(), QStringLiteral("warning"));
-    EXPECT_TRUE(state->showPermissions());
+    // The important-usage figure wins over the plain free space.
+    EXPECT_EQ(std::tuple(state->pane(), state->diskAvailable(), state->diskTone(), state->showPermissions()),
+              std::tuple(Pane::Home, 250'000'000'000, u"warning"_s, true));
     EXPECT_EQ(m_probes, 1);
-
     // The section notifies only on a real change.
     QSignalSpy changed(state.get(), &AppState::sectionChanged);
-    state->setSection(QStringLiteral("home"));
-    state->setSection(QStringLiteral("nowhere"));
+    state->setSection(u"home"_s);
+    state->setSection(u"nowhere"_s);
     EXPECT_EQ(changed.count(), 0);
-    state->setSection(QStringLiteral("performance"));
-    EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(state->pane(), Pane::Performance);
-
+    state->setSection(u"performance"_s);
+    EXPECT_EQ(std::tuple(changed.count(), state->pane()), std::tuple(1, Pane::Performance));
     m_granted = true;
     EXPECT_FALSE(make()->showPermissions());
 }
 
-TEST_F(AppStateTest, AGrantSeenOnRefreshClosesTheGuidanceButNeverReopensIt)
-{
-    auto state = make();
-    QSignalSpy sheet(state.get(), &AppState::showPermissionsChanged);
-    QSignalSpy access(state.get(), &AppState::hasFullDiskAccessChanged);
-    QSignalSpy disk(state.get(), &AppState::diskChanged);
-    state->refreshDisk(); // nothing changed: nothing notifies
-    EXPECT_EQ(sheet.count() + access.count() + disk.count(), 0);
-
-    m_granted = true;
-    m_volume.answer.importantUsage = 300'000'000'000;
-    state->refreshDisk();
-    EXPECT_TRUE(state->hasFullDiskAccess());
-    EXPECT_FALSE(state->showPermissions());
-    EXPECT_EQ(sheet.count(), 1);
-    EXPECT_EQ(disk.count(), 1);
-    EXPECT_EQ(state->diskAvailable(), 300'000'000'000);
-
-    // Losing access is recorded, but the guidance does not come back by itself.
-    m_granted = false;
-    state->refreshDisk();
-    EXPECT_FALSE(state->hasFullDiskAccess());
-    EXPECT_FALSE(state->showPermissions());
-}
-
-TEST_F(AppStateTest, TheGuidancesPollClosesItOnceAccessIsThereAndOpensTheSettingsPage)
+TEST_F(AppStateTest, AGrantSeenOnRefreshOrByTheGuidancesPollClosesItButNothingReopensIt)
 {
     FakeWorkspace workspace;
     AppState state({m_privacy, m_volume, 4s, nullptr, &workspace, 50ms});
     EXPECT_EQ(state.permissionPollInterval(), 50);
-    ASSERT_TRUE(state.showPermissions());
-
+    QSignalSpy sheet(&state, &AppState::showPermissionsChanged);
+    QSignalSpy access(&state, &AppState::hasFullDiskAccessChanged);
+    QSignalSpy disk(&state, &AppState::diskChanged);
+    // Nothing changed and still no access: nothing notifies, and opening the settings leaves the
+    // guidance up.
+    const int before = m_probes;
+    state.refreshDisk();
+    state.pollPermissions();
     state.openFullDiskAccessSettings();
     EXPECT_EQ(workspace.openedUrls.size(), 1);
-    EXPECT_TRUE(state.showPermissions()); // opening the settings leaves the guidance up
-
-    const int before = m_probes;
-    state.pollPermissions(); // still no access: the guidance stays
-    EXPECT_EQ(m_probes, before + 1);
-    EXPECT_TRUE(state.showPermissions());
+    EXPECT_EQ(m_probes, before + 2);
+    EXPECT_EQ(sheet.count() + access.count() + disk.count(), 0);
+    ASSERT_TRUE(state.showPermissions());
 
     m_granted = true;
-    state.pollPermissions();
-    EXPECT_FALSE(state.showPermissions());
-    EXPECT_TRUE(state.hasFullDiskAccess());
+    m_volume.answer.importantUsage = 300'000'000'000;
+    state.refreshDisk();
+    EXPECT_EQ(std::tuple(state.hasFullDiskAccess(), state.showPermissions(), state.diskAvailable()),
+              std::tuple(true, false, 300'000'000'000));
+    EXPECT_EQ(std::tuple(sheet.count(), disk.count()), std::tuple(1, 1));
 
-    // Shown again by a screen while access is already there, the next look closes it too.
+    // Losing access is recorded, but the guidance does not come back by itself.
+    m_granted = false;
+    state.refreshDisk();
+    EXPECT_FALSE(state.hasFullDiskAccess());
+    EXPECT_FALSE(state.showPermissions());
+
+    // Access back, then the guidance shown again by a screen: the poll's next look closes it.
+    m_granted = true;
+    state.refreshDisk();
     state.setShowPermissions(true);
     state.pollPermissions();
     EXPECT_FALSE(state.showPermissions());
@@ -141,17 +127,15 @@ TEST_F(AppStateTest, AReportAddsUpRefreshesAndShowsItsToast)
     auto state = make();
     const int probesBefore = m_probes;
     state->report(5'000'000'000, 2);
-    EXPECT_EQ(state->totalFreedThisSession(), 5'000'000'000);
-    EXPECT_EQ(state->freedTodayLine(), QStringLiteral("Liberado hoy: 5 GB"));
     EXPECT_EQ(m_probes, probesBefore + 1);
     ASSERT_TRUE(state->hasToast());
-    EXPECT_EQ(state->toastDetail(), QStringLiteral("2 elementos no se pudieron borrar"));
-    EXPECT_TRUE(state->toastHasFailures());
-
+    EXPECT_EQ(std::tuple(state->toastDetail(), state->toastHasFailures()),
+              std::tuple(u"2 elementos no se pudieron borrar"_s, true));
+    // The day's line is the session's total; the toast tells only the last batch.
     state->report(0, 0);
-    EXPECT_EQ(state->totalFreedThisSession(), 5'000'000'000);
-    EXPECT_EQ(state->toastHeadline(), QStringLiteral("Nada que liberar"));
-    EXPECT_FALSE(state->toastHasFailures());
+    EXPECT_EQ(std::tuple(state->totalFreedThisSession(), state->freedTodayLine(), state->toastHeadline(),
+                         state->toastHasFailures()),
+              std::tuple(5'000'000'000, u"Liberado hoy: 5 GB"_s, u"Nada que liberar"_s, false));
 }
 
 TEST_F(AppStateTest, ANewerToastOutlivesTheOldersTimerAndADismissedOneStaysDismissed)

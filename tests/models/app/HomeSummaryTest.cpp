@@ -1,12 +1,16 @@
 #include "../support/ModelWorld.h"
 #include "models/home/HomeSummary.h"
+#include "support/Column.h"
 
 #include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
+#include <algorithm>
+#include <tuple>
 
 using namespace nubo;
 using namespace nubo::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -46,10 +50,7 @@ protected:
 
     [[nodiscard]] QStringList recommendationIds() const
     {
-        QStringList ids;
-        for (const Recommendation& row : m_summary.recommendations())
-            ids << row.id;
-        return ids;
+        return test::column(m_summary.recommendations(), &Recommendation::id);
     }
 
     QString m_safe;
@@ -62,9 +63,8 @@ protected:
 TEST_F(HomeSummaryTest, AnAnalysisFillsTheSafeRowAndTheRecommendationsAndTheSafeCleanTakesOnlyThatRow)
 {
     // Before the first analysis: only the map is suggested, and there is nothing to clean.
-    EXPECT_FALSE(m_summary.canAnalyzeAgain());
-    EXPECT_FALSE(m_summary.canCleanSafe());
-    EXPECT_EQ(recommendationIds(), QStringList{QStringLiteral("map")});
+    EXPECT_EQ(std::tuple(m_summary.canAnalyzeAgain(), m_summary.canCleanSafe()), std::tuple(false, false));
+    EXPECT_EQ(recommendationIds(), QStringList{u"map"_s});
     EXPECT_EQ(m_summary.diskPercent(), 75);
 
     QSignalSpy changed(&m_summary, &HomeSummary::changed);
@@ -73,8 +73,7 @@ TEST_F(HomeSummaryTest, AnAnalysisFillsTheSafeRowAndTheRecommendationsAndTheSafe
     EXPECT_FALSE(m_summary.canAnalyzeAgain()); // not while it runs
     ASSERT_TRUE(QTest::qWaitFor([this] { return !state().isAnalyzing(); }, 10000));
     EXPECT_GT(changed.count(), 2);
-    EXPECT_TRUE(m_summary.canAnalyzeAgain());
-    EXPECT_EQ(m_summary.safeCount(), 2);
+    EXPECT_EQ(std::tuple(m_summary.canAnalyzeAgain(), m_summary.safeCount()), std::tuple(true, 2));
     // The category to review is listed, with the size claimed at discovery; the safe one is left
     // to the safe row.
     EXPECT_EQ(recommendationIds(), (QStringList{QStringLiteral("category:") + m_review, QStringLiteral("map")}));
@@ -86,8 +85,7 @@ TEST_F(HomeSummaryTest, AnAnalysisFillsTheSafeRowAndTheRecommendationsAndTheSafe
     EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/com.acme")));
     EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/odd \"name\"\\-x")));
     EXPECT_TRUE(exists(QStringLiteral("home/Projects/old/data")));
-    EXPECT_EQ(m_summary.safeCount(), 0);
-    EXPECT_FALSE(m_summary.canCleanSafe());
+    EXPECT_EQ(std::tuple(m_summary.safeCount(), m_summary.canCleanSafe()), std::tuple(0, false));
     // Nothing safe left: a second press deletes nothing and reports nothing.
     QSignalSpy toasts(&state(), &AppState::toastChanged);
     m_summary.cleanSafe();
@@ -95,34 +93,34 @@ TEST_F(HomeSummaryTest, AnAnalysisFillsTheSafeRowAndTheRecommendationsAndTheSafe
     EXPECT_EQ(toasts.count(), 0);
 }
 
+// Each button goes where it says: the unused apps sorted by last use, the category on the cleanup
+// pane, the map; an unknown id does nothing, and the map's row goes once there is a tree.
 TEST_F(HomeSummaryTest, RecommendationButtonsGoWhereTheySayAndTheMapOneGoesOnceThereIsATree)
 {
     // Five applications last opened a year ago, as the system's records say.
     for (const char* name : {"Alfa", "Beta", "Gamma", "Delta", "Eco"}) {
-        const QString relative = QStringLiteral("Applications/%1.app").arg(QString::fromUtf8(name));
-        bundle(relative, QStringLiteral("com.acme.") + QString::fromUtf8(name), 1000);
+        const QString relative = u"Applications/%1.app"_s.arg(QString::fromUtf8(name));
+        bundle(relative, u"com.acme."_s + QString::fromUtf8(name), 1000);
         m_metadata.lastUsed.insert(path(relative), QDateTime::currentDateTimeUtc().addDays(-365));
     }
     m_summary.analyze();
     ASSERT_TRUE(
         QTest::qWaitFor([this] { return !state().isAnalyzing() && state().apps()->sizesLoaded(); }, 10000));
     const QList<Recommendation> rows = m_summary.recommendations();
-    const auto unused = std::ranges::find(rows, QStringLiteral("unused"), &Recommendation::id);
+    const auto unused = std::ranges::find(rows, u"unused"_s, &Recommendation::id);
     ASSERT_NE(unused, rows.end());
-    EXPECT_EQ(unused->title, QStringLiteral("5 apps sin usar"));
+    EXPECT_EQ(unused->title, u"5 apps sin usar"_s);
     EXPECT_GT(unused->size, 0);
-    m_summary.perform(QStringLiteral("unused"));
-    EXPECT_EQ(state().pane(), Pane::Apps);
-
-    m_summary.perform(QStringLiteral("category:") + m_review);
-    EXPECT_EQ(state().clean()->path(), QStringList{m_review});
+    m_summary.perform(u"unused"_s);
+    EXPECT_EQ(std::tuple(state().pane(), state().apps()->sort()), std::tuple(Pane::Apps, AppsModel::Sort::LastUse));
+    m_summary.perform(u"category:"_s + m_review);
+    EXPECT_EQ(std::tuple(state().pane(), state().clean()->path()), std::tuple(Pane::Clean, QStringList{m_review}));
     state().setPane(Pane::Home);
-    m_summary.perform(QStringLiteral("no such thing"));
+    m_summary.perform(u"no such thing"_s);
     EXPECT_EQ(state().pane(), Pane::Home);
-
-    m_summary.perform(QStringLiteral("map"));
+    m_summary.perform(u"map"_s);
     EXPECT_EQ(state().pane(), Pane::Map);
     state().map()->scanHome();
     ASSERT_TRUE(QTest::qWaitFor([this] { return state().map()->hasTree(); }, 10000));
-    EXPECT_FALSE(recommendationIds().contains(QStringLiteral("map")));
+    EXPECT_FALSE(recommendationIds().contains(u"map"_s));
 }

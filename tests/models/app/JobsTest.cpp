@@ -12,9 +12,11 @@
 #include <semaphore>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 
 using namespace nubo;
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -32,27 +34,19 @@ TEST(JobsTest, OnlyTheNewestJobOfALaneLandsAndAFailureStillEndsIt)
     Jobs jobs(&owner);
     std::binary_semaphore older{0};
     QStringList landed;
-
-    // GIVEN an older read still under way when a newer one of the same lane starts
-    jobs.start(
-        QStringLiteral("list"), [&older](StopToken) { return older.try_acquire_for(5s) ? 1 : -1; },
-        [&landed](int value) { landed << QStringLiteral("older %1").arg(value); });
-    jobs.start(
-        QStringLiteral("list"), [](StopToken) { return 2; },
-        [&landed](int value) { landed << QStringLiteral("newer %1").arg(value); });
-    // and a job of another lane that throws
+    // An older read still under way when a newer one of the same lane starts, and a job of another
+    // lane that throws: only the newer read lands, and the thrower reaches its failure and leaves.
+    jobs.start(u"list"_s, [&older](StopToken) { return older.try_acquire_for(5s) ? 1 : -1; },
+               [&landed](int value) { landed << u"older %1"_s.arg(value); });
+    jobs.start(u"list"_s, [](StopToken) { return 2; }, [&landed](int value) { landed << u"newer %1"_s.arg(value); });
     bool failed = false;
-    jobs.start(
-        QStringLiteral("other"), [](StopToken) -> int { throw std::runtime_error("disk gone"); },
-        [&landed](int) { landed << QStringLiteral("thrower"); }, [&failed] { failed = true; });
+    jobs.start(u"other"_s, [](StopToken) -> int { throw std::runtime_error("disk gone"); },
+               [&landed](int) { landed << u"thrower"_s; }, [&failed] { failed = true; });
     older.release();
     settle();
-
-    // THEN only the newer read landed, and the thrower reached its failure and left its lane
-    EXPECT_EQ(landed, QStringList{QStringLiteral("newer 2")});
-    EXPECT_TRUE(failed);
-    EXPECT_FALSE(jobs.isRunning(QStringLiteral("list")));
-    EXPECT_FALSE(jobs.isRunning(QStringLiteral("other")));
+    EXPECT_EQ(landed, QStringList{u"newer 2"_s});
+    EXPECT_EQ(std::tuple(failed, jobs.isRunning(u"list"_s), jobs.isRunning(u"other"_s)),
+              std::tuple(true, false, false));
 }
 
 TEST(JobsTest, StopAndInterruptionReachTheWorkButOnlyAnInterruptedJobLands)
@@ -66,7 +60,7 @@ TEST(JobsTest, StopAndInterruptionReachTheWorkButOnlyAnInterruptedJobLands)
         std::binary_semaphore started{0};
         std::optional<bool> landed;
         jobs.start(
-            QStringLiteral("batch"),
+            u"batch"_s,
             [&started](StopToken stop) {
                 started.release();
                 int turns = 0;
@@ -77,18 +71,19 @@ TEST(JobsTest, StopAndInterruptionReachTheWorkButOnlyAnInterruptedJobLands)
             [&landed](bool sawStop) { landed = sawStop; });
         ASSERT_TRUE(started.try_acquire_for(10s));
         if (interrupt)
-            jobs.interrupt(QStringLiteral("batch"));
+            (void)jobs.interrupt(u"batch"_s);
         else
-            jobs.stop(QStringLiteral("batch"));
+            jobs.stop(u"batch"_s);
         settle();
         EXPECT_EQ(landed, interrupt ? std::optional<bool>(true) : std::nullopt);
-        EXPECT_FALSE(jobs.isRunning(QStringLiteral("batch")));
+        EXPECT_FALSE(jobs.isRunning(u"batch"_s));
     }
 }
 
 TEST(JobsTest, AnOwnerThatGoesNeitherWaitsForItsJobsNorHearsFromThem)
 {
-    // GIVEN a job that pays no attention to being stopped, held until after its owner is gone
+    // A job that pays no attention to being stopped, held until after its owner is gone: the owner
+    // goes without waiting, and the end of the program can tell the job is still there.
     std::binary_semaphore release{0};
     std::atomic<bool> finished = false;
     bool landed = false;
@@ -96,24 +91,21 @@ TEST(JobsTest, AnOwnerThatGoesNeitherWaitsForItsJobsNorHearsFromThem)
         auto owner = std::make_unique<QObject>();
         auto jobs = std::make_unique<Jobs>(owner.get());
         jobs->start(
-            QStringLiteral("slow"),
+            u"slow"_s,
             [&release, &finished](StopToken) {
                 (void)release.try_acquire_for(5s);
                 finished = true;
                 return 1;
             },
             [&landed](int) { landed = true; });
-        // WHEN the owner goes while the job runs
         jobs.reset();
         owner.reset();
     }
-    // THEN it went without waiting, and the end of the program can tell the job is still there
     EXPECT_FALSE(finished.load());
     EXPECT_FALSE(Jobs::waitForAll(50ms));
     release.release();
     settle();
-    EXPECT_TRUE(finished.load());
-    EXPECT_FALSE(landed);
+    EXPECT_EQ(std::tuple(finished.load(), landed), std::tuple(true, false));
 }
 
 } // namespace

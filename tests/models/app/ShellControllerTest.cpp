@@ -4,9 +4,11 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <tuple>
 
 using namespace nubo;
 using namespace nubo::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -26,65 +28,54 @@ TEST_F(ShellControllerTest, PresenceFollowsTheMainWindowAndReopenBringsItBack)
     controller.start();
     EXPECT_EQ(m_shell.starts, 1);
     QSignalSpy shown(&controller, &ShellController::mainWindowRequested);
-
     controller.mainWindowShown(true);
     controller.mainWindowShown(false);
     EXPECT_EQ(m_shell.presences, (QList<Presence>{Presence::Regular, Presence::Accessory}));
-
     // Reopening shows the window on the pane the user left, as a regular application again.
     state().setPane(Pane::Apps);
     m_shell.reopen();
-    EXPECT_EQ(shown.count(), 1);
-    EXPECT_EQ(m_shell.presences.last(), Presence::Regular);
-    EXPECT_EQ(state().pane(), Pane::Apps);
-
+    EXPECT_EQ(std::tuple(shown.count(), m_shell.presences.last(), state().pane()),
+              std::tuple(1, Presence::Regular, Pane::Apps));
     // The panel's cleanup row opens it on the home pane.
     controller.openMainWindow();
-    EXPECT_EQ(shown.count(), 2);
-    EXPECT_EQ(state().pane(), Pane::Home);
+    EXPECT_EQ(std::tuple(shown.count(), state().pane()), std::tuple(2, Pane::Home));
 }
 
 TEST_F(ShellControllerTest, BecomingActiveRefreshesTheDiskAndUpdatesAreCheckedOnlyWithAnUpdater)
 {
-    ShellController none(state(), m_shell);
-    m_volume.answer = {1'000'000'000'000, 600'000'000'000, 550'000'000'000};
-    none.applicationActivated();
-    EXPECT_EQ(state().diskAvailable(), 600'000'000'000);
-    EXPECT_FALSE(none.canCheckForUpdates());
-    none.checkForUpdates();
-    EXPECT_EQ(m_shell.checks, 0);
-
-    m_shell.updates = true;
-    ShellController some(state(), m_shell);
-    EXPECT_TRUE(some.canCheckForUpdates());
-    some.checkForUpdates();
-    EXPECT_EQ(m_shell.checks, 1);
+    for (const bool updater : {false, true}) {
+        m_shell.updates = updater;
+        ShellController controller(state(), m_shell);
+        const qint64 available = updater ? 600'000'000'000 : 500'000'000'000;
+        m_volume.answer = {1'000'000'000'000, available, 0};
+        controller.applicationActivated();
+        controller.checkForUpdates();
+        EXPECT_EQ(std::tuple(state().diskAvailable(), controller.canCheckForUpdates(), m_shell.checks),
+                  std::tuple(available, updater, updater ? 1 : 0));
+    }
 }
 
+// A scan from the menu leaves the pane alone; climbing stops at the scanned scope.
 TEST_F(ShellControllerTest, MapCommandsScanTheCurrentScopeAndClimbOneLevel)
 {
-    file(QStringLiteral("home/Projects/app/data.bin"), 5 * 1024 * 1024);
+    file(u"home/Projects/app/data.bin"_s, 5 * 1024 * 1024);
     ShellController controller(state(), m_shell);
     QSignalSpy canGoUp(&controller, &ShellController::canGoUpChanged);
-    EXPECT_FALSE(controller.canGoUp());
     controller.goUp(); // nothing scanned: nothing happens
-
+    EXPECT_FALSE(controller.canGoUp());
     controller.rescan();
-    EXPECT_EQ(state().pane(), Pane::Map);
+    EXPECT_EQ(state().pane(), Pane::Home);
     ASSERT_TRUE(QTest::qWaitFor([this] { return state().map()->hasTree(); }, 10000));
     EXPECT_EQ(state().map()->scopePath(), m_roots.home);
-
     const MapNodeModel& children = *state().map()->children();
-    int projects = -1;
     for (int row = 0; row < children.rowCount(); ++row) {
-        if (children.nodeAt(row)->name() == QStringLiteral("Projects"))
-            projects = row;
+        if (children.nodeAt(row)->name() == u"Projects"_s) {
+            state().map()->openRow(row);
+            break;
+        }
     }
-    ASSERT_GE(projects, 0);
-    state().map()->openRow(projects);
-    EXPECT_TRUE(controller.canGoUp());
+    ASSERT_TRUE(controller.canGoUp());
     EXPECT_GT(canGoUp.count(), 0);
     controller.goUp();
-    EXPECT_FALSE(controller.canGoUp());
-    EXPECT_EQ(state().map()->currentPath(), m_roots.home);
+    EXPECT_EQ(std::tuple(controller.canGoUp(), state().map()->currentPath()), std::tuple(false, m_roots.home));
 }

@@ -7,11 +7,14 @@
 #include <QSignalSpy>
 #include <QTimeZone>
 #include <QTest>
+#include <algorithm>
+#include <tuple>
 #include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace nubo;
 using namespace nubo::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,29 +23,27 @@ QStringList names(const QList<InstalledApp>& list)
     return test::column(list, &InstalledApp::name);
 }
 
-// Three applications: one used last week, one used long ago whose name has an
-// accent, and one in the user's own folder that was never opened; the first left data in the Library.
+// Three applications: one used last week, one used long ago whose name has an accent, and one in
+// the user's own folder that was never opened; the first left data in the Library.
 class AppsModelTest : public ModelWorld
 {
 protected:
     void SetUp() override
     {
         ModelWorld::SetUp();
-        bundle(QStringLiteral("Applications/Writer.app"), QStringLiteral("com.acme.writer"), 300'000);
-        bundle(QStringLiteral("Applications/Café Studio.app"), QStringLiteral("com.cafe.studio"), 900'000);
-        bundle(QStringLiteral("home/Applications/Zeta.app"), QStringLiteral("org.zeta"), 100'000);
-        file(QStringLiteral("home/Library/Preferences/com.acme.writer.plist"), 2000);
-        file(QStringLiteral("home/Library/Caches/com.acme.writer/blob"), 30'000);
+        bundle(u"Applications/Writer.app"_s, u"com.acme.writer"_s, 300'000);
+        bundle(u"Applications/Café Studio.app"_s, u"com.cafe.studio"_s, 900'000);
+        bundle(u"home/Applications/Zeta.app"_s, u"org.zeta"_s, 100'000);
+        file(u"home/Library/Preferences/com.acme.writer.plist"_s, 2000);
+        file(u"home/Library/Caches/com.acme.writer/blob"_s, 30'000);
         const QDateTime now = QDateTime::currentDateTimeUtc();
         m_metadata.lastUsed.insert(writer(), now.addDays(-7));
-        m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Café Studio.app")), now.addDays(-200));
+        m_metadata.lastUsed.insert(path(u"Applications/Café Studio.app"_s), now.addDays(-200));
         // Zeta was never opened: only its access date, two years old, speaks for it.
         const timespec old[2] = {{now.addDays(-730).toSecsSinceEpoch(), 0}, {now.toSecsSinceEpoch(), 0}};
-        ASSERT_EQ(
-            ::utimensat(AT_FDCWD,
-                        QFile::encodeName(path(QStringLiteral("home/Applications/Zeta.app"))).constData(),
-                        old, AT_SYMLINK_NOFOLLOW),
-            0);
+        ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path(u"home/Applications/Zeta.app"_s)).constData(), old,
+                              AT_SYMLINK_NOFOLLOW),
+                  0);
         QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     }
     void TearDown() override
@@ -52,7 +53,8 @@ protected:
     }
 
     AppsModel& apps() { return *state().apps(); }
-    QString writer() const { return path(QStringLiteral("Applications/Writer.app")); }
+    QString writer() const { return path(u"Applications/Writer.app"_s); }
+    void runningWriter() { m_workspace.running = {{4242, u"Writer"_s, writer(), false, false, true}}; }
 
     void loadAndMeasure()
     {
@@ -74,58 +76,49 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
     }
 
-    const CleanItem& leftover(const QString& suffix)
+    // The Writer's cache folder among its leftovers.
+    CleanItem cache()
     {
-        for (const CleanItem& item : apps().leftovers()) {
-            if (item.id.endsWith(suffix))
-                return item;
-        }
-        ADD_FAILURE() << "no leftover " << suffix.toStdString();
-        return apps().leftovers().front();
+        const auto found = std::ranges::find_if(apps().leftovers(),
+                                                [](const CleanItem& item) { return item.id.endsWith(u"com.acme.writer"_s); });
+        EXPECT_TRUE(found != apps().leftovers().end());
+        return found == apps().leftovers().end() ? apps().leftovers().front() : *found;
     }
 };
 
 } // namespace
 
+// What the search and each order pick is proven on arrange() below; here the model loads once,
+// takes only its three orders, and its visible list follows the query.
 TEST_F(AppsModelTest, TheFirstVisitLoadsTheListOnceAndItsSizesFollowInTheBackground)
 {
     QSignalSpy loading(&apps(), &AppsModel::isLoadingChanged);
     apps().enter();
     EXPECT_TRUE(apps().isLoading());
     EXPECT_TRUE(state().isAnalyzing());
-    EXPECT_EQ(apps().headerLine(), QStringLiteral("Buscando…"));
+    EXPECT_EQ(apps().headerLine(), u"Buscando…"_s);
     ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isLoading(); }, 10000));
-    EXPECT_EQ(names(apps().apps()),
-              (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Writer"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(names(apps().apps()), (QStringList{u"Café Studio"_s, u"Writer"_s, u"Zeta"_s}));
     ASSERT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
     for (const InstalledApp& app : apps().apps())
         EXPECT_GE(app.size.value_or(0), 100'000) << app.name.toStdString();
     EXPECT_FALSE(state().isAnalyzing());
-
     apps().enter();
     QTest::qWait(50);
     EXPECT_EQ(loading.count(), 2) << "a later visit must not list the applications again";
-    // The header counts every application, whatever the search shows.
-    apps().setQuery(QStringLiteral("zet"));
-    EXPECT_EQ(apps().visible().size(), 1);
-    EXPECT_EQ(apps().headerLine(), QStringLiteral("3 instaladas"));
-}
 
-// What the search and each order pick is proven on arrange() below; here the model takes only
-// its three orders and its visible list follows the query.
-TEST_F(AppsModelTest, ThePickerTakesOnlyItsThreeOrdersAndTheListFollowsTheQuery)
-{
-    loadAndMeasure();
     QSignalSpy sort(&apps(), &AppsModel::sortChanged);
     apps().chooseSort(-1);
     apps().chooseSort(3);
     EXPECT_EQ(sort.count(), 0);
     apps().chooseSort(2);
-    EXPECT_EQ(apps().sort(), AppsModel::Sort::LastUse);
-    EXPECT_EQ(apps().sortTitle(), QStringLiteral("Ordenar por Último uso"));
-    apps().setQuery(QStringLiteral("cafe"));
-    EXPECT_EQ(names(apps().visible()), QStringList{QStringLiteral("Café Studio")});
-    apps().setQuery(QStringLiteral("nada"));
+    EXPECT_EQ(std::tuple(apps().sort(), apps().sortTitle()),
+              std::tuple(AppsModel::Sort::LastUse, u"Ordenar por Último uso"_s));
+    // The header counts every application, whatever the search shows.
+    apps().setQuery(u"cafe"_s);
+    EXPECT_EQ(names(apps().visible()), QStringList{u"Café Studio"_s});
+    EXPECT_EQ(apps().headerLine(), u"3 instaladas"_s);
+    apps().setQuery(u"nada"_s);
     EXPECT_TRUE(apps().visible().isEmpty());
 }
 
@@ -134,56 +127,42 @@ TEST_F(AppsModelTest, TheBundleLeadsTheRemovalCannotBeUntickedAndUntickingALefto
     loadAndMeasure();
     EXPECT_TRUE(apps().removalRows().isEmpty());
     selectWriter();
+    EXPECT_FALSE(apps().selectedRunning());
     const QVariantList rows = apps().removalRows();
     ASSERT_EQ(rows.size(), 3);
     const QVariantMap bundle = rows.front().toMap();
-    EXPECT_EQ(bundle.value(QStringLiteral("id")).toString(), writer());
-    EXPECT_EQ(bundle.value(QStringLiteral("label")).toString(), QStringLiteral("Aplicación"));
-    EXPECT_TRUE(bundle.value(QStringLiteral("locked")).toBool());
-    EXPECT_EQ(apps().removalItems().front().url(), writer());
-    EXPECT_EQ(apps().removalItems().front().size, apps().selected()->size.value());
+    EXPECT_EQ(std::tuple(bundle.value(u"id"_s).toString(), bundle.value(u"label"_s).toString(),
+                         bundle.value(u"locked"_s).toBool()),
+              std::tuple(writer(), u"Aplicación"_s, true));
+    EXPECT_EQ(std::tuple(apps().removalItems().front().url(), apps().removalItems().front().size),
+              std::tuple(writer(), apps().selected()->size.value()));
     for (const QVariant& row : rows.mid(1)) {
-        EXPECT_FALSE(row.toMap().value(QStringLiteral("locked")).toBool());
-        EXPECT_TRUE(row.toMap().value(QStringLiteral("ticked")).toBool());
+        EXPECT_FALSE(row.toMap().value(u"locked"_s).toBool());
+        EXPECT_TRUE(row.toMap().value(u"ticked"_s).toBool());
     }
 
     const qint64 all = apps().removalSize();
     QSignalSpy removal(&apps(), &AppsModel::removalChanged);
     apps().toggle(writer());
-    apps().toggle(QStringLiteral("/not/a/leftover"));
-    EXPECT_EQ(removal.count(), 0);
-    EXPECT_EQ(apps().removalSize(), all);
-
-    const CleanItem cache = leftover(QStringLiteral("com.acme.writer"));
-    apps().toggle(cache.id);
-    EXPECT_EQ(apps().removalSize(), all - cache.size);
+    apps().toggle(u"/not/a/leftover"_s);
+    EXPECT_EQ(std::tuple(removal.count(), apps().removalSize()), std::tuple(0, all));
+    const CleanItem cached = cache();
+    apps().toggle(cached.id);
+    EXPECT_EQ(apps().removalSize(), all - cached.size);
     EXPECT_EQ(apps().removalItems().front().id, writer());
-    apps().toggle(cache.id);
-    EXPECT_EQ(apps().removalSize(), all);
-    EXPECT_EQ(removal.count(), 2);
-
+    apps().toggle(cached.id);
+    EXPECT_EQ(std::tuple(removal.count(), apps().removalSize()), std::tuple(2, all));
     // Unticking every leftover leaves the bundle alone.
     for (const CleanItem& item : apps().leftovers())
         apps().toggle(item.id);
-    EXPECT_EQ(apps().removalCount(), 1);
-    EXPECT_EQ(apps().removalSize(), apps().selected()->size.value());
-}
+    EXPECT_EQ(std::tuple(apps().removalCount(), apps().removalSize()),
+              std::tuple(1, apps().selected()->size.value()));
 
-// Whether the detail's app is from the store is the core's and the view's (AppsViewsTest).
-TEST_F(AppsModelTest, TheDetailFollowsWhetherTheAppRuns)
-{
-    loadAndMeasure();
-    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
-    QSignalSpy running(&apps(), &AppsModel::selectedRunningChanged);
-    selectWriter();
-    EXPECT_TRUE(apps().selectedRunning());
-    m_workspace.running.clear();
+    // Whether the detail's app runs is looked at again; choosing nothing known empties the detail.
+    runningWriter();
     apps().refreshRunning();
-    EXPECT_FALSE(apps().selectedRunning());
-    EXPECT_EQ(running.count(), 2);
-
-    // Choosing nothing known empties the detail and stops looking.
-    apps().select(QStringLiteral("/Applications/Gone.app"));
+    EXPECT_TRUE(apps().selectedRunning());
+    apps().select(u"/Applications/Gone.app"_s);
     EXPECT_TRUE(apps().selectedApp().isEmpty());
     EXPECT_FALSE(apps().selectedRunning());
     EXPECT_TRUE(apps().removalRows().isEmpty());
@@ -195,23 +174,20 @@ TEST_F(AppsModelTest, UninstallAsksARunningCopyToQuitDeletesAndDropsTheApp)
 {
     loadAndMeasure();
     m_quitObeys = false;
-    m_workspace.running = {{4242, QStringLiteral("Writer"), writer(), false, false, true}};
+    runningWriter();
     selectWriter();
-    const CleanItem cache = leftover(QStringLiteral("com.acme.writer"));
-    apps().toggle(cache.id);
+    EXPECT_TRUE(apps().selectedRunning());
+    apps().toggle(cache().id);
     const qint64 expected = apps().removalSize();
     QSignalSpy toasts(&state(), &AppState::toastChanged);
-
     uninstallAndWait();
-
     EXPECT_EQ(m_quitRequests.load(), 1);
-    EXPECT_FALSE(exists(QStringLiteral("Applications/Writer.app")));
-    EXPECT_FALSE(exists(QStringLiteral("home/Library/Preferences/com.acme.writer.plist")));
-    EXPECT_TRUE(exists(QStringLiteral("home/Library/Caches/com.acme.writer/blob")));
+    EXPECT_FALSE(exists(u"Applications/Writer.app"_s));
+    EXPECT_FALSE(exists(u"home/Library/Preferences/com.acme.writer.plist"_s));
+    EXPECT_TRUE(exists(u"home/Library/Caches/com.acme.writer/blob"_s));
     EXPECT_EQ(toasts.count(), 1);
-    EXPECT_EQ(state().toast()->freed, expected);
-    EXPECT_EQ(state().toast()->failures, 0);
-    EXPECT_EQ(names(apps().apps()), (QStringList{QStringLiteral("Café Studio"), QStringLiteral("Zeta")}));
+    EXPECT_EQ(std::tuple(state().toast()->freed, state().toast()->failures), std::tuple(expected, 0));
+    EXPECT_EQ(names(apps().apps()), (QStringList{u"Café Studio"_s, u"Zeta"_s}));
     EXPECT_TRUE(apps().selection().isEmpty());
     EXPECT_TRUE(apps().leftovers().isEmpty());
     EXPECT_TRUE(apps().excluded().isEmpty());
@@ -221,15 +197,14 @@ TEST_F(AppsModelTest, AnAppWhoseBundleCannotBeDeletedStaysListed)
 {
     loadAndMeasure();
     selectWriter();
-    if (!pin(QStringLiteral("Applications/Writer.app/Contents/MacOS/binary")))
+    if (!pin(u"Applications/Writer.app/Contents/MacOS/binary"_s))
         GTEST_SKIP() << "this file system cannot make a file undeletable";
     m_admin.outcome = AdminOutcome::Failed;
     uninstallAndWait();
     EXPECT_EQ(m_quitRequests.load(), 0); // it was not running
-    EXPECT_TRUE(exists(QStringLiteral("Applications/Writer.app")));
-    EXPECT_EQ(state().toast()->failures, 1);
-    EXPECT_EQ(apps().apps().size(), 3);
-    EXPECT_EQ(apps().selection(), writer());
+    EXPECT_TRUE(exists(u"Applications/Writer.app"_s));
+    EXPECT_EQ(std::tuple(state().toast()->failures, apps().apps().size(), apps().selection()),
+              std::tuple(1, 3, writer()));
 }
 
 TEST(AppsOrder, AnUnknownLastUseIsTheDistantPastAndSystemAppsAreNeverUnused)

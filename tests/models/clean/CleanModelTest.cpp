@@ -7,6 +7,7 @@
 
 #include <QFileInfo>
 #include <QScopeGuard>
+#include <QCoreApplication>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -148,9 +149,11 @@ TEST_F(CleanModelTest, ACleanDeletesCommandsRunFailuresStayAndOneReportIsMade)
     const CleanItem mine = pathItem(QStringLiteral("home/Downloads/mine"), 8192);
     const CleanItem ok = command(QStringLiteral("prune"), 700);
     const CleanItem stuck = command(QStringLiteral("stuck"), 900);
-    m_failingCommands << stuck.name;
+    // Two items of one name (two simulators called alike): only the one that failed stays.
+    const CleanItem twin(QStringLiteral("cmd-twin"), stuck.name, QString(), 50, stuck.action);
+    m_failingCommands << stuck.id;
     rule(safe, [=] { return QList<CleanItem>{gone, refused}; });
-    rule(tools, [=] { return QList<CleanItem>{ok, stuck}; });
+    rule(tools, [=] { return QList<CleanItem>{ok, stuck, twin}; });
     rule(other, [=] { return QList<CleanItem>{mine}; });
     scanAndWait();
     clean().toggleCategory(tools);
@@ -160,17 +163,16 @@ TEST_F(CleanModelTest, ACleanDeletesCommandsRunFailuresStayAndOneReportIsMade)
     cleanAndWait({safe, tools});
 
     EXPECT_EQ(toasts.count(), 1);
-    EXPECT_EQ(state().toast()->freed, gone.size + ok.size);
+    EXPECT_EQ(state().toast()->freed, gone.size + ok.size + twin.size);
     EXPECT_EQ(state().toast()->failures, 2);
     EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/gone")));
     EXPECT_TRUE(exists(QStringLiteral("home/Library/Caches")));
     EXPECT_TRUE(exists(QStringLiteral("home/Downloads/mine/data")));
-    EXPECT_EQ(ids(m_commandsRun), (QStringList{ok.id, stuck.id}));
-    // What failed is still listed and still selected; the other category was not touched.
+    EXPECT_EQ(ids(m_commandsRun), (QStringList{ok.id, stuck.id, twin.id}));
+    // What failed is still listed but no longer selected; the other category was not touched.
     EXPECT_EQ(ids(clean().items(safe)), QStringList{refused.id});
     EXPECT_EQ(ids(clean().items(tools)), QStringList{stuck.id});
-    EXPECT_TRUE(clean().isSelected(refused.id));
-    EXPECT_FALSE(clean().isSelected(gone.id));
+    EXPECT_FALSE(clean().isSelected(refused.id) || clean().isSelected(stuck.id) || clean().isSelected(gone.id));
     EXPECT_TRUE(clean().isSelected(mine.id));
     EXPECT_EQ(ids(clean().items(other)), QStringList{mine.id});
     EXPECT_GE(m_feedback.load(), 1);
@@ -182,7 +184,7 @@ TEST_F(CleanModelTest, ACancelledCleanReportsWhatItDidAndLeavesTheRestListedAndS
     const CleanItem done = command(QStringLiteral("prune"), 700);
     const CleanItem held = command(QStringLiteral("held"), 900);
     const CleanItem never = command(QStringLiteral("never"), 300);
-    m_heldCommands << held.name;
+    m_heldCommands << held.id;
     rule(tools, [=] { return QList<CleanItem>{done, held, never}; });
     scanAndWait();
     clean().toggleCategory(tools);
@@ -356,7 +358,9 @@ TEST_F(CleanModelTest, TheDetailPageFollowsThePathAndTheSelectionAndRevealsOnlyW
     QSignalSpy detailChanged(&clean(), &CleanModel::detailChanged);
     clean().open(id);
     EXPECT_EQ(clean().path(), QStringList{id});
-    EXPECT_GE(detailChanged.count(), 1);
+    // The page hears of a change once per turn of the event loop, however many parts changed.
+    QCoreApplication::processEvents();
+    EXPECT_EQ(detailChanged.count(), 1);
     const auto countLine = [this] { return clean().detail().value(QStringLiteral("countLine")).toString(); };
     EXPECT_EQ(countLine(), QStringLiteral("0 de 5 seleccionados"));
     const QVariantList items = clean().detail().value(QStringLiteral("items")).toList();
@@ -383,7 +387,10 @@ TEST_F(CleanModelTest, TheDetailPageFollowsThePathAndTheSelectionAndRevealsOnlyW
 
     detailChanged.clear();
     clean().toggleCategory(id);
-    EXPECT_GE(detailChanged.count(), 1);
+    clean().toggleItem(fileItem.id);
+    clean().toggleItem(fileItem.id);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(detailChanged.count(), 1);
     EXPECT_EQ(countLine(), QStringLiteral("5 de 5 seleccionados"));
     clean().toggleItem(fileItem.id);
     EXPECT_EQ(clean().detail().value(QStringLiteral("state")).toString(), QStringLiteral("partial"));

@@ -1,4 +1,5 @@
 #include "models/map/MapModel.h"
+#include "models/map/MapNodeModel.h"
 
 #include "../support/ModelWorld.h"
 #include "core/files/NativePath.h"
@@ -154,10 +155,24 @@ TEST_F(MapModelTest, DeletingAMarkedFolderLowersEveryAncestorAtOnce)
     const qint64 rootBefore = map().root()->size();
     const int bigRow = map().children()->rowOf(big);
 
-    // A mark inside a marked folder goes with it and is not counted twice.
+    // The inspector shows the same folder's children: its circle follows the mark too.
+    const MapNodeModel& rows = *map().inspectedRows();
+    const auto rowMarked = [&](const FileNode* node) {
+        return rows.data(rows.index(rows.rowOf(node)), int(MapNodeModel::Role::Marked)).toBool();
+    };
+    QSignalSpy rowChanged(map().inspectedRows(), &QAbstractItemModel::dataChanged);
     map().toggleMark(big);
-    map().toggleMark(find(QStringLiteral("/Projects/big/a.bin")));
-    EXPECT_EQ(map().markedSize(), bigSize);
+    EXPECT_TRUE(rowMarked(big));
+    EXPECT_EQ(rowChanged.count(), 1);
+    map().unmarkAll();
+    EXPECT_FALSE(rowMarked(big));
+
+    // The selection's size sums every mark, but the file inside the marked folder is deleted and
+    // reported once, with the folder.
+    const FileNode* inner = find(QStringLiteral("/Projects/big/a.bin"));
+    map().toggleMark(big);
+    map().toggleMark(inner);
+    EXPECT_EQ(map().markedSize(), bigSize + inner->size());
     map().deleteMarked();
     EXPECT_TRUE(map().isDeleting());
     ASSERT_TRUE(QTest::qWaitFor([this] { return !map().isDeleting(); }, 10000));

@@ -48,16 +48,16 @@ void ModelWorld::SetUp()
                     m_commandsRun.append(item);
                     ++m_commandsStarted;
                     // A held command runs until it is stopped, like a tool the user cancels.
-                    for (int turn = 0; m_heldCommands.contains(item.name) && turn < 1000; ++turn) {
+                    for (int turn = 0; m_heldCommands.contains(item.id) && turn < 1000; ++turn) {
                         if (stop.stopRequested())
                             return outcome;
                         QThread::msleep(10);
                     }
-                    if (m_failingCommands.contains(item.name)) {
-                        outcome.failed.append(item.name);
+                    if (m_failingCommands.contains(item.id)) {
+                        outcome.failed.append(item.id);
                     } else {
                         outcome.freed += item.size;
-                        outcome.done.append(item.name);
+                        outcome.done.append(item.id);
                     }
                 }
                 return outcome;

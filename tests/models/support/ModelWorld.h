@@ -75,7 +75,7 @@ protected:
 
     std::mutex m_rulesLock;
     QHash<QString, CleanCategory::Scan> m_rules;
-    /// The command items the runner was handed, and the names it is told to fail.
+    /// The command items the runner was handed, and the ids it is told to fail or hold.
     QList<CleanItem> m_commandsRun;
     /// Read while a clean runs; the list itself only once it has landed.
     std::atomic<int> m_commandsStarted = 0;
