@@ -6,6 +6,10 @@
 //   nubo-clean-bench <home>                   scan <home> (full disk access assumed)
 //   nubo-clean-bench --generate <home> [N]    first build a home-shaped tree of about N files
 //                                             (default 300000), then scan it
+//   nubo-clean-bench --detail [N]             the cleanup pane's detail page over one category
+//                                             of N items (default 5000): milliseconds to build
+//                                             the page, and to tick one item and build it again,
+//                                             and how often the page hears of one tick
 //
 // Tools are the real ones (xcrun and docker, where installed). The temporary folders are
 // <home>/.bench-tmp/user and <home>/.bench-tmp/shared when they exist, else the system's, so a
@@ -13,12 +17,17 @@
 #include "core/apps/AppCatalog.h"
 #include "core/cleanup/CatalogRules.h"
 #include "core/cleanup/CleanCatalog.h"
+#include "core/deletion/Deleter.h"
 #include "core/format/CheckedMath.h"
 #include "core/naming/Naming.h"
 #include "core/privacy/Privacy.h"
 #include "core/safety/Safety.h"
+#include "core/scanner/DiskScanner.h"
 #include "core/shell/Shell.h"
 #include "core/shell/ShellToolRunner.h"
+#include "models/app/ModelServices.h"
+#include "models/clean/CleanModel.h"
+#include "platform/AdminRunner.h"
 #include "platform/Metadata.h"
 #include "platform/Workspace.h"
 
@@ -28,6 +37,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 #include <QThreadPool>
 
 #include <fcntl.h>
@@ -180,12 +190,67 @@ double timeDu(const QString& home)
     return result.status == 0 ? seconds : -1;
 }
 
+// The detail page of one category holding `count` items, built by the real cleanup model.
+int detailPage(qsizetype count)
+{
+    QTemporaryDir dir;
+    SystemRoots roots = SystemRoots::system();
+    roots.home = dir.path();
+    const Safety safety(roots, SafetyRules::forMac());
+    const Privacy privacy(roots.home, [] { return true; });
+    const std::unique_ptr<AdminRunner> admin = makeAdminRunner();
+    const std::unique_ptr<Workspace> workspace = makeWorkspace();
+    const std::unique_ptr<Metadata> metadata = makeMetadata();
+    const Deleter deleter(safety, *admin);
+    DiskScanner scanner;
+    const AppCatalog apps(roots, safety, privacy, *workspace, *metadata);
+    const QString category = QStringLiteral("caches");
+    const CleanCatalog catalog([&roots, category, count](const QString& id) {
+        return CleanCategory::Scan([&roots, id, category, count] {
+            QList<CleanItem> items;
+            if (id == category) {
+                for (qsizetype i = 0; i < count; ++i)
+                    items.append(CleanItem::atPath(roots.home + QStringLiteral("/Library/Caches/app-%1").arg(i),
+                                                   roots.home, std::nullopt, 4096 + i));
+            }
+            return items;
+        });
+    });
+    const auto services = std::make_shared<ModelServices>(ModelServices{
+        .home = roots.home, .safety = safety, .deleter = deleter, .scanner = scanner, .catalog = catalog,
+        .apps = apps, .runCommands = {}, .quit = {}, .haptics = {}});
+    CleanModel model(services);
+    model.scan();
+    while (model.isScanning())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    model.open(category);
+    int heard = 0;
+    QObject::connect(&model, &CleanModel::detailChanged, &model, [&heard] { ++heard; });
+    QCoreApplication::processEvents();
+
+    QElapsedTimer timer;
+    timer.start();
+    const qsizetype rows = model.detail().value(QStringLiteral("items")).toList().size();
+    const double build = double(timer.nsecsElapsed()) / 1e6;
+    heard = 0;
+    timer.restart();
+    model.toggleItem(model.items(category).constFirst().id);
+    QCoreApplication::processEvents();
+    (void)model.detail();
+    const double tick = double(timer.nsecsElapsed()) / 1e6;
+    std::printf("items=%lld rows=%lld build_ms=%.1f tick_ms=%.1f notices_per_tick=%d\n",
+                static_cast<long long>(count), static_cast<long long>(rows), build, tick, heard);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     QStringList arguments = app.arguments().mid(1);
+    if (arguments.value(0) == QLatin1String("--detail"))
+        return detailPage(arguments.size() > 1 ? arguments.at(1).toLongLong() : 5000);
     if (arguments.value(0) == QLatin1String("--generate")) {
         if (arguments.size() < 2) {
             std::fprintf(stderr, "usage: nubo-clean-bench --generate <home> [files]\n");

@@ -55,7 +55,7 @@ std::unique_ptr<FileNode> largestMap(const QString& rootPath)
             auto node = std::make_unique<FileNode>(file, folder->path() + QLatin1Char('/') + file,
                                                    FileNode::Type::File);
             node->setSize(qint64(4'000'000 * (1 + 100 * next() * next())));
-            node->setFileCount(1);
+            node->setItemCount(1);
             size += node->size();
             files.push_back(std::move(node));
         }
@@ -65,7 +65,7 @@ std::unique_ptr<FileNode> largestMap(const QString& rootPath)
                                     std::make_move_iterator(files.end()));
         folder->setChildren(std::move(children));
         folder->setSize(size);
-        folder->setFileCount(80);
+        folder->setItemCount(80);
         total += size;
         folders.push_back(std::move(folder));
     }
@@ -75,7 +75,7 @@ std::unique_ptr<FileNode> largestMap(const QString& rootPath)
                                 std::make_move_iterator(folders.end()));
     root->setChildren(std::move(children));
     root->setSize(total);
-    root->setFileCount(6400);
+    root->setItemCount(6400);
     return root;
 }
 

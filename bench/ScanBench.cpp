@@ -55,7 +55,7 @@ int main(int argc, char** argv)
     std::printf("thread_seconds listing=%.3f deep=%.3f deep_walks=%d\n",
                 static_cast<double>(timings.listingNanoseconds.load()) / 1e9,
                 static_cast<double>(timings.deepNanoseconds.load()) / 1e9, timings.deepWalks.load());
-    std::printf("files=%lld bytes=%lld nodes=%lld seconds=%.3f\n", static_cast<long long>(tree->fileCount()),
+    std::printf("items=%lld bytes=%lld nodes=%lld seconds=%.3f\n", static_cast<long long>(tree->itemCount()),
                 static_cast<long long>(tree->size()), static_cast<long long>(countNodes(*tree)), seconds);
     return 0;
 }

@@ -1,6 +1,5 @@
-// The Apple backends against the real system. Built and run on Macs only (the CI's macOS job):
-// they are the one place where a wrong unit, a swapped argument or a missed ownership rule in
-// src/platform/mac shows before a user sees it.
+// The Apple backends against the real system, on Macs only: where a wrong unit, a swapped argument
+// or a missed ownership rule in src/platform/mac shows before a user sees it.
 #include "platform/Accessibility.h"
 #include "platform/Metadata.h"
 #include "platform/ProcessTable.h"
@@ -37,8 +36,7 @@ TEST(MacBackends, ProcessTableSeesThisProcessInHostTicksAndBytes)
     EXPECT_EQ(QFileInfo(QString::fromUtf8(path.data(), length)).canonicalFilePath(),
               QFileInfo(QCoreApplication::applicationFilePath()).canonicalFilePath());
 
-    // Processor time and the clock share the host tick: a busy loop must show as processor time,
-    // but no more than the wall clock allowed one thread, give or take scheduling.
+    // Processor time and the clock share the host tick: a busy loop shows, but no more than one thread.
     const auto before = table->usage(getpid());
     const quint64 start = table->now();
     volatile quint64 sink = 0;
@@ -51,23 +49,11 @@ TEST(MacBackends, ProcessTableSeesThisProcessInHostTicksAndBytes)
     EXPECT_LE(after->cpuTime - before->cpuTime, (stop - start) * 2);
     EXPECT_GT(after->footprint, 0u);
 
-    EXPECT_FALSE(table->usage(-1));
-    EXPECT_LT(table->executablePath(-1, path), 0);
+    EXPECT_FALSE(table->usage(-1) || table->executablePath(-1, path) >= 0);
     EXPECT_GT(table->physicalMemory(), qint64(1) << 30);
     const auto pages = table->memoryPages();
     ASSERT_TRUE(pages);
-    EXPECT_TRUE(pages->pageSize == 4096 || pages->pageSize == 16384) << pages->pageSize;
-    EXPECT_GT(pages->internal, 0u);
-}
-
-TEST(MacBackends, StartupVolumeHasSensibleFigures)
-{
-    const VolumeFigures figures = makeVolumeCapacity()->figures(QStringLiteral("/"));
-    ASSERT_TRUE(figures.total && figures.available);
-    EXPECT_GT(*figures.total, 0);
-    EXPECT_LE(*figures.available, *figures.total);
-    EXPECT_LE(figures.importantUsage.value_or(0), *figures.total);
-    EXPECT_FALSE(makeVolumeCapacity()->figures(QStringLiteral("/no/such/volume/here")).total);
+    EXPECT_TRUE((pages->pageSize == 4096 || pages->pageSize == 16384) && pages->internal > 0) << pages->pageSize;
 }
 
 // A template image is black with its shape in the alpha channel; an unknown name draws the ring.
@@ -93,7 +79,7 @@ TEST(MacBackends, SymbolsDrawAsOneColourTemplatesAndUnknownNamesAsTheRing)
 }
 
 // Actions on a process that does not exist, and questions about nothing, are answered without harm.
-TEST(MacBackends, WorkspaceMetadataAndAccessibilityFindFinderAndNothingForWhatIsNotThere)
+TEST(MacBackends, WorkspaceMetadataAccessibilityAndVolumesFindWhatIsThereAndNothingElse)
 {
     const auto workspace = makeWorkspace();
     const auto finder = workspace->applicationLocation(QStringLiteral("com.apple.finder"));
@@ -114,4 +100,10 @@ TEST(MacBackends, WorkspaceMetadataAndAccessibilityFindFinderAndNothingForWhatIs
     EXPECT_TRUE(accessibility->isSupported());
     accessibility->minimizeWindows(0);
     accessibility->minimizeWindows(999'999);
+
+    const VolumeFigures figures = makeVolumeCapacity()->figures(QStringLiteral("/"));
+    ASSERT_TRUE(figures.total && figures.available);
+    EXPECT_TRUE(*figures.total > 0 && *figures.available <= *figures.total);
+    EXPECT_LE(figures.importantUsage.value_or(0), *figures.total);
+    EXPECT_FALSE(makeVolumeCapacity()->figures(QStringLiteral("/no/such/volume/here")).total);
 }

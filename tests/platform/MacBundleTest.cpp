@@ -1,6 +1,4 @@
-// The Mac bundle is assembled on a Mac only, but its Info.plist and its icon come from portable
-// steps (CMake and a Python script). Checking their output here catches a broken template or a
-// broken drawing before anyone builds on a Mac.
+// The Mac bundle's Info.plist and icon come from portable steps, checked here before a Mac build.
 #include "core/plist/PropertyList.h"
 
 #include <gtest/gtest.h>
@@ -41,24 +39,17 @@ int drawIcon(const QStringList& arguments)
 
 } // namespace
 
-// The icon resource the bundle set-up copies in is Nubo.icns. Without a principal class AppKit
-// does not start as an application, and Qt draws blurred on Retina screens without the
-// high-resolution flag. The Dock icon comes and goes at run time, so the list must not hide it for
-// good; without a feed there is no half-configured updater, and a feed address with "&" and a key
-// with "<" are escaped so that the list still parses.
+// Without a principal class AppKit starts no application, without the flag Qt draws blurred; the Dock
+// icon comes and goes at run time; "&" and "<" in the feed settings are escaped so the list parses.
 TEST(MacBundle, InfoListDescribesAnUnsandboxedUtilityForMacOs13WithAnOptionalUpdateFeed)
 {
     const QVariantMap info = bundleList("Plain.plist");
     const std::pair<const char*, QVariant> entries[] = {
-        {"CFBundleExecutable", QStringLiteral("nubo")},
-        {"CFBundleIdentifier", QStringLiteral("app.nubo.Nubo")},
-        {"CFBundlePackageType", QStringLiteral("APPL")},
+        {"CFBundleExecutable", QStringLiteral("nubo")}, {"CFBundleIdentifier", QStringLiteral("app.nubo.Nubo")},
+        {"CFBundlePackageType", QStringLiteral("APPL")}, {"CFBundleVersion", QStringLiteral("42")},
         {"CFBundleShortVersionString", QStringLiteral(NUBO_TEST_PROJECT_VERSION)},
-        {"CFBundleVersion", QStringLiteral("42")},
-        {"LSMinimumSystemVersion", QStringLiteral("13.0")},
-        {"CFBundleIconFile", QStringLiteral("Nubo")},
-        {"NSPrincipalClass", QStringLiteral("NSApplication")},
-        {"NSHighResolutionCapable", true}};
+        {"LSMinimumSystemVersion", QStringLiteral("13.0")}, {"CFBundleIconFile", QStringLiteral("Nubo")},
+        {"NSPrincipalClass", QStringLiteral("NSApplication")}, {"NSHighResolutionCapable", true}};
     for (const auto& [key, value] : entries)
         EXPECT_EQ(info.value(QString::fromLatin1(key)), value) << key;
     for (const char* absent :
@@ -72,9 +63,8 @@ TEST(MacBundle, InfoListDescribesAnUnsandboxedUtilityForMacOs13WithAnOptionalUpd
     EXPECT_EQ(updates.value(QStringLiteral("SUEnableAutomaticChecks")), QVariant(true));
 }
 
-// iconutil accepts only these names, each with exactly this pixel size; the rounded square leaves
-// the corners clear and covers the middle; a white cloud sits in a blue square. An impossible size
-// or no output writes nothing.
+// iconutil accepts only these names and pixel sizes; corners clear, a white cloud on blue; an
+// impossible size or no output writes nothing.
 TEST(MacBundle, IconScriptFillsEveryIconsetSlotAndRefusesAnImpossibleSize)
 {
     if (QStringLiteral(NUBO_TEST_PYTHON).isEmpty())
@@ -89,23 +79,20 @@ TEST(MacBundle, IconScriptFillsEveryIconsetSlotAndRefusesAnImpossibleSize)
         {"icon_512x512@2x.png", 1024}};
     for (const auto& [name, pixels] : iconFiles) {
         const QImage image(iconset.filePath(QString::fromLatin1(name)));
-        EXPECT_EQ(image.size(), QSize(pixels, pixels)) << name;
-        EXPECT_TRUE(image.hasAlphaChannel()) << name;
-        EXPECT_EQ(std::tuple(qAlpha(image.pixel(0, 0)), qAlpha(image.pixel(pixels - 1, 0)),
-                             qAlpha(image.pixel(pixels / 2, pixels / 2))),
-                  std::tuple(0, 0, 255))
+        EXPECT_EQ(std::tuple(image.size(), image.hasAlphaChannel(), qAlpha(image.pixel(0, 0)),
+                             qAlpha(image.pixel(pixels - 1, 0)), qAlpha(image.pixel(pixels / 2, pixels / 2))),
+                  std::tuple(QSize(pixels, pixels), true, 0, 0, 255))
             << name;
     }
     EXPECT_EQ(iconset.entryList(QDir::Files).size(), qsizetype(std::size(iconFiles))) << "half-written files";
     const QImage large(iconset.filePath(QStringLiteral("icon_512x512@2x.png")));
     const QColor cloud = large.pixelColor(512, 512);
     const QColor sky = large.pixelColor(512, 860);
-    EXPECT_TRUE(cloud.red() > 200 && cloud.green() > 200);
-    EXPECT_GT(sky.blue(), sky.red() + 80);
+    EXPECT_TRUE(cloud.red() > 200 && cloud.green() > 200 && sky.blue() > sky.red() + 80);
 
-    const QStringList output{QStringLiteral("--output"), dir.filePath(QStringLiteral("icon.png"))};
-    EXPECT_NE(drawIcon(QStringList{QStringLiteral("--size"), QStringLiteral("0")} + output), 0);
-    EXPECT_NE(drawIcon(QStringList{QStringLiteral("--size"), QStringLiteral("-3")} + output), 0);
+    const QString output = dir.filePath(QStringLiteral("icon.png"));
+    for (const QString& size : {QStringLiteral("0"), QStringLiteral("-3")})
+        EXPECT_NE(drawIcon({QStringLiteral("--size"), size, QStringLiteral("--output"), output}), 0);
     EXPECT_NE(drawIcon({}), 0);
-    EXPECT_FALSE(QFile::exists(output[1]));
+    EXPECT_FALSE(QFile::exists(output));
 }

@@ -15,27 +15,21 @@ using namespace nubo;
 
 namespace {
 
-// No pkexec at all is unavailable; a dismissed dialog (126) or a failing command is a failure.
-TEST(PkexecAdminRunnerTest, OnlyACommandThatRanAndSucceededIsASuccess)
+// A dismissed dialog (126) or a failing command is a failure; each removed name sits beside a
+// look-alike that must stay (a byte, a line break or the quoting apart).
+TEST(PkexecAdminRunnerTest, OnlyACommandThatRanAndSucceededIsASuccessAndARemovalTakesNoLookAlike)
 {
     QTemporaryDir dir;
+    const QString pkexec = dir.filePath(QStringLiteral("bin/pkexec"));
     PkexecAdminRunner runner({dir.filePath(QStringLiteral("bin"))});
     const AdminRequest harmless = AdminScript::forCommand(QStringLiteral("true"));
     EXPECT_EQ(runner.run(harmless), AdminOutcome::Unavailable);
-    test::writeScript(dir.filePath(QStringLiteral("bin/pkexec")), "exit 126");
+    test::writeScript(pkexec, "exit 126");
     EXPECT_EQ(runner.run(harmless), AdminOutcome::Failed);
-    test::writeScript(dir.filePath(QStringLiteral("bin/pkexec")), "exec \"$@\""); // "$@" is /bin/sh -c <line>
+    test::writeScript(pkexec, "exec \"$@\""); // "$@" is /bin/sh -c <line>
     EXPECT_EQ(runner.run(harmless), AdminOutcome::Succeeded);
     EXPECT_EQ(runner.run(AdminScript::forCommand(QStringLiteral("exit 4"))), AdminOutcome::Failed);
-}
 
-// Each removed name sits beside a look-alike that must stay: one byte apart, one line break apart,
-// or the same name without its quoting.
-TEST(PkexecAdminRunnerTest, ARemovalTakesExactlyTheOddlyNamedItemsAndNoLookAlike)
-{
-    QTemporaryDir tools;
-    test::writeScript(tools.filePath(QStringLiteral("pkexec")), "exec \"$@\"");
-    PkexecAdminRunner runner({tools.path()});
     test::TempTree tree;
     const std::set<std::string> removed = {"it's \"here\"", "-rf", "back\\slash", "new\nline\n", "Caf\xff"};
     for (const char* name : {"it's \"here\"", "-rf/inner", "back\\slash", "new\nline\n", "Caf\xff",
@@ -54,8 +48,7 @@ TEST(StorageVolumeCapacityTest, ReadsTheRootVolumeAndNothingForAPathThatIsNone)
     const StorageVolumeCapacity volume;
     const VolumeFigures figures = volume.figures(QStringLiteral("/"));
     ASSERT_TRUE(figures.total && figures.available);
-    EXPECT_GT(*figures.total, 0);
-    EXPECT_LE(*figures.available, *figures.total);
+    EXPECT_TRUE(*figures.total > 0 && *figures.available <= *figures.total);
     EXPECT_FALSE(figures.importantUsage || volume.figures(QStringLiteral("/no/such/volume/here")).total);
 }
 

@@ -12,15 +12,12 @@ using namespace nubo;
 
 namespace {
 
-// Whether any pixel of the image is not fully transparent.
 bool hasInk(const QImage& image)
 {
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
             if (qAlpha(image.pixel(x, y)) > 0)
                 return true;
-        }
-    }
     return false;
 }
 
@@ -32,17 +29,15 @@ TEST(ThemeSymbolImages, EverySymbolTheFrameShowsHasAnInstalledThemeIconAndOthers
 {
     ThemeSymbolImages images;
     QStringList symbols;
-    for (const char* name :
-         {"sparkles", "circle.hexagongrid.fill", "bubbles.and.sparkles.fill", "square.stack.3d.up.fill",
-          "gauge.with.dots.needle.67percent", "speedometer", "internaldrive", "wind", "checkmark.circle.fill",
-          "exclamationmark.triangle.fill"})
+    for (const char* name : {"sparkles", "circle.hexagongrid.fill", "bubbles.and.sparkles.fill", "square.stack.3d.up.fill",
+                             "gauge.with.dots.needle.67percent", "speedometer", "internaldrive", "wind",
+                             "checkmark.circle.fill", "exclamationmark.triangle.fill"})
         symbols << QString::fromLatin1(name);
     for (FileKind kind : FileKinds::all)
         symbols << FileKinds::symbol(kind);
     for (const QString& symbol : symbols) {
         const QStringList names = ThemeSymbolImages::themeNames(symbol);
-        EXPECT_TRUE(
-            std::any_of(names.begin(), names.end(), [](const QString& n) { return QIcon::hasThemeIcon(n); }))
+        EXPECT_TRUE(std::any_of(names.begin(), names.end(), [](const QString& n) { return QIcon::hasThemeIcon(n); }))
             << symbol.toStdString() << " has no icon in theme " << QIcon::themeName().toStdString();
         EXPECT_TRUE(hasInk(images.render(symbol, QSize(24, 24)))) << symbol.toStdString();
     }

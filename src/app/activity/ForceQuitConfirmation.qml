@@ -16,6 +16,8 @@ Dialog {
     width: Math.min(420, parent ? parent.width - Theme.spacingHuge * 2 : 420)
     padding: Theme.spacingHuge
     closePolicy: Popup.CloseOnEscape
+
+    Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, Theme.dark ? 0.45 : 0.22) }
     onClosed: app = null
 
     background: Rectangle {
@@ -52,17 +54,15 @@ Dialog {
         RowLayout {
             Layout.alignment: Qt.AlignRight
             spacing: Theme.spacing
-            Button {
+            ActionButton {
                 objectName: "forceQuitCancel"
-                text: "Cancelar"
+                text: Texts.cancelLabel
                 onClicked: dialog.reject()
             }
-            Button {
+            ActionButton {
                 objectName: "forceQuitConfirm"
                 text: "Forzar salida"
-                highlighted: true
-                palette.button: Theme.red
-                palette.buttonText: "white"
+                destructive: true
                 onClicked: {
                     const target = dialog.app
                     dialog.accept()

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-// One line of what an uninstall deletes: its tick (the application bundle itself is always
-// deleted and cannot be unticked), its folder's icon and label, its path and size.
+// One line of what an uninstall deletes: its tick (none for the application bundle itself, which
+// is always deleted), its folder's icon and label, its path and size.
 Rectangle {
     id: row
 
@@ -24,16 +24,20 @@ Rectangle {
         anchors.rightMargin: Theme.spacingLarge - 4
         spacing: Theme.spacingLarge - 4
 
-        CheckCircle {
-            objectName: "removalCheck"
-            mode: row.entry.ticked ? "on" : "off"
-            enabled: !row.entry.locked && row.toggleEnabled
-            opacity: row.entry.locked ? 0.55 : enabled ? 1 : 0.4
-            ToolTip.visible: lockHover.hovered && row.entry.locked
-            ToolTip.delay: 400
-            ToolTip.text: "La app siempre se borra"
-            HoverHandler { id: lockHover }
-            onToggled: row.toggled()
+        // The bundle's row keeps the circle's room empty, so that every icon lines up.
+        Item {
+            implicitWidth: check.implicitWidth
+            implicitHeight: check.implicitHeight
+            CheckCircle {
+                id: check
+                objectName: "removalCheck"
+                anchors.fill: parent
+                visible: !row.entry.locked
+                mode: row.entry.ticked ? "on" : "off"
+                enabled: row.toggleEnabled
+                opacity: enabled ? 1 : 0.4
+                onToggled: row.toggled()
+            }
         }
         Rectangle {
             implicitWidth: 28

@@ -16,6 +16,8 @@ Dialog {
     width: Math.min(440, parent ? parent.width - Theme.spacingHuge * 2 : 440)
     padding: Theme.spacingHuge
     closePolicy: Popup.CloseOnEscape
+
+    Overlay.modal: Rectangle { color: Qt.rgba(0, 0, 0, Theme.dark ? 0.45 : 0.22) }
     onClosed: item = null
 
     background: Rectangle {
@@ -49,17 +51,15 @@ Dialog {
         RowLayout {
             Layout.alignment: Qt.AlignRight
             spacing: Theme.spacing
-            Button {
+            ActionButton {
                 objectName: "removalCancel"
-                text: "Cancelar"
+                text: Texts.cancelLabel
                 onClicked: dialog.reject()
             }
-            Button {
+            ActionButton {
                 objectName: "removalConfirm"
                 text: "Eliminar"
-                highlighted: true
-                palette.button: Theme.red
-                palette.buttonText: "white"
+                destructive: true
                 onClicked: {
                     const target = dialog.item
                     dialog.accept()

@@ -195,24 +195,16 @@ Item {
                     font.pixelSize: 17
                     font.weight: Font.Bold
                 }
-                // The padlock is drawn as the same symbol the rows show, so the note matches them
-                // on systems without a colour emoji font.
-                RowLayout {
+                // One sentence, so that it wraps and reads as one at any width.
+                Text {
                     objectName: "adminNote"
-                    spacing: Theme.spacingSmall
-                    Text {
-                        text: "Las tareas marcadas con"
-                        color: Theme.textSecondary
-                        font.family: Theme.fontFamily
-                        font.pixelSize: Theme.fontSizeBody
-                    }
-                    SymbolIcon { symbol: "lock.fill"; size: 12; tint: Theme.textSecondary }
-                    Text {
-                        text: "piden tu contraseña de administrador."
-                        color: Theme.textSecondary
-                        font.family: Theme.fontFamily
-                        font.pixelSize: Theme.fontSizeBody
-                    }
+                    Layout.fillWidth: true
+                    text: PerformanceTexts.adminNote
+                    textFormat: Text.PlainText
+                    wrapMode: Text.WordWrap
+                    color: Theme.textSecondary
+                    font.family: Theme.fontFamily
+                    font.pixelSize: Theme.fontSizeBody
                 }
             }
             Rectangle {

@@ -49,7 +49,8 @@ public:
     /// Enables or disables the item persistently and starts or stops its job. A daemon goes
     /// through one administrator command line that succeeds whatever state the job was in, so
     /// the answer is whether the prompt was accepted. An agent is changed in the user's gui
-    /// domain without a prompt; the answer is whether launchd took the enable or disable.
+    /// domain without a prompt, which always answers true: the next reading of the list tells
+    /// whether launchd kept the change.
     [[nodiscard]] bool setEnabled(const LaunchItem& item, bool enabled) const;
 
     /// Stops the job, then deletes its property list through the deletion service (which asks

@@ -72,7 +72,7 @@ std::unique_ptr<FileNode> makeDirectory(const QString& name, const QString& path
         auto aggregate = std::make_unique<FileNode>(DiskScanner::aggregateName(smallCount), path,
                                                     FileNode::Type::Aggregate);
         aggregate->setSize(smallBytes);
-        aggregate->setFileCount(smallCount);
+        aggregate->setItemCount(smallCount);
         children.push_back(std::move(aggregate));
     }
     std::stable_sort(children.begin(), children.end(),
@@ -82,11 +82,11 @@ std::unique_ptr<FileNode> makeDirectory(const QString& name, const QString& path
     qint64 count = 0;
     for (const auto& child : children) {
         addChecked(size, child->size());
-        addChecked(count, child->fileCount());
+        addChecked(count, child->itemCount());
     }
     auto node = emptyFolder(name, path, isPackage);
     node->setSize(size);
-    node->setFileCount(count);
+    node->setItemCount(count);
     // The root always keeps its children, however small, since it is what the user asked to see.
     if (!((depth > 0 && size < DiskScanner::collapseBelow) || isPackage))
         node->setChildren(std::move(children));
@@ -97,7 +97,7 @@ std::unique_ptr<FileNode> fileNode(const QString& name, const QString& path, qin
 {
     auto node = std::make_unique<FileNode>(name, path, FileNode::Type::File);
     node->setSize(size);
-    node->setFileCount(1);
+    node->setItemCount(1);
     return node;
 }
 

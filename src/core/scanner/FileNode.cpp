@@ -19,7 +19,7 @@ QByteArray FileNode::nativePath() const
 
 qint64 FileNode::itemCount() const
 {
-    return m_type == Type::Directory ? std::max<qint64>(m_files, 1) : m_files;
+    return m_type == Type::Directory ? std::max<qint64>(m_count, 1) : m_count;
 }
 
 bool FileNode::canDrill() const
@@ -82,7 +82,7 @@ std::unique_ptr<FileNode> FileNode::remove(const FileNode* child)
     taken->m_parent = nullptr;
     for (FileNode* node = this; node; node = node->m_parent) {
         addChecked(node->m_size, -taken->m_size);
-        addChecked(node->m_files, -taken->m_files);
+        addChecked(node->m_count, -taken->itemCount());
     }
     return taken;
 }

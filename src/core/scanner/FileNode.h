@@ -40,12 +40,12 @@ public:
 
     /// Allocated bytes of the item and everything below it.
     [[nodiscard]] qint64 size() const { return m_size; }
-    /// Files counted below the item; a folder reports at least 1 even when it holds none.
+    /// What the item counts for: 1 for a file, the small files an aggregate stands for, and for a
+    /// folder the sum of its children's counts but at least 1, so that an empty or unread folder
+    /// still counts as one item wherever it is summed, shown or subtracted.
     [[nodiscard]] qint64 itemCount() const;
-    /// The true number of files below the item (0 for an empty folder), which `remove` subtracts.
-    [[nodiscard]] qint64 fileCount() const { return m_files; }
     void setSize(qint64 size) { m_size = size; }
-    void setFileCount(qint64 files) { m_files = files; }
+    void setItemCount(qint64 count) { m_count = count; }
 
     [[nodiscard]] const FileNode* parent() const { return m_parent; }
     [[nodiscard]] FileNode* parent() { return m_parent; }
@@ -71,7 +71,7 @@ public:
     void collapse() { m_children.clear(); }
 
     /// Takes `child` out after its item was deleted and lowers this node and every ancestor by the
-    /// child's size and file count. Returns the child, so that whoever still refers to it (a
+    /// child's size and item count. Returns the child, so that whoever still refers to it (a
     /// selection) decides when it goes; null when `child` is not a child of this node.
     std::unique_ptr<FileNode> remove(const FileNode* child);
 
@@ -79,7 +79,7 @@ private:
     QString m_name;
     QString m_path;
     qint64 m_size = 0;
-    qint64 m_files = 0;
+    qint64 m_count = 0;
     FileNode* m_parent = nullptr;
     Children m_children;
     Type m_type;

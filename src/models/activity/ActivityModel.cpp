@@ -6,6 +6,7 @@
 #include "platform/ProcessTable.h"
 #include "platform/Workspace.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QVariantMap>
 #include <algorithm>
@@ -412,11 +413,13 @@ void ActivityModel::noteAccessibility()
 
 void ActivityModel::setLaunchAtLogin(bool on)
 {
-    if (on)
-        m_services.loginItem.registerApp();
-    else
-        m_services.loginItem.unregisterApp();
+    const bool done = on ? m_services.loginItem.registerApp() : m_services.loginItem.unregisterApp();
     m_launchAtLogin = m_services.loginItem.isRegistered();
+    // The switch shows the outcome; the log keeps why it did not move, for a bug report.
+    if (!done || m_launchAtLogin != on)
+        qWarning().noquote() << QStringLiteral("Nubo: launch at login ") +
+                                    (on ? QStringLiteral("could not be switched on")
+                                        : QStringLiteral("could not be switched off"));
     // Always notified: a switch the user flipped must flip back when the system said no.
     emit launchAtLoginChanged();
 }

@@ -6,6 +6,7 @@
 #include "core/files/NativePath.h"
 #include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
+#include "core/scanner/ParallelLoop.h"
 #include "models/app/AppState.h"
 #include "models/app/Notify.h"
 #include "models/apps/AppsTexts.h"
@@ -13,7 +14,9 @@
 
 #include <QLocale>
 #include <algorithm>
+#include <optional>
 #include <thread>
+#include <vector>
 #include <sys/stat.h>
 
 namespace nubo {
@@ -368,8 +371,8 @@ void AppsModel::load()
 
 void AppsModel::measure(QStringList urls)
 {
-    // A few bundles at a time, one batch after another, so sizes show as they come without
-    // walking every bundle at once.
+    // A few bundles at a time, one batch after another, so sizes show as they come; the bundles
+    // of a batch are walked side by side, since a disk answers several requests at once.
     constexpr qsizetype kBatch = 8;
     if (urls.isEmpty()) {
         setSizesLoaded(true);
@@ -380,11 +383,17 @@ void AppsModel::measure(QStringList urls)
     m_jobs.start(
         QStringLiteral("sizes"),
         [batch](StopToken stop) {
+            std::vector<std::optional<qint64>> measured(size_t(batch.size()));
+            ParallelLoop loop(int(std::min<qsizetype>(ParallelLoop::defaultHelpers(), batch.size() - 1)));
+            loop.forEach(batch.size(), [&batch, &measured, &stop](qsizetype i) {
+                if (!stop.stopRequested())
+                    measured[size_t(i)] = Location::allocatedSize(batch[i], stop);
+            });
             QHash<QString, qint64> sizes;
-            for (const QString& url : batch) {
-                if (stop.stopRequested())
-                    break;
-                sizes.insert(url, Location::allocatedSize(url, stop));
+            // A size cut short by a stop is not the bundle's size: only whole walks are kept.
+            for (qsizetype i = 0; i < batch.size() && !stop.stopRequested(); ++i) {
+                if (measured[size_t(i)])
+                    sizes.insert(batch[i], *measured[size_t(i)]);
             }
             return sizes;
         },

@@ -256,7 +256,7 @@ QString MapModel::subtitle() const
         return MapTexts::scanningLine(m_scannedFiles, m_scannedBytes);
     if (!m_root)
         return {};
-    return MapTexts::mapLine(scopeLabel(), m_root->size(), m_root->fileCount());
+    return MapTexts::mapLine(scopeLabel(), m_root->size(), m_root->itemCount());
 }
 
 QString MapModel::scanningPathText() const
@@ -297,7 +297,7 @@ QString MapModel::inspectedSizeText() const
 
 QString MapModel::inspectedCountText() const
 {
-    return m_inspected ? MapTexts::fileCount(m_inspected->fileCount()) : QString();
+    return m_inspected ? MapTexts::fileCount(m_inspected->itemCount()) : QString();
 }
 
 QString MapModel::inspectedSymbol() const

@@ -41,6 +41,11 @@ QString PerformanceTexts::removeTitle(const QString& name)
     return QStringLiteral("¿Eliminar «") + name + QStringLiteral("»?");
 }
 
+QString PerformanceTexts::adminNote() const
+{
+    return QStringLiteral("Las tareas marcadas con \U0001F512 piden tu contraseña de administrador.");
+}
+
 QString PerformanceTexts::removeMessage()
 {
     return QStringLiteral("Se para el servicio y se borra su archivo de configuración. Si la app lo "

@@ -19,6 +19,7 @@ class PerformanceTexts : public QObject
     QML_SINGLETON
     Q_DISABLE_COPY_MOVE(PerformanceTexts)
     Q_PROPERTY(QString removeMessage READ removeMessageText CONSTANT)
+    Q_PROPERTY(QString adminNote READ adminNote CONSTANT)
 
 public:
     explicit PerformanceTexts(QObject* parent = nullptr);
@@ -46,6 +47,8 @@ public:
     Q_INVOKABLE [[nodiscard]] QString snapshotsText(int count) const { return snapshots(count); }
     Q_INVOKABLE [[nodiscard]] QString outcomeSymbolName(bool ok) const { return outcomeSymbol(ok); }
     [[nodiscard]] QString removeMessageText() const { return removeMessage(); }
+    /// Under the maintenance title, one sentence with the padlock the tasks' rows show.
+    [[nodiscard]] QString adminNote() const;
 };
 
 } // namespace nubo

@@ -1,80 +1,40 @@
-#include "app/support/UiWorld.h"
-#include "models/app/Jobs.h"
+#include "app/activity/ActivityWorld.h"
 #include "support/Eventually.h"
 
 #include "app/menubar/MenuBarPresenter.h"
-#include "models/activity/ActivityModel.h"
 #include "models/app/ShellController.h"
 #include "platform/SymbolImages.h"
-#include "platform/fake/FakeAccessibility.h"
 #include "platform/fake/FakeAppShell.h"
-#include "platform/fake/FakeLoginItem.h"
-#include "platform/fake/FakeProcessTable.h"
-#include "platform/fake/FakeWorkspace.h"
 
-#include <QQuickItem>
-#include <QSignalSpy>
-#include <QTest>
+#include <tuple>
 
 using namespace nubo;
 using namespace nubo::test;
-using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 kOwnPid = 10;
 constexpr qint64 GB = 1'000'000'000;
 
-// The panel over the world's state and a fixture activity model: nine running apps (our own
-// among them) with different footprints, listed by memory.
-class MenuBarPanelTest : public UiWorld
+// The panel over the world's state and an activity model of nine running apps (our own among
+// them) with footprints from 2.7 GB down.
+class MenuBarPanelTest : public ActivityWorld
 {
 protected:
     void SetUp() override
     {
-        UiWorld::SetUp();
-        const char* names[] = {"Safari", "Xcode", "Mail", "Música", "Fotos", "Notas", "Slack", "Zoom"};
+        ActivityWorld::SetUp();
         qint64 pid = 100;
         qint64 footprint = 3 * GB;
-        for (const char* name : names)
-            addApp(pid++, QString::fromUtf8(name), footprint -= 300'000'000);
-        addApp(kOwnPid, QStringLiteral("Nubo"), 90'000'000);
+        for (const char* name : {"Safari", "Xcode", "Mail", "Música", "Fotos", "Notas", "Slack", "Zoom"})
+            app(pid++, QString::fromUtf8(name), quint64(footprint -= 300'000'000));
+        app(OwnPid, QStringLiteral("Nubo"), 90'000'000);
         m_table.physical = 16 * GB;
         m_table.pages = ProcessTable::MemoryPages{4096, 3'000'000, 0, 0, 0};
     }
-    // The views go first (with the engine), then what they bound to.
     void TearDown() override
     {
-        m_presenter.reset();
-        UiWorld::TearDown();
-        m_controller.reset();
-        m_activity.reset();
-        EXPECT_TRUE(nubo::Jobs::waitForAll(std::chrono::seconds(10)));
-    }
-
-    void addApp(qint64 pid, const QString& name, qint64 footprint)
-    {
-        RunningApplication app;
-        app.pid = pid;
-        app.name = name;
-        app.bundlePath = QStringLiteral("/Applications/") + name + QStringLiteral(".app");
-        app.regular = true;
-        m_workspace.running.append(app);
-        m_table.add(qint32(pid), (app.bundlePath + QStringLiteral("/Contents/MacOS/x")).toUtf8(), 0,
-                    quint64(footprint));
-    }
-
-    ActivityModel& activity()
-    {
-        if (!m_activity) {
-            m_activity = std::make_unique<ActivityModel>(
-                ActivityModel::Services{m_workspace, m_table, m_accessibility, m_login, kOwnPid, 1h, 20ms});
-            m_activity->setSortLabel(QStringLiteral("Memoria"));
-            QSignalSpy refreshed(m_activity.get(), &ActivityModel::refreshed);
-            m_activity->refresh();
-            EXPECT_TRUE(refreshed.wait(5000));
-        }
-        return *m_activity;
+        m_presenter.reset(); // the panel's window before the engine it was made in
+        ActivityWorld::TearDown();
     }
 
     ShellController& controller()
@@ -84,9 +44,11 @@ protected:
         return *m_controller;
     }
 
-    // The panel on a plain page, the way the menu bar's window holds it.
+    // The panel on a plain page, the way the menu bar's window holds it, listing by memory.
     QQuickWindow* page()
     {
+        activity().setSortLabel(QStringLiteral("Memoria"));
+        refreshed();
         return window(R"(
 import QtQuick
 import QtQuick.Controls
@@ -114,14 +76,20 @@ ApplicationWindow {
                        {QStringLiteral("shell"), QVariant::fromValue(&controller())}});
     }
 
-    QStringList shownApps(QQuickWindow& window) const
+    static QQuickItem* topApp(QQuickWindow& window, int index)
+    {
+        QQuickItem* row = nullptr;
+        QMetaObject::invokeMethod(item(window, QStringLiteral("topApps")), "itemAt", Q_RETURN_ARG(QQuickItem*, row),
+                                  Q_ARG(int, index));
+        return row;
+    }
+
+    // Each listed app as "<name> <figure>".
+    static QStringList shownApps(QQuickWindow& window)
     {
         QStringList names;
-        QQuickItem* repeater = item(window, QStringLiteral("topApps"));
-        for (int i = 0; i < repeater->property("count").toInt(); ++i) {
-            QQuickItem* row = nullptr;
-            QMetaObject::invokeMethod(repeater, "itemAt", Q_RETURN_ARG(QQuickItem*, row), Q_ARG(int, i));
-            const QVariantMap app = row->property("app").toMap();
+        for (int i = 0; i < item(window, QStringLiteral("topApps"))->property("count").toInt(); ++i) {
+            const QVariantMap app = topApp(window, i)->property("app").toMap();
             names << app.value(QStringLiteral("name")).toString() + QLatin1Char(' ') +
                          app.value(QStringLiteral("figure")).toString();
         }
@@ -133,12 +101,7 @@ ApplicationWindow {
         return item(window, meter)->findChild<QQuickItem*>(QStringLiteral("meterPercent"))->property("text").toString();
     }
 
-    FakeWorkspace m_workspace;
-    FakeProcessTable m_table;
-    FakeAccessibility m_accessibility;
-    FakeLoginItem m_login;
     FakeAppShell m_shell;
-    std::unique_ptr<ActivityModel> m_activity;
     std::unique_ptr<ShellController> m_controller;
     std::unique_ptr<MenuBarPresenter> m_presenter;
 };
@@ -162,11 +125,8 @@ TEST_F(MenuBarPanelTest, WalkThroughThePanel)
     snapshot(*window, QSize(400, 720), QStringLiteral("menubar-panel"));
 
     QObject* confirmation = window->findChild<QObject*>(QStringLiteral("forceQuitConfirmation"));
-    ASSERT_NE(confirmation, nullptr);
-    QQuickItem* first = nullptr;
-    QMetaObject::invokeMethod(item(*window, QStringLiteral("topApps")), "itemAt", Q_RETURN_ARG(QQuickItem*, first),
-                              Q_ARG(int, 0));
-    ASSERT_NE(first, nullptr);
+    QQuickItem* first = topApp(*window, 0);
+    ASSERT_TRUE(confirmation && first);
     QMetaObject::invokeMethod(first, "forceQuitRequested");
     ASSERT_TRUE(eventually([&] { return confirmation->property("opened").toBool(); }));
     snapshot(*window, QSize(400, 720), QStringLiteral("menubar-force-quit"));
@@ -182,9 +142,8 @@ TEST_F(MenuBarPanelTest, WalkThroughThePanel)
     QSignalSpy shown(&controller(), &ShellController::mainWindowRequested);
     state().setSection(QStringLiteral("apps"));
     click(*item(*window, QStringLiteral("cleanupRow")));
-    EXPECT_EQ(state().section(), QStringLiteral("home"));
-    EXPECT_EQ(shown.count(), 1);
-    EXPECT_EQ(m_shell.presences.last(), AppShell::Presence::Regular);
+    EXPECT_EQ(std::tuple(state().section(), shown.count(), m_shell.presences.last()),
+              std::tuple(QStringLiteral("home"), 1, AppShell::Presence::Regular));
     click(*item(*window, QStringLiteral("hideAllRow")));
     EXPECT_EQ(m_workspace.actions.size(), 8) << "every app but ours";
     QQuickItem* toggle = item(*window, QStringLiteral("launchAtLoginRow"))->findChild<QQuickItem*>(QStringLiteral("toggle"));
@@ -200,28 +159,28 @@ TEST_F(MenuBarPanelTest, WalkThroughThePanel)
     EXPECT_TRUE(shownApps(*window).first().endsWith(QStringLiteral(" %")));
 }
 
+// Without a tray the panel opens on request and each appearance refreshes the disk figures; the
+// click that took the focus from the panel (and so closed it) does not reopen it, a later one does.
 TEST_F(MenuBarPanelTest, WithoutATrayThePanelOpensOnRequestAndRefreshesTheDisk)
 {
-    (void)activity();
     const std::unique_ptr<SymbolImages> symbols = makeSymbolImages();
     m_presenter = std::make_unique<MenuBarPresenter>(*m_engine, state(), controller(), *symbols, false);
     ASSERT_NE(m_presenter->panel(), nullptr);
-    EXPECT_FALSE(controller().hasTray());
-    EXPECT_FALSE(controller().keepsRunningWithoutWindow(false)) << "no way back without a tray or a Dock";
-    EXPECT_TRUE(controller().keepsRunningWithoutWindow(true));
+    // Closing the window with no tray and no Dock would leave no way back.
+    EXPECT_EQ(std::tuple(controller().hasTray(), controller().keepsRunningWithoutWindow(false),
+                         controller().keepsRunningWithoutWindow(true)),
+              std::tuple(false, false, true));
 
     m_volume.answer = {1'000'000'000'000, 400'000'000'000, 400'000'000'000};
     QSignalSpy disk(&state(), &AppState::diskChanged);
     controller().showPanel();
     ASSERT_TRUE(eventually([&] { return m_presenter->panel()->isVisible(); }));
-    ASSERT_TRUE(eventually([&] { return disk.count() == 1; })); // each appearance refreshes the figures
+    ASSERT_TRUE(eventually([&] { return disk.count() == 1; }));
     EXPECT_EQ(state().diskAvailable(), 400'000'000'000);
     m_presenter->toggle();
     EXPECT_FALSE(m_presenter->panel()->isVisible());
-    // The click that took the focus from the panel (and so closed it) does not reopen it…
     m_presenter->toggle();
     EXPECT_FALSE(m_presenter->panel()->isVisible());
-    // …a later one does.
     QTest::qWait(350);
     m_presenter->toggle();
     EXPECT_TRUE(m_presenter->panel()->isVisible());

@@ -40,18 +40,19 @@ protected:
 
 } // namespace
 
-// Each row: the running processes (id, executable as the kernel gives it, memory; no memory when
-// the accounting cannot be read), the applications asked about, and the memory each measurable
-// one must get; the others are left out. Every row is asked in both orders of its applications.
+// Rows: processes (id, executable bytes, memory or none when unreadable), the applications asked
+// about, and the memory of each measurable one (the others are left out); asked in both orders.
 TEST(UsageSamplerAttribution, EachApplicationGetsTheProcessesOfItsOwnBundleOnly)
 {
     const QByteArray foo = kFoo;
     const QString fooText = QString::fromLatin1(kFoo);
+    const QByteArray inner = foo + "/Contents/Applications/Inner.app";
     const QByteArray latin1 = "/Applications/Caf\xff.app";
     const QByteArray other = "/Applications/Caf\xfe.app";
     ASSERT_EQ(QFile::decodeName(latin1), QFile::decodeName(other)); // the workspace hands both over alike
     const QString composed = QStringLiteral("/Applications/Caf\u00e9.app");
     const QString decomposed = QStringLiteral("/Applications/Cafe\u0301.app");
+    const QByteArray cafe = "/Contents/MacOS/Cafe";
     struct Row
     {
         const char* why;
@@ -61,51 +62,32 @@ TEST(UsageSamplerAttribution, EachApplicationGetsTheProcessesOfItsOwnBundleOnly)
     };
     const Row rows[] = {
         {"an application inside another keeps its own processes",
-         {{100, foo + "/Contents/MacOS/Foo", 10},
-          {300, foo + "/Contents/Applications/Inner.app/Contents/MacOS/Inner", 7},
-          {301, foo + "/Contents/Applications/Inner.app/Contents/Helpers/inner-helper", 3}},
-         {{100, fooText}, {300, fooText + QStringLiteral("/Contents/Applications/Inner.app")}},
-         {{100, 10}, {300, 10}}},
+         {{100, foo + "/Contents/MacOS/Foo", 10}, {300, inner + "/Contents/MacOS/In", 7}, {301, inner + "/Contents/h/x", 3}},
+         {{100, fooText}, {300, QString::fromLatin1(inner)}}, {{100, 10}, {300, 10}}},
         {"whole folder names only; an empty bundle, the root or a relative path match nothing",
-         {{100, foo + "/Contents/MacOS/Foo", 1},
-          {200, foo + "2/Contents/MacOS/Foo2", 2},
-          {300, "/usr/bin/other", 4},
+         {{100, foo + "/Contents/MacOS/Foo", 1}, {200, foo + "2/Contents/MacOS/Foo2", 2}, {300, "/usr/bin/other", 4},
           {700, "/Applications/Foo.appendix/Contents/MacOS/agent", 8}},
-         {{100, fooText},
-          {200, fooText + QStringLiteral("2/")},
-          {400, QString()},
-          {500, QStringLiteral("/")},
+         {{100, fooText}, {200, QStringLiteral("/Applications/Foo.app2/")}, {400, QString()}, {500, QStringLiteral("/")},
           {600, QStringLiteral("usr")}},
          {{100, 1}, {200, 2}}},
-        {"names that differ only in bytes that are not UTF-8 are not measurable; a path is judged up to "
-         "a zero byte",
-         {{100, latin1 + "/Contents/MacOS/app", 1},
-          {200, other + "/Contents/MacOS/app", 2},
+        {"names that differ only in bytes that are not UTF-8 are not measurable; a path is judged up to a zero byte",
+         {{100, latin1 + "/Contents/MacOS/app", 1}, {200, other + "/Contents/MacOS/app", 2},
           {300, QByteArray("/Applications/Plain.app\0/Contents/MacOS/x", 41), 4},
           {301, QByteArray("/Applications/Plain.app/Contents/MacOS/y\0junk", 45), 8}},
-         {{100, QFile::decodeName(latin1)},
-          {200, QFile::decodeName(other)},
+         {{100, QFile::decodeName(latin1)}, {200, QFile::decodeName(other)},
           {300, QStringLiteral("/Applications/Plain.app")}},
          {{300, 8}}},
         {"the workspace spells an accent composed, the kernel decomposed",
-         {{100, QFile::encodeName(decomposed) + "/Contents/MacOS/Cafe", 1}},
-         {{100, composed}},
-         {{100, 1}}},
+         {{100, QFile::encodeName(decomposed) + cafe, 1}}, {{100, composed}}, {{100, 1}}},
         {"two folders, one spelt each way: the exact spelling wins",
-         {{100, QFile::encodeName(decomposed) + "/Contents/MacOS/Cafe", 1},
-          {200, QFile::encodeName(composed) + "/Contents/MacOS/Cafe", 2}},
-         {{100, decomposed}, {200, composed}},
-         {{100, 1}, {200, 2}}},
-        {"unreadable paths or accounting and ids the kernel never hands out are skipped; an application "
-         "with nothing readable is left out",
-         {{100, foo + "/Contents/MacOS/Foo", 1},
-          {101, foo + "/Contents/MacOS/gone", {}},
-          {102, QByteArray(), 64},
-          {0, foo + "/Contents/MacOS/zero", 128},
-          {-5, foo + "/Contents/MacOS/negative", 256},
+         {{100, QFile::encodeName(decomposed) + cafe, 1}, {200, QFile::encodeName(composed) + cafe, 2}},
+         {{100, decomposed}, {200, composed}}, {{100, 1}, {200, 2}}},
+        {"unreadable paths or accounting and ids the kernel never hands out are skipped; an application with nothing "
+         "readable is left out",
+         {{100, foo + "/Contents/MacOS/Foo", 1}, {101, foo + "/Contents/MacOS/gone", {}}, {102, QByteArray(), 64},
+          {0, foo + "/Contents/MacOS/zero", 128}, {-5, foo + "/Contents/MacOS/negative", 256},
           {300, "/Applications/Locked.app/Contents/MacOS/Locked", {}}},
-         {{100, fooText}, {300, QStringLiteral("/Applications/Locked.app")}},
-         {{100, 1}}},
+         {{100, fooText}, {300, QStringLiteral("/Applications/Locked.app")}}, {{100, 1}}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.why);
@@ -123,8 +105,7 @@ TEST(UsageSamplerAttribution, EachApplicationGetsTheProcessesOfItsOwnBundleOnly)
     }
 }
 
-// The share is the processor time a bundle's processes used since the previous sample over the
-// time that passed, counted only for processes that previous sample saw.
+// A bundle's share counts only processes the previous sample saw, over the time that passed.
 TEST_F(UsageSamplerTest, ProcessorShareAddsUpTheBundleOverTheIntervalForProcessesSeenBefore)
 {
     table.add(100, kFoo + "/Contents/MacOS/Foo", 0, 1);
@@ -149,7 +130,7 @@ TEST_F(UsageSamplerTest, ProcessorShareAddsUpTheBundleOverTheIntervalForProcesse
     table.processes[103].usage->cpuTime = 1;
     EXPECT_EQ(fooCpu(sampler), 0.0);
 
-    // A sample about no application asks about no process, and those left out start again at zero.
+    // A sample about no application reads no process; those left out start again at zero.
     const int queries = table.pathQueries;
     advance(kSecond, {{100, kSecond}});
     EXPECT_TRUE(sampler.sample({}).isEmpty());
@@ -160,19 +141,17 @@ TEST_F(UsageSamplerTest, ProcessorShareAddsUpTheBundleOverTheIntervalForProcesse
     EXPECT_NEAR(fooCpu(sampler), 100.0, 1e-9);
 }
 
+// One tick is a third of a nanosecond: no share is divided by less, and one may exceed a core.
 TEST_F(UsageSamplerTest, AnIntervalUnderOneNanosecondGivesZeroInsteadOfDividing)
 {
-    table.base = {1, 3}; // one tick is a third of a nanosecond
+    table.base = {1, 3};
     table.add(100, kFoo + "/Contents/MacOS/Foo", 0, 1);
     UsageSampler sampler(table);
     fooCpu(sampler);
-    advance(0, {{100, 30}});
-    EXPECT_EQ(fooCpu(sampler), 0.0);
-    advance(2, {{100, 30}});
-    EXPECT_EQ(fooCpu(sampler), 0.0);
-    // Three ticks are one nanosecond: the share is measured again (and may exceed one core).
-    advance(3, {{100, 6}});
-    EXPECT_NEAR(fooCpu(sampler), 200.0, 1e-9);
+    for (const auto& [ticks, share] : {std::pair<quint64, double>{0, 0.0}, {2, 0.0}, {3, 200.0}}) {
+        advance(ticks, {{100, 6}});
+        EXPECT_DOUBLE_EQ(fooCpu(sampler), share) << ticks;
+    }
 }
 
 TEST_F(UsageSamplerTest, AtMostTheFirst4096ProcessesAreConsideredAndAnUnreadableListMeasuresNothing)
@@ -189,27 +168,23 @@ TEST_F(UsageSamplerTest, AtMostTheFirst4096ProcessesAreConsideredAndAnUnreadable
     EXPECT_TRUE(sampler.sample({{1, QString::fromLatin1(kFoo)}}).isEmpty());
 }
 
-// Used is held memory (application, compressed, wired) less purgeable; counts no kernel could
-// report, more purgeable than held, or no statistics at all give 0 with the physical total.
+// Counts no kernel could report, more purgeable than held, or none at all give 0 used memory.
 TEST(UsageSamplerSystemMemory, UsedIsHeldMemoryLessPurgeableAndNeverWrapsOrGoesNegative)
 {
     const quint64 max = std::numeric_limits<quint64>::max();
-    const struct
-    {
-        std::optional<ProcessTable::MemoryPages> pages;
-        qint64 used;
-    } rows[] = {
-        {ProcessTable::MemoryPages{16384, 100'000, 20'000, 30'000, 10'000}, 140'000LL * 16384},
-        {ProcessTable::MemoryPages{16384, 100'000, 20'000, 30'000, 500'000}, 0},
-        {ProcessTable::MemoryPages{16384, max - 5, 20'000, 30'000, 0}, 0},
-        {ProcessTable::MemoryPages{16384, quint64(1) << 60, 20'000, 30'000, 0}, 0},
+    using Pages = ProcessTable::MemoryPages;
+    const std::pair<std::optional<Pages>, qint64> rows[] = {
+        {Pages{16384, 100'000, 20'000, 30'000, 10'000}, 140'000LL * 16384},
+        {Pages{16384, 100'000, 20'000, 30'000, 500'000}, 0},
+        {Pages{16384, max - 5, 20'000, 30'000, 0}, 0},
+        {Pages{16384, quint64(1) << 60, 20'000, 30'000, 0}, 0},
         {std::nullopt, 0},
     };
     FakeProcessTable table;
     table.physical = 8LL << 30;
-    for (const auto& row : rows) {
-        table.pages = row.pages;
-        EXPECT_EQ(UsageSampler::systemMemory(table), (UsageSampler::SystemMemory{row.used, 8LL << 30}));
+    for (const auto& [pages, used] : rows) {
+        table.pages = pages;
+        EXPECT_EQ(UsageSampler::systemMemory(table), (UsageSampler::SystemMemory{used, 8LL << 30}));
     }
 }
 

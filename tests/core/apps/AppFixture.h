@@ -9,14 +9,14 @@
 #include "core/safety/Safety.h"
 #include "platform/fake/FakeMetadata.h"
 #include "platform/fake/FakeWorkspace.h"
+#include "support/Column.h"
 #include "support/FixtureFiles.h"
 #include "support/PlistWriter.h"
 #include "support/TempTree.h"
-#include "support/Column.h"
 
 #include <QDir>
+#include <QFile>
 #include <QSet>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -40,46 +40,28 @@ protected:
     /// Absolute path of a fixture path: "~/" is the home, "/" the fixture's root.
     QString at(const QString& path) const
     {
-        if (path.startsWith(QLatin1String("~/")))
-            return roots.home + path.mid(1);
-        return m_tree.root() + path;
+        return path.startsWith(QLatin1String("~/")) ? roots.home + path.mid(1) : m_tree.root() + path;
     }
-
-    QString folder(const QString& path) const
-    {
-        makeDir(at(path));
-        return at(path);
-    }
-
-    QString file(const QString& path, qint64 bytes = 1000) const
-    {
-        writeFile(at(path), bytes);
-        return at(path);
-    }
-
+    QString folder(const QString& path) const { return makeDir(at(path)), at(path); }
+    QString file(const QString& path, qint64 bytes = 1000) const { return writeFile(at(path), bytes), at(path); }
     QString rawFile(const QString& path, const QByteArray& content) const
     {
-        writeBytes(at(path), content);
-        return at(path);
+        return writeBytes(at(path), content), at(path);
     }
-
     /// A symbolic link at `path` to `target`, both fixture paths.
     void link(const QString& target, const QString& path) const { makeLink(at(target), at(path)); }
 
     /// A bundle with an information dictionary in the given format and an executable inside.
     QString bundle(const QString& path, const QVariantMap& info, PlistFormat format = PlistFormat::xml) const
     {
-        const QString full = folder(path);
         rawFile(path + QStringLiteral("/Contents/Info.plist"), plistBytes(info, format));
         file(path + QStringLiteral("/Contents/MacOS/binary"), 4096);
-        return full;
+        return at(path);
     }
-
     QString app(const QString& path, const QString& identifier, PlistFormat format = PlistFormat::xml) const
     {
         return bundle(path, {{QStringLiteral("CFBundleIdentifier"), identifier}}, format);
     }
-
     /// A path whose last name is raw bytes that are not UTF-8.
     QByteArray nativePath(const QString& parent, const QByteArray& name) const
     {
@@ -99,20 +81,21 @@ protected:
     }
 
     static QStringList paths(const QList<CleanItem>& items) { return test::column(items, &CleanItem::id); }
+    static QStringList sorted(QStringList list) { return list.sort(), list; }
 
-    /// What every list of items must hold: no path twice, nothing the safety gate refuses.
+    /// What every list of items must hold: no path twice, nothing the safety gate refuses, largest
+    /// first, and no subtitle or application link (the app is the one being looked at, or gone).
     void expectSoundItems(const QList<CleanItem>& items)
     {
         catalog();
         const QStringList list = paths(items);
-        EXPECT_EQ(QSet<QString>(list.cbegin(), list.cend()).size(), list.size())
-            << list.join(QLatin1Char('\n')).toStdString();
-        for (const CleanItem& item : items) {
-            EXPECT_TRUE(m_safety->isAllowed(item.id)) << item.id.toStdString();
-            EXPECT_EQ(item.url(), item.id);
+        EXPECT_EQ(QSet<QString>(list.cbegin(), list.cend()).size(), list.size()) << list.join(u'\n').toStdString();
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            const CleanItem& item = items.at(i);
+            EXPECT_TRUE(m_safety->isAllowed(item.id) && item.url() == item.id) << item.id.toStdString();
+            EXPECT_FALSE(item.subtitle || item.appURL) << item.id.toStdString();
+            EXPECT_GE(items.at(i > 0 ? i - 1 : 0).size, item.size);
         }
-        for (qsizetype i = 1; i < items.size(); ++i)
-            EXPECT_GE(items.at(i - 1).size, items.at(i).size);
     }
 
     TempTree m_tree; // removed by its bytes, names that are not UTF-8 included

@@ -1,131 +1,119 @@
 #include "AppFixture.h"
-#include "support/Column.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <tuple>
 
 using namespace nubo;
 using namespace nubo::test;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 class InstalledApps : public AppTree
 {
 protected:
-    QStringList names() { return names(catalog().load()); }
-    static QStringList names(const QList<InstalledApp>& apps) { return test::column(apps, &InstalledApp::name); }
+    QStringList names() { return column(catalog().load(), &InstalledApp::name); }
 };
+
+struct Described
+{
+    const char* path;
+    QByteArray info; // the Info.plist's bytes
+    const char* name;
+    const char* identifier = nullptr;
+    const char* version = nullptr;
+};
+
+std::optional<QString> text(const char* value)
+{
+    return value ? std::optional(QString::fromUtf8(value)) : std::nullopt;
+}
 
 } // namespace
 
-TEST_F(InstalledApps, ListsBundlesTwoLevelsDownButNotThreeNorLinksNorOtherCases)
+// Two levels down but not three, nor inside bundles, nor through links, nor other cases of ".app",
+// bundles without usable information included, sorted by name ignoring case, the copy in
+// "/Applications" first on a tie.
+TEST_F(InstalledApps, ListsBundlesTwoLevelsDownSortedByName)
 {
     QDir(roots.applications).removeRecursively(); // missing roots give nothing
     EXPECT_TRUE(names().isEmpty());
-    app(QStringLiteral("/Applications/Top.app"), QStringLiteral("com.acme.top"));
-    app(QStringLiteral("/Applications/Suite/Nested.app"), QStringLiteral("com.acme.nested"));
-    app(QStringLiteral("/Applications/A/B/TooDeep.app"), QStringLiteral("com.acme.deep"));
-    app(QStringLiteral("/Applications/Upper.APP"), QStringLiteral("com.acme.upper"));
-    app(QStringLiteral("/Applications/.Hidden.app"), QStringLiteral("com.acme.hidden"));
-    // Inside a bundle nothing is listed: helpers are part of their app.
-    app(QStringLiteral("/Applications/Top.app/Contents/Helpers/Helper.app"),
-        QStringLiteral("com.acme.top.helper"));
-    // Neither a link to an app nor a folder of apps reached through a link is walked.
-    link(QStringLiteral("/Applications/Top.app"), QStringLiteral("/Applications/Alias.app"));
-    link(QStringLiteral("/Applications/Suite"), QStringLiteral("/Applications/Linked"));
+    app(u"/Applications/Top.app"_s, u"com.acme.top"_s);
+    app(u"/Applications/Suite/Nested.app"_s, u"com.acme.nested"_s);
+    app(u"/Applications/A/B/TooDeep.app"_s, u"com.acme.deep"_s);
+    app(u"/Applications/Upper.APP"_s, u"com.acme.upper"_s);
+    app(u"/Applications/.Hidden.app"_s, u"com.acme.hidden"_s);
+    app(u"/Applications/Top.app/Contents/Helpers/Helper.app"_s, u"com.acme.top.helper"_s);
+    link(u"/Applications/Top.app"_s, u"/Applications/Alias.app"_s);
+    link(u"/Applications/Suite"_s, u"/Applications/Linked"_s);
+    rawFile(u"/Applications/Broken.app/Contents/Info.plist"_s, "garbage");
+    app(u"/Applications/banana.app"_s, u"com.x.banana"_s);
+    app(u"~/Applications/Apple.app"_s, u"com.x.apple.user"_s);
+    app(u"/Applications/Apple.app"_s, u"com.x.apple"_s);
     // A name that is not UTF-8 cannot be held as text without changing it: listing it would offer
     // to remove a path that does not exist, so it is not listed, and it is not touched.
-    const QByteArray odd = nativePath(QStringLiteral("/Applications"), QByteArray("Caf\xe9.app"));
+    const QByteArray odd = nativePath(u"/Applications"_s, "Caf\xe9.app");
     makeDir(odd);
 
-    EXPECT_EQ(names(), (QStringList{QStringLiteral("Nested"), QStringLiteral("Top")}));
+    const QList<InstalledApp> apps = catalog().load();
+    EXPECT_EQ(column(apps, &InstalledApp::name), (QStringList{u"Apple"_s, u"Apple"_s, u"banana"_s, u"Broken"_s,
+                                                              u"Nested"_s, u"Top"_s}));
+    EXPECT_EQ(column(apps, &InstalledApp::url).mid(0, 2),
+              (QStringList{at(u"/Applications/Apple.app"_s), at(u"~/Applications/Apple.app"_s)}));
     EXPECT_TRUE(exists(odd));
 }
 
-TEST_F(InstalledApps, SortedByNameIgnoringCaseAndTheSystemCopyFirstOnATie)
+// The file name wins over every declared name, which only serve a bundle named ".app" alone; the
+// identifier keeps its case; information that is malformed, cut short, of the wrong shape or type
+// gives none.
+TEST_F(InstalledApps, DescribesEachBundleFromItsInformation)
 {
-    app(QStringLiteral("/Applications/banana.app"), QStringLiteral("com.x.banana"));
-    app(QStringLiteral("/Applications/Cherry.app"), QStringLiteral("com.x.cherry"));
-    app(QStringLiteral("~/Applications/Apple.app"), QStringLiteral("com.x.apple.user"));
-    app(QStringLiteral("/Applications/Apple.app"), QStringLiteral("com.x.apple"));
-
-    const QList<InstalledApp> apps = catalog().load();
-    ASSERT_EQ(names(apps), (QStringList{QStringLiteral("Apple"), QStringLiteral("Apple"),
-                                        QStringLiteral("banana"), QStringLiteral("Cherry")}));
-    EXPECT_EQ(apps.at(0).url, at(QStringLiteral("/Applications/Apple.app")));
-    EXPECT_EQ(apps.at(1).url, at(QStringLiteral("~/Applications/Apple.app")));
-}
-
-TEST_F(InstalledApps, DescribesXmlAndBinaryBundlesAlikeAndTheStoreByItsReceiptFile)
-{
-    const QVariantMap info{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.Acme.Writer")},
-                           {QStringLiteral("CFBundleDisplayName"), QStringLiteral("Bar")},
-                           {QStringLiteral("CFBundleShortVersionString"), QStringLiteral("2.1")}};
-    for (PlistFormat format : {PlistFormat::xml, PlistFormat::binary}) {
-        const QString name = format == PlistFormat::xml ? QStringLiteral("Foo") : QStringLiteral("Baz");
-        const QString path =
-            bundle(QStringLiteral("/Applications/") + name + QStringLiteral(".app"), info, format);
-        const std::optional<InstalledApp> described = catalog().describe(path);
-        ASSERT_TRUE(described);
-        EXPECT_EQ(described->name, name); // the file name wins over every declared name
-        EXPECT_EQ(described->bundleID, QStringLiteral("com.Acme.Writer")); // case as declared
-        EXPECT_EQ(described->version, QStringLiteral("2.1"));
-        EXPECT_FALSE(described->isStore);
-        EXPECT_FALSE(described->size);
+    const QVariantMap writer{{u"CFBundleIdentifier"_s, u"com.Acme.Writer"_s},
+                             {u"CFBundleDisplayName"_s, u"Bar"_s},
+                             {u"CFBundleShortVersionString"_s, u"2.1"_s}};
+    const QVariantMap shown{{u"CFBundleDisplayName"_s, u"Shown"_s}, {u"CFBundleName"_s, u"Plain"_s}};
+    const QVariantMap plain{{u"CFBundleName"_s, u"Plain"_s}, {u"CFBundleDisplayName"_s, qint64(3)}};
+    const QVariantMap numeric{{u"CFBundleIdentifier"_s, qint64(12345)}};
+    const QVariantList listy{u"CFBundleIdentifier"_s, u"com.x"_s};
+    const QByteArray whole = plistBytes(
+        QVariantMap{{u"CFBundleIdentifier"_s, u"com.acme.cut"_s}, {u"CFBundleShortVersionString"_s, u"1"_s}},
+        PlistFormat::binary);
+    // clang-format off
+    const Described rows[] = {
+        {"/Applications/Foo.app", plistBytes(writer, PlistFormat::xml), "Foo", "com.Acme.Writer", "2.1"},
+        {"/Applications/Baz.app", plistBytes(writer, PlistFormat::binary), "Baz", "com.Acme.Writer", "2.1"},
+        {"/Elsewhere/.app", plistBytes(shown, PlistFormat::xml), "Shown"},
+        {"/Elsewhere2/.app/", plistBytes(plain, PlistFormat::xml), "Plain"},
+        {"/Applications/Dotted.Name.app", QByteArray(), "Dotted.Name"}, // an empty Info.plist
+        {"/Applications/Broken.app", QByteArray("bplist00\x01\x02garbage", 17), "Broken"},
+        {"/Applications/Cut.app", whole.left(whole.size() - 5), "Cut"},
+        {"/Applications/Listy.app", plistBytes(listy, PlistFormat::binary), "Listy"},
+        {"/Applications/NumericId.app", plistBytes(numeric, PlistFormat::binary), "NumericId"},
+    };
+    // clang-format on
+    for (const Described& row : rows) {
+        SCOPED_TRACE(row.path);
+        rawFile(QString::fromUtf8(row.path) + u"/Contents/Info.plist"_s, row.info);
+        const std::optional<InstalledApp> app = catalog().describe(at(QString::fromUtf8(row.path)));
+        ASSERT_TRUE(app);
+        EXPECT_EQ(std::tuple(app->name, app->bundleID, app->version, app->isStore, app->size),
+                  std::tuple(QString::fromUtf8(row.name), text(row.identifier), text(row.version), false,
+                             std::optional<qint64>()));
     }
+    folder(u"/Applications/Bare.app/Contents"_s); // no Info.plist at all
+    EXPECT_EQ(catalog().describe(at(u"/Applications/Bare.app"_s))->name, u"Bare"_s);
     // Only a receipt file marks a store app, whatever it holds; an empty receipt folder does not.
-    const QString store = app(QStringLiteral("/Applications/Store.app"), QStringLiteral("com.x.store"));
-    rawFile(QStringLiteral("/Applications/Store.app/Contents/_MASReceipt/receipt"), "not a real receipt");
-    const QString almost = app(QStringLiteral("/Applications/Almost.app"), QStringLiteral("com.x.almost"));
-    folder(QStringLiteral("/Applications/Almost.app/Contents/_MASReceipt"));
-    EXPECT_TRUE(catalog().describe(store)->isStore);
-    EXPECT_FALSE(catalog().describe(almost)->isStore);
-}
-
-TEST_F(InstalledApps, DeclaredNamesOnlyServeABundleNamedByItsExtensionAlone)
-{
-    const QString bare = bundle(QStringLiteral("/Elsewhere/.app"),
-                                {{QStringLiteral("CFBundleDisplayName"), QStringLiteral("Shown")},
-                                 {QStringLiteral("CFBundleName"), QStringLiteral("Plain")}});
-    EXPECT_EQ(catalog().describe(bare)->name, QStringLiteral("Shown"));
-    const QString named =
-        bundle(QStringLiteral("/Elsewhere2/.app"), {{QStringLiteral("CFBundleName"), QStringLiteral("Plain")},
-                                                    {QStringLiteral("CFBundleDisplayName"), qint64(3)}});
-    EXPECT_EQ(catalog().describe(named)->name, QStringLiteral("Plain"));
-    EXPECT_EQ(catalog().describe(named + QLatin1Char('/'))->name, QStringLiteral("Plain"));
-    EXPECT_EQ(catalog().describe(at(QStringLiteral("/Applications/Dotted.Name.app")))->name,
-              QStringLiteral("Dotted.Name"));
-}
-
-TEST_F(InstalledApps, BundlesWithoutUsableInformationAreStillListed)
-{
-    folder(QStringLiteral("/Applications/Bare.app/Contents"));
-    rawFile(QStringLiteral("/Applications/Broken.app/Contents/Info.plist"),
-            QByteArray("bplist00\x01\x02garbage", 17));
-    rawFile(QStringLiteral("/Applications/Empty.app/Contents/Info.plist"), QByteArray());
-    rawFile(QStringLiteral("/Applications/Listy.app/Contents/Info.plist"),
-            plistBytes(QVariantList{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.x")},
-                       PlistFormat::binary));
-    const QByteArray whole =
-        plistBytes(QVariantMap{{QStringLiteral("CFBundleIdentifier"), QStringLiteral("com.acme.cut")},
-                               {QStringLiteral("CFBundleShortVersionString"), QStringLiteral("1")}},
-                   PlistFormat::binary);
-    rawFile(QStringLiteral("/Applications/Cut.app/Contents/Info.plist"), whole.left(whole.size() - 5));
-    bundle(QStringLiteral("/Applications/NumericId.app"),
-           {{QStringLiteral("CFBundleIdentifier"), qint64(12345)}});
-
-    const QList<InstalledApp> apps = catalog().load();
-    EXPECT_EQ(names(apps),
-              (QStringList{QStringLiteral("Bare"), QStringLiteral("Broken"), QStringLiteral("Cut"),
-                           QStringLiteral("Empty"), QStringLiteral("Listy"), QStringLiteral("NumericId")}));
-    for (const InstalledApp& app : apps)
-        EXPECT_FALSE(app.bundleID || app.version) << app.name.toStdString();
+    rawFile(u"/Applications/Store.app/Contents/_MASReceipt/receipt"_s, "not a real receipt");
+    folder(u"/Applications/Almost.app/Contents/_MASReceipt"_s);
+    EXPECT_TRUE(catalog().describe(at(u"/Applications/Store.app"_s))->isStore);
+    EXPECT_FALSE(catalog().describe(at(u"/Applications/Almost.app"_s))->isStore);
 }
 
 TEST_F(InstalledApps, LastUseComesFromMetadataThenFromTheAccessDate)
 {
-    const QString indexed = app(QStringLiteral("/Applications/Indexed.app"), QStringLiteral("com.x.indexed"));
-    const QString opened = app(QStringLiteral("/Applications/Opened.app"), QStringLiteral("com.x.opened"));
+    const QString indexed = app(u"/Applications/Indexed.app"_s, u"com.x.indexed"_s);
+    const QString opened = app(u"/Applications/Opened.app"_s, u"com.x.opened"_s);
     const QDateTime spotlight = QDateTime::fromSecsSinceEpoch(1'600'000'000);
     metadata.lastUsed.insert(indexed, spotlight);
     const timespec times[2] = {{1'500'000'000, 0}, {1'400'000'000, 0}}; // access, modification
@@ -133,30 +121,25 @@ TEST_F(InstalledApps, LastUseComesFromMetadataThenFromTheAccessDate)
 
     EXPECT_EQ(catalog().describe(indexed)->lastUsed, spotlight);
     EXPECT_EQ(catalog().describe(opened)->lastUsed, QDateTime::fromSecsSinceEpoch(1'500'000'000));
-    EXPECT_FALSE(catalog().describe(at(QStringLiteral("/Applications/Gone.app")))->lastUsed);
+    EXPECT_FALSE(catalog().describe(at(u"/Applications/Gone.app"_s))->lastUsed);
 }
 
 TEST_F(InstalledApps, RunningInstanceIsMatchedByLocationNotByIdentifier)
 {
-    const QString first = app(QStringLiteral("/Applications/Writer.app"), QStringLiteral("com.acme.writer"));
-    const QString second =
-        app(QStringLiteral("~/Applications/Writer.app"), QStringLiteral("com.acme.writer"));
-    const InstalledApp firstApp = *catalog().describe(first);
+    const InstalledApp first = *catalog().describe(app(u"/Applications/Writer.app"_s, u"com.acme.writer"_s));
+    const QString second = app(u"~/Applications/Writer.app"_s, u"com.acme.writer"_s);
     const InstalledApp secondApp = *catalog().describe(second);
+    const auto pid = [this](const InstalledApp& app) {
+        const std::optional<RunningApplication> running = catalog().runningInstance(app);
+        return running ? running->pid : -1;
+    };
 
-    EXPECT_FALSE(catalog().runningInstance(firstApp));
-    workspace.running = {
-        RunningApplication{10, QStringLiteral("helper"), QString(), false, false, false},
-        RunningApplication{11, QStringLiteral("Writer"), second + QStringLiteral("/"), false, true, true}};
-    EXPECT_FALSE(catalog().runningInstance(firstApp)); // only the other copy runs
-    ASSERT_TRUE(catalog().runningInstance(secondApp));
-    EXPECT_EQ(catalog().runningInstance(secondApp)->pid, 11);
-
-    workspace.running << RunningApplication{12,
-                                            QStringLiteral("Writer"),
-                                            roots.applications + QStringLiteral("/./Other/../Writer.app"),
-                                            false,
-                                            false,
-                                            true};
-    EXPECT_EQ(catalog().runningInstance(firstApp)->pid, 12);
+    EXPECT_EQ(pid(first), -1);
+    workspace.running = {RunningApplication{10, u"helper"_s, QString(), false, false, false},
+                         RunningApplication{11, u"Writer"_s, second + u"/"_s, false, true, true}};
+    // Only the other copy runs.
+    EXPECT_EQ(std::pair(pid(first), pid(secondApp)), std::pair(qint64(-1), qint64(11)));
+    workspace.running << RunningApplication{12, u"Writer"_s, roots.applications + u"/./Other/../Writer.app"_s,
+                                            false, false, true};
+    EXPECT_EQ(pid(first), 12);
 }

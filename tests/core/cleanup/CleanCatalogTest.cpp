@@ -4,64 +4,48 @@
 #include "core/cleanup/CleanItem.h"
 #include "support/FixtureFiles.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <tuple>
 
 using namespace nubo;
+using namespace Qt::StringLiterals;
 
-// The screen restores a heading from its title: every title must lead back to its group, exactly.
-TEST(CleanGroups, TitleLeadsBackToItsGroupAndCaseMatters)
-{
-    for (CleanGroup group : CleanGroups::all()) {
-        EXPECT_EQ(CleanGroups::fromTitle(CleanGroups::title(group)), group);
-        EXPECT_FALSE(CleanGroups::fromTitle(CleanGroups::title(group).toLower()));
-    }
-    EXPECT_FALSE(CleanGroups::fromTitle(QString()));
-}
-
+// One block per group in the groups' order, so the screen can cut the list, and each heading's
+// title leads back to its group exactly. A row that warns is never pre-selected; installers are
+// the one quiet unselected row. Rows alone find nothing until rules are bound.
 TEST(CleanCatalog, RowsComeInOneBlockPerGroupAndOnlyUnselectedRowsWarn)
 {
     int lastGroup = 0;
     for (const CleanCategory& category : CleanCatalog::rows()) {
         SCOPED_TRACE(category.id.toStdString());
-        // One block per group, in the groups' order, so the screen can cut the list.
         EXPECT_GE(static_cast<int>(category.group), lastGroup);
         lastGroup = static_cast<int>(category.group);
+        const QString heading = CleanGroups::title(category.group);
+        EXPECT_EQ(std::pair(CleanGroups::fromTitle(heading), CleanGroups::fromTitle(heading.toLower())),
+                  std::pair(std::optional(category.group), std::optional<CleanGroup>()));
         EXPECT_FALSE(category.title.isEmpty() || category.subtitle.isEmpty() || category.symbol.isEmpty());
-        // A row that warns is never pre-selected; installers are the one quiet unselected row.
-        EXPECT_EQ(category.caution.has_value(),
-                  !category.selectedByDefault && category.id != QLatin1String("installers"));
+        EXPECT_EQ(category.caution.has_value(), !category.selectedByDefault && category.id != u"installers"_s);
         ASSERT_TRUE(category.scan);
-        EXPECT_TRUE(category.scan().isEmpty()); // rows alone find nothing until rules are bound
+        EXPECT_TRUE(category.scan().isEmpty());
     }
+    EXPECT_FALSE(CleanGroups::fromTitle(QString()));
 }
 
-TEST(CleanItem, PathItemMeasuresTheAllocatedSizeOfTheWholeTreeAndShowsTheTildePath)
+// The whole tree under the path is measured (the sizes themselves are Location's), named by its
+// last component even with a trailing slash; a path that has gone measures nothing and keeps its
+// path, and a command has no path that could be removed or revealed.
+TEST(CleanItem, PathItemMeasuresTheWholeTreeAndShowsTheTildePath)
 {
     QTemporaryDir home;
-    const QString folder = home.filePath(QStringLiteral("Library/Caches/com.acme.writer"));
-    const qint64 written = test::writeFile(folder + QStringLiteral("/a"), 5000) +
-                           test::writeFile(folder + QStringLiteral("/inner/b"), 70'000);
-    // A sparse file is long but holds almost no blocks: its length must not count.
-    QFile sparse(folder + QStringLiteral("/sparse"));
-    ASSERT_TRUE(sparse.open(QIODevice::WriteOnly) && sparse.resize(50 * 1024 * 1024));
-    sparse.close();
-
-    const CleanItem item = CleanItem::atPath(folder + QLatin1Char('/'), home.path());
-    EXPECT_EQ(item.name, QStringLiteral("com.acme.writer"));
-    EXPECT_EQ(item.detail, QStringLiteral("~/Library/Caches/com.acme.writer/"));
-    EXPECT_EQ(item.size, written + test::blocksOf(sparse.fileName()));
-    EXPECT_EQ(item.url(), folder + QLatin1Char('/'));
-
-    // A path that has gone measures nothing and keeps its path.
-    const CleanItem gone =
-        CleanItem::atPath(QStringLiteral("/nonexistent/nubo/thing/"), QStringLiteral("/home/x"));
-    EXPECT_EQ(gone.size, 0);
-    EXPECT_EQ(gone.name, QStringLiteral("thing"));
-    EXPECT_EQ(gone.url(), QStringLiteral("/nonexistent/nubo/thing/"));
-    // A command item has no path that could be removed or revealed.
-    EXPECT_FALSE(
-        CleanItem(QStringLiteral("docker"), {}, {}, 1, CleanItem::Command{QStringLiteral("docker"), {}})
-            .url());
+    const QString folder = home.filePath(u"Library/Caches/com.acme.writer"_s);
+    const qint64 written = test::writeFile(folder + u"/a"_s, 5000) + test::writeFile(folder + u"/inner/b"_s, 70'000);
+    const CleanItem item = CleanItem::atPath(folder + u'/', home.path());
+    EXPECT_EQ(std::tuple(item.name, item.detail, item.size, item.url()),
+              std::tuple(u"com.acme.writer"_s, u"~/Library/Caches/com.acme.writer/"_s, written,
+                         std::optional(folder + u'/')));
+    const CleanItem gone = CleanItem::atPath(u"/nonexistent/nubo/thing/"_s, u"/home/x"_s);
+    EXPECT_EQ(std::tuple(gone.name, gone.size, gone.url()),
+              std::tuple(u"thing"_s, qint64(0), std::optional(u"/nonexistent/nubo/thing/"_s)));
+    EXPECT_FALSE(CleanItem(u"docker"_s, {}, {}, 1, CleanItem::Command{u"docker"_s, {}}).url());
 }

@@ -51,26 +51,27 @@ protected:
 
     QString base(const QString& relative) const { return m_base.path() + QLatin1Char('/') + relative; }
     QString home(const QString& relative) const { return base(QStringLiteral("home/") + relative); }
-
     /// Writes `bytes` bytes at `relative` under the base, creating its folders; returns the path.
     QString file(const QString& relative, qint64 bytes = 8192) const
     {
-        test::writeFile(base(relative), bytes);
-        return base(relative);
+        return test::writeFile(base(relative), bytes), base(relative);
     }
-    QString folder(const QString& relative) const
+    QString folder(const QString& relative) const { return test::makeDir(base(relative)), base(relative); }
+    void grantFullDiskAccess(bool granted)
     {
-        test::makeDir(base(relative));
-        return base(relative);
+        m_fullDiskAccess = granted;
+        m_privacy->refresh();
     }
-    /// Sets both the last access and the last change of `path` (not through links) `days` ago.
-    static void age(const QString& path, double days)
+
+    /// Sets the last access and the last change of `path` (not through links) so many days ago.
+    static void age(const QByteArray& path, double accessDays, double changeDays)
     {
-        const qint64 seconds = QDateTime::currentSecsSinceEpoch() - qint64(days * 86400);
-        const timespec stamps[2] = {{time_t(seconds), 0}, {time_t(seconds), 0}};
-        EXPECT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), stamps, AT_SYMLINK_NOFOLLOW), 0)
-            << path.toStdString();
+        const qint64 now = QDateTime::currentSecsSinceEpoch();
+        const timespec stamps[2] = {{time_t(now - qint64(accessDays * 86400)), 0},
+                                    {time_t(now - qint64(changeDays * 86400)), 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, path.constData(), stamps, AT_SYMLINK_NOFOLLOW), 0) << path.constData();
     }
+    static void age(const QString& path, double days) { age(QFile::encodeName(path), days, days); }
     /// Gives `path` to another user; false when this process may not.
     static bool giveAway(const QString& path)
     {
@@ -85,11 +86,12 @@ protected:
             paths << (item.url() ? item.url()->mid(m_base.path().size() + 1) : item.id);
         return paths;
     }
-    static QStringList list(std::initializer_list<const char*> paths)
+    /// Each of `paths` (UTF-8) after `prefix`.
+    static QStringList list(std::initializer_list<const char*> paths, const char* prefix = "")
     {
         QStringList result;
         for (const char* path : paths)
-            result << QString::fromUtf8(path);
+            result << QString::fromUtf8(prefix) + QString::fromUtf8(path);
         return result;
     }
 

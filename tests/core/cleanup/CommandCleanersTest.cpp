@@ -4,24 +4,26 @@
 #include "core/shell/ShellToolRunner.h"
 
 #include <QFile>
+#include <algorithm>
 
 using namespace nubo;
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 using nubo::testing::CleanFixture;
 
 namespace {
 
-const QString kDevices = QStringLiteral("/usr/bin/xcrun simctl list devices unavailable -j");
-const QString kRuntimes = QStringLiteral("/usr/bin/xcrun simctl runtime list -j");
-const QString kDocker = QStringLiteral("/usr/local/bin/docker");
-const QString kDockerDf = kDocker + QStringLiteral(" system df --format {{.Type}}\t{{.Reclaimable}}");
-const QString kUdid1 = QStringLiteral("1C7C9C16-8D4E-4A3B-9F0E-2B5D0C3A4E11");
-const QString kUdid2 = QStringLiteral("AB12CD34-0000-4000-8000-00000000BEEF");
+const QString kDevices = u"/usr/bin/xcrun simctl list devices unavailable -j"_s;
+const QString kRuntimes = u"/usr/bin/xcrun simctl runtime list -j"_s;
+const QString kDocker = u"/usr/local/bin/docker"_s;
+const QString kDockerDf = kDocker + u" system df --format {{.Type}}\t{{.Reclaimable}}"_s;
+const QString kUdid1 = u"1C7C9C16-8D4E-4A3B-9F0E-2B5D0C3A4E11"_s;
+const QString kUdid2 = u"AB12CD34-0000-4000-8000-00000000BEEF"_s;
 
 // Scripts the answer to one command line: the program, then its arguments separated by single spaces.
 void script(ScriptedToolRunner& tools, const QString& commandLine, const ShellResult& result)
 {
-    QStringList words = commandLine.split(QLatin1Char(' '));
+    QStringList words = commandLine.split(u' ');
     const QString program = words.takeFirst();
     tools.answer(program, words, result);
 }
@@ -31,6 +33,17 @@ ShellResult ok(const QString& output)
     return {0, output};
 }
 
+QList<CleanItem> byId(QList<CleanItem> items)
+{
+    std::sort(items.begin(), items.end(), [](const CleanItem& a, const CleanItem& b) { return a.id < b.id; });
+    return items;
+}
+
+CleanItem::Command xcrun(const QStringList& arguments)
+{
+    return {u"/usr/bin/xcrun"_s, QStringList{u"simctl"_s} + arguments};
+}
+
 class CommandCleanersTest : public CleanFixture
 {
 protected:
@@ -38,9 +51,7 @@ protected:
     {
         CleanFixture::SetUp();
         m_context->findTool = [this](const QString& name) -> std::optional<QString> {
-            if (name == QLatin1String("docker") && m_dockerInstalled)
-                return kDocker;
-            return std::nullopt;
+            return name == u"docker"_s && m_dockerInstalled ? std::optional(kDocker) : std::nullopt;
         };
     }
     bool m_dockerInstalled = true;
@@ -48,15 +59,13 @@ protected:
 
 } // namespace
 
-// A udid goes straight into "simctl delete": one that would widen or redirect the command must never come
-// back.
+// A udid goes straight into "simctl delete": one that would widen or redirect the command must
+// never come back, nor a device whose folder is gone.
 TEST_F(CommandCleanersTest, UnavailableDevicesBecomeDeleteCommandsOnlyForPlainUdids)
 {
     for (const QString& udid : {kUdid1, kUdid2})
-        file(QStringLiteral("home/Library/Developer/CoreSimulator/Devices/") + udid + QStringLiteral("/data"),
-             40960);
-    script(m_tools, kDevices,
-           ok(QStringLiteral(R"({"devices": {
+        file(u"home/Library/Developer/CoreSimulator/Devices/"_s + udid + u"/data"_s, 40960);
+    script(m_tools, kDevices, ok(uR"({"devices": {
         "com.apple.CoreSimulator.SimRuntime.iOS-16-0": [
           {"udid": "%1", "name": "iPhone 14", "isAvailable": false, "state": "Shutdown"},
           {"name": "no udid"}, {"udid": "all", "name": "everything"},
@@ -65,28 +74,22 @@ TEST_F(CommandCleanersTest, UnavailableDevicesBecomeDeleteCommandsOnlyForPlainUd
         "com.apple.CoreSimulator.SimRuntime.watchOS-9-0": [ {"udid": "%2", "name": 7},
             {"udid": "00000000-1111-4222-8333-444444444444", "name": "folder gone"} ],
         "broken": "not a list"
-    }})")
-                  .arg(kUdid1, kUdid2)));
+    }})"_s.arg(kUdid1, kUdid2)));
 
-    QList<CleanItem> items = CommandCleaners::unavailableSimulators(*m_context);
-    std::sort(items.begin(), items.end(), [](const CleanItem& a, const CleanItem& b) { return a.id < b.id; });
-
+    const QList<CleanItem> items = byId(CommandCleaners::unavailableSimulators(*m_context));
     ASSERT_EQ(items.size(), 2);
-    EXPECT_EQ(items[0].id, QStringLiteral("sim-") + kUdid1);
-    EXPECT_EQ(items[0].name, QStringLiteral("iPhone 14 (no disponible)"));
-    EXPECT_EQ(items[0].detail, QStringLiteral("~/Library/Developer/CoreSimulator/Devices/") + kUdid1);
     EXPECT_GE(items[0].size, 40960);
-    EXPECT_EQ(items[0].action, CleanItem::Action(CleanItem::Command{
-                                   QStringLiteral("/usr/bin/xcrun"),
-                                   {QStringLiteral("simctl"), QStringLiteral("delete"), kUdid1}}));
-    EXPECT_EQ(items[1].name, QStringLiteral("Simulador (no disponible)")); // a name that is not text
+    EXPECT_EQ(items[0], CleanItem(u"sim-"_s + kUdid1, u"iPhone 14 (no disponible)"_s,
+                                  u"~/Library/Developer/CoreSimulator/Devices/"_s + kUdid1, items[0].size,
+                                  xcrun({u"delete"_s, kUdid1})));
+    EXPECT_EQ(items[1].name, u"Simulador (no disponible)"_s); // a name that is not text
     ASSERT_EQ(m_tools.calls().size(), 1);
     EXPECT_EQ(m_tools.calls().first().timeout, 20s);
 }
 
 TEST_F(CommandCleanersTest, OnlyDeletableRuntimesWithAPlainIdentifierAndASizeAreOffered)
 {
-    script(m_tools, kRuntimes, ok(QStringLiteral(R"({
+    script(m_tools, kRuntimes, ok(uR"({
       "0A1B2C3D-0000-4000-8000-000000000001": {"build": "20E247", "deletable": true, "version": "16.4",
           "platformIdentifier": "com.apple.platform.iphonesimulator", "sizeBytes": 7035043850, "state": "Ready"},
       "0A1B2C3D-0000-4000-8000-000000000003": {"build": "x", "deletable": false, "version": "9.0",
@@ -95,34 +98,29 @@ TEST_F(CommandCleanersTest, OnlyDeletableRuntimesWithAPlainIdentifierAndASizeAre
       "0A1B2C3D-0000-4000-8000-000000000005": {"version": "17.1", "sizeBytes": "lots",
           "platformIdentifier": "com.apple.platform.appletvsimulator"},
       "all": {"version": "1", "sizeBytes": 9, "platformIdentifier": "com.apple.platform.iphonesimulator"}
-    })")));
+    })"_s));
 
-    QList<CleanItem> items = CommandCleaners::simulatorRuntimes(*m_context);
-    std::sort(items.begin(), items.end(), [](const CleanItem& a, const CleanItem& b) { return a.id < b.id; });
-
+    const QList<CleanItem> items = byId(CommandCleaners::simulatorRuntimes(*m_context));
+    const QString first = u"0A1B2C3D-0000-4000-8000-000000000001"_s;
     ASSERT_EQ(items.size(), 2);
-    const QString first = QStringLiteral("0A1B2C3D-0000-4000-8000-000000000001");
-    EXPECT_EQ(items[0], CleanItem(QStringLiteral("rt-") + first, QStringLiteral("iOS 16.4 (simulador)"),
-                                  QStringLiteral("20E247"), 7035043850,
-                                  CleanItem::Command{QStringLiteral("/usr/bin/xcrun"),
-                                                     {QStringLiteral("simctl"), QStringLiteral("runtime"),
-                                                      QStringLiteral("delete"), first}}));
-    EXPECT_EQ(items[1].name, QStringLiteral("Runtime 17.0 (simulador)")); // no platform named
+    EXPECT_EQ(items[0], CleanItem(u"rt-"_s + first, u"iOS 16.4 (simulador)"_s, u"20E247"_s, 7035043850,
+                                  xcrun({u"runtime"_s, u"delete"_s, first})));
+    EXPECT_EQ(items[1].name, u"Runtime 17.0 (simulador)"_s); // no platform named
 }
 
 TEST_F(CommandCleanersTest, OutputOfAnyOtherShapeGivesNoItems)
 {
-    const QString device = QStringLiteral(R"({"udid": "%1", "name": "x"})").arg(kUdid1);
+    const QString device = uR"({"udid": "%1", "name": "x"})"_s.arg(kUdid1);
     const QList<ShellResult> listings = {
-        {},                                                             // the tool did not run, or timed out
-        {1, QStringLiteral(R"({"devices": {"r": [%1]}})").arg(device)}, // it failed
+        {}, // the tool did not run, or timed out
+        {1, uR"({"devices": {"r": [%1]}})"_s.arg(device)}, // it failed
         ok(QString()),
-        ok(QStringLiteral("xcrun: error: unable to find utility \"simctl\"")),
-        ok(QStringLiteral(R"({"devices": {"r": [%1)").arg(device)), // cut short
-        ok(QStringLiteral("[1, 2]")),
-        ok(QStringLiteral(R"({"devices": [%1]})").arg(device)),
-        ok(QStringLiteral(R"({"devices": null})")),
-        ok(QStringLiteral(R"({"0A1B2C3D-0000-4000-8000-000000000001": {"sizeBytes": 5}, "other": 3})")),
+        ok(u"xcrun: error: unable to find utility \"simctl\""_s),
+        ok(uR"({"devices": {"r": [%1)"_s.arg(device)), // cut short
+        ok(u"[1, 2]"_s),
+        ok(uR"({"devices": [%1]})"_s.arg(device)),
+        ok(uR"({"devices": null})"_s),
+        ok(uR"({"0A1B2C3D-0000-4000-8000-000000000001": {"sizeBytes": 5}, "other": 3})"_s),
         ok(QStringLiteral("\xff\xfe not text")),
     };
     for (const ShellResult& listing : listings) {
@@ -130,12 +128,14 @@ TEST_F(CommandCleanersTest, OutputOfAnyOtherShapeGivesNoItems)
         script(tools, kDevices, listing);
         script(tools, kRuntimes, listing);
         const CleanContext scripted(*m_safety, *m_privacy, *m_naming, tools, m_roots);
-        EXPECT_TRUE(CommandCleaners::unavailableSimulators(scripted).isEmpty())
+        EXPECT_TRUE(CommandCleaners::unavailableSimulators(scripted).isEmpty() &&
+                    CommandCleaners::simulatorRuntimes(scripted).isEmpty())
             << listing.output.toStdString();
-        EXPECT_TRUE(CommandCleaners::simulatorRuntimes(scripted).isEmpty()) << listing.output.toStdString();
     }
 }
 
+// Nothing to reclaim, a failed report, one no disk could hold (no overflow) or no docker at all
+// (not even asked): no item.
 TEST_F(CommandCleanersTest, DockerSizesAreDecimalAndAddedUpAndNothingToReclaimOrNoDockerGivesNoItem)
 {
     const std::pair<const char*, qint64> sizes[] = {
@@ -146,65 +146,52 @@ TEST_F(CommandCleanersTest, DockerSizesAreDecimalAndAddedUpAndNothingToReclaimOr
     for (const auto& [text, bytes] : sizes)
         EXPECT_EQ(CommandCleaners::parseDockerSize(QString::fromUtf8(text)), bytes) << text;
 
-    script(m_tools, kDockerDf,
-           ok(QStringLiteral("Images\t2.5GB (80%)\nContainers\t0B (0%)\r\n"
-                             "Local Volumes\t512kB\nBuild Cache\t0B\n"
-                             "no tab here\nthree\tfields\there\n\n")));
+    script(m_tools, kDockerDf, ok(u"Images\t2.5GB (80%)\nContainers\t0B (0%)\r\nLocal Volumes\t512kB\n"
+                                  u"Build Cache\t0B\nno tab here\nthree\tfields\there\n\n"_s));
     const QList<CleanItem> items = CommandCleaners::dockerItems(*m_context);
     ASSERT_EQ(items.size(), 1);
-    EXPECT_EQ(items[0].size, 2'500'512'000);
-    EXPECT_EQ(items[0].action,
-              CleanItem::Action(CleanItem::Command{kDocker,
-                                                   {QStringLiteral("system"), QStringLiteral("prune"),
-                                                    QStringLiteral("-a"), QStringLiteral("-f")}}));
+    EXPECT_EQ(std::pair(items[0].size, items[0].action),
+              std::pair(qint64(2'500'512'000), CleanItem::Action(CleanItem::Command{
+                                                   kDocker, {u"system"_s, u"prune"_s, u"-a"_s, u"-f"_s}})));
     EXPECT_EQ(m_tools.calls().first().timeout, 8s);
 
-    // Nothing to reclaim, a failed report, or one no disk could hold: no item, and no overflow.
     QString flood;
     for (int line = 0; line < 20; ++line)
-        flood += QStringLiteral("Images\t999999TB (100%)\n");
-    for (const ShellResult& report : {ok(QStringLiteral("Images\t0B (0%)\nBuild Cache\t0B\n")), ok(flood),
-                                      ShellResult{1, QStringLiteral("Images\t2GB\n")}}) {
+        flood += u"Images\t999999TB (100%)\n"_s;
+    for (const ShellResult& report : {ok(u"Images\t0B (0%)\nBuild Cache\t0B\n"_s), ok(flood),
+                                      ShellResult{1, u"Images\t2GB\n"_s}}) {
         script(m_tools, kDockerDf, report);
-        EXPECT_TRUE(CommandCleaners::dockerItems(*m_context).isEmpty())
-            << report.output.left(40).toStdString();
+        EXPECT_TRUE(CommandCleaners::dockerItems(*m_context).isEmpty()) << report.output.left(40).toStdString();
     }
-
     m_dockerInstalled = false;
     const qsizetype callsBefore = m_tools.calls().size();
     EXPECT_TRUE(CommandCleaners::dockerItems(*m_context).isEmpty());
     EXPECT_EQ(m_tools.calls().size(), callsBefore);
 }
 
+// Real tools: two that succeed, one that fails, one that is missing, and a path item. Each runs
+// after the previous one ended, the path item is left to the deleter, and a bad size frees nothing.
 TEST_F(CommandCleanersTest, CommandsRunOneAfterAnotherAndOnlySuccessesCountAsFreed)
 {
-    // Real tools: two that succeed, one that fails, one that is missing, and a path item.
-    const QString log = base(QStringLiteral("order.log"));
+    const QString log = base(u"order.log"_s);
     const auto shell = [&log](const QString& name, const QString& script, qint64 size) {
-        return CleanItem(name, name, QString(), size,
-                         CleanItem::Command{QStringLiteral("/bin/sh"),
-                                            {QStringLiteral("-c"), script, QStringLiteral("sh"), log}});
+        const CleanItem::Command command{u"/bin/sh"_s, {u"-c"_s, script, u"sh"_s, log}};
+        return CleanItem(name, name, QString(), size, command);
     };
     const QList<CleanItem> items = {
-        shell(QStringLiteral("first"),
-              QStringLiteral("echo start1 >> \"$1\"; sleep 0.3; echo end1 >> \"$1\""), 100),
-        CleanItem::atPath(file(QStringLiteral("keep/me")), m_roots.home),
-        shell(QStringLiteral("fails"), QStringLiteral("echo fail >> \"$1\"; exit 1"), 1000),
-        CleanItem(QStringLiteral("missing"), QStringLiteral("missing"), QString(), 10000,
-                  CleanItem::Command{base(QStringLiteral("no-such-tool")), {}}),
-        shell(QStringLiteral("second"), QStringLiteral("echo start2 >> \"$1\"; exit 0"), 5),
-        shell(QStringLiteral("negative"), QStringLiteral("exit 0"), -7), // a bad size frees nothing
+        shell(u"first"_s, u"echo start1 >> \"$1\"; sleep 0.3; echo end1 >> \"$1\""_s, 100),
+        CleanItem::atPath(file(u"keep/me"_s), m_roots.home),
+        shell(u"fails"_s, u"echo fail >> \"$1\"; exit 1"_s, 1000),
+        CleanItem(u"missing"_s, u"missing"_s, QString(), 10000, CleanItem::Command{base(u"no-such-tool"_s), {}}),
+        shell(u"second"_s, u"echo start2 >> \"$1\"; exit 0"_s, 5),
+        shell(u"negative"_s, u"exit 0"_s, -7),
     };
 
-    const CommandCleaners::CommandOutcome outcome = CommandCleaners::runCommands(ShellToolRunner(), items);
-
-    // Each ran after the previous one ended, and the path item was left to the deleter.
-    EXPECT_EQ(outcome, (CommandCleaners::CommandOutcome{
-                           105,
-                           {QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("negative")},
-                           {QStringLiteral("fails"), QStringLiteral("missing")}}));
+    EXPECT_EQ(CommandCleaners::runCommands(ShellToolRunner(), items),
+              (CommandCleaners::CommandOutcome{105, {u"first"_s, u"second"_s, u"negative"_s},
+                                               {u"fails"_s, u"missing"_s}}));
     QFile written(log);
     ASSERT_TRUE(written.open(QIODevice::ReadOnly));
     EXPECT_EQ(written.readAll(), QByteArray("start1\nend1\nfail\nstart2\n"));
-    EXPECT_TRUE(QFile::exists(base(QStringLiteral("keep/me"))));
+    EXPECT_TRUE(QFile::exists(base(u"keep/me"_s)));
 }

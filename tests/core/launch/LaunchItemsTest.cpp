@@ -17,7 +17,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <gtest/gtest.h>
-#include <memory>
+#include <tuple>
 #include <unistd.h>
 
 using namespace nubo;
@@ -25,11 +25,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-using test::plistDict;
 using test::PlistFormat;
+using Scope = LaunchItem::Scope;
 
-// A temporary Mac: a home with its agents, the system-wide agents and daemons, and a stand-in
-// launchctl that logs every call (arguments joined by "|") and prints the listings a test wrote.
+// A temporary Mac whose stand-in launchctl logs every call (arguments joined by "|") and answers
+// what `script` wrote for it.
 class LaunchItemsTest : public ::testing::Test
 {
 protected:
@@ -43,41 +43,41 @@ protected:
                                "[ -f \"$f.status\" ] && exit \"$(cat \"$f.status\")\"\n"
                                "exit 0\n";
         m_mac.tool("launchctl", launchctl.replace("DIR", shellQuote(m_mac.root()).toUtf8()));
-        m_safety = std::make_unique<Safety>(m_mac.roots(), SafetyRules::forMac());
-        m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
-        m_naming = std::make_unique<Naming>(Naming::lookupIn(m_workspace));
     }
 
     [[nodiscard]] QString path(const char* relative) const { return m_mac.path(relative); }
-    void write(const char* relative, const QByteArray& bytes) const
+
+    // Writes a job's property list (labelled unless `label` is empty) and gives the item it is.
+    LaunchItem job(const char* relative, Scope scope, const QByteArray& label, const QByteArray& more = {},
+                   PlistFormat format = PlistFormat::xml) const
     {
-        test::writeBytes(path(relative), bytes);
+        const QByteArray key = label.isEmpty() ? QByteArray() : "<key>Label</key><string>" + label + "</string>";
+        test::writeBytes(path(relative), test::plistDict(key + more, format));
+        return {.url = path(relative), .label = QString::fromUtf8(label), .program = {}, .scope = scope,
+                .name = {}, .appURL = {}};
     }
 
-    // What the stand-in prints (and how it exits) when called with these arguments.
     void script(const QByteArray& call, const QByteArray& output, int status = 0) const
     {
         const QByteArray name = QByteArray(call).replace('/', '_').replace('|', '_');
-        write((name + ".out").constData(), output);
-        write((name + ".status").constData(), QByteArray::number(status));
+        test::writeBytes(path((name + ".out").constData()), output);
+        test::writeBytes(path((name + ".status").constData()), QByteArray::number(status));
     }
 
     [[nodiscard]] QStringList calls() const
     {
         QFile log(path("log"));
-        if (!log.open(QIODevice::ReadOnly))
-            return {};
-        return QString::fromUtf8(log.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        return log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll()).split(u'\n', Qt::SkipEmptyParts)
+                                             : QStringList();
     }
 
     [[nodiscard]] LaunchItems items(const ToolRunner& runner) const
     {
-        return LaunchItems(m_tools, runner, m_admin, *m_deleter, *m_naming, m_workspace);
+        return LaunchItems(m_tools, runner, m_admin, m_deleter, m_naming, m_workspace);
     }
     [[nodiscard]] LaunchItems items() const { return items(m_shell); }
 
-    // The privileged shell, played by the real /bin/sh with the system's launchctl swapped for
-    // the stand-in (its path has no characters the shell would read).
+    // The privileged shell: the real /bin/sh, with the stand-in in the system launchctl's place.
     void adminRunsCommandLines()
     {
         m_admin.handler = [this](const AdminRequest& request) {
@@ -90,23 +90,14 @@ protected:
         };
     }
 
-    [[nodiscard]] LaunchItem job(const char* relative, const QString& label, LaunchItem::Scope scope) const
-    {
-        LaunchItem item;
-        item.url = path(relative);
-        item.label = label;
-        item.scope = scope;
-        return item;
-    }
-
     test::TemporaryMac m_mac;
     SystemTools& m_tools = m_mac.tools;
     ShellToolRunner m_shell;
     mutable FakeAdminRunner m_admin;
     mutable FakeWorkspace m_workspace;
-    std::unique_ptr<Safety> m_safety;
-    std::unique_ptr<Deleter> m_deleter;
-    std::unique_ptr<Naming> m_naming;
+    Safety m_safety{m_mac.roots(), SafetyRules::forMac()};
+    Deleter m_deleter{m_safety, m_admin};
+    Naming m_naming{Naming::lookupIn(m_workspace)};
 };
 
 TEST(LaunchListings, LabelsAreReadInEveryStyleAmongJunk)
@@ -128,55 +119,42 @@ TEST(LaunchListings, LabelsAreReadInEveryStyleAmongJunk)
                              QStringLiteral("application.com.x.y.1234.5678")}));
 }
 
+// Agents answer to the gui domain, daemons to the system's; an unlabelled file goes by its name, a
+// damaged one or a non-list is skipped; equal names keep the folder order.
 TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
 {
-    write("home/Library/LaunchAgents/com.example.sync.plist",
-          plistDict("<key>Label</key><string>com.example.sync</string><key>ProgramArguments</key>"
-                    "<array><string>/Applications/Sync "
-                    "Tool.app/Contents/MacOS/sync</string><string>-bg</string></array>"));
-    write("home/Library/LaunchAgents/nolabel.plist",
-          plistDict("<key>Program</key><string>/usr/local/bin/thing</string>", PlistFormat::binary));
-    write("home/Library/LaunchAgents/broken.plist", "<?xml version=\"1.0\"?><plist><dict><key>Label");
-    write("home/Library/LaunchAgents/notes.txt", plistDict("<key>Label</key><string>not.a.job</string>"));
-    write("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist",
-          plistDict("<key>Label</key><string>homebrew.mxcl.postgresql@15</string><key>Disabled</key><true/>",
-                    PlistFormat::binary));
-    write("Library/LaunchAgents/com.acme.helper.plist",
-          plistDict("<key>Label</key><string>com.acme.helper</string>"));
-    write("Library/LaunchDaemons/com.spotify.client.plist",
-          plistDict("<key>Label</key><string>com.spotify.client</string><key>Disabled</key><false/>",
-                    PlistFormat::binary));
-    write("Library/LaunchDaemons/com.acme.helper.plist",
-          plistDict("<key>Label</key><string>com.acme.helper</string>"));
-    m_workspace.applications.insert(QStringLiteral("com.spotify.client"),
-                                    QStringLiteral("/Applications/Spotify.app"));
-
-    // Agents answer to the user's gui domain, daemons to the system's.
+    job("home/Library/LaunchAgents/com.example.sync.plist", Scope::user, "com.example.sync",
+        "<key>ProgramArguments</key><array><string>/Applications/Sync Tool.app/Contents/MacOS/sync</string>"
+        "<string>-bg</string></array>");
+    job("home/Library/LaunchAgents/nolabel.plist", Scope::user, {}, "<key>Program</key><string>/usr/bin/x</string>",
+        PlistFormat::binary);
+    test::writeBytes(path("home/Library/LaunchAgents/broken.plist"), "<?xml version=\"1.0\"?><plist><dict><key>");
+    job("home/Library/LaunchAgents/notes.txt", Scope::user, "not.a.job");
+    job("Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist", Scope::agent, "homebrew.mxcl.postgresql@15",
+        "<key>Disabled</key><true/>", PlistFormat::binary);
+    job("Library/LaunchAgents/com.acme.helper.plist", Scope::agent, "com.acme.helper");
+    job("Library/LaunchDaemons/com.spotify.client.plist", Scope::daemon, "com.spotify.client",
+        "<key>Disabled</key><false/>", PlistFormat::binary);
+    job("Library/LaunchDaemons/com.acme.helper.plist", Scope::daemon, "com.acme.helper");
+    m_workspace.applications.insert(QStringLiteral("com.spotify.client"), QStringLiteral("/Applications/Spotify.app"));
     script("print-disabled|gui/501", "disabled services = {\n\t\"com.acme.helper\" => disabled\n}\n");
     script("print-disabled|system", "disabled services = {\n\t\"com.spotify.client\" => true\n}\n");
     script("list", "PID\tStatus\tLabel\n-\t0\tcom.acme.helper\n77\t0\tcom.example.sync\n");
 
-    const QList<LaunchItem> loaded = items().load();
-    EXPECT_EQ(calls(), (QStringList{QStringLiteral("print-disabled|gui/501"),
-                                    QStringLiteral("print-disabled|system"), QStringLiteral("list")}));
-
-    // Path below the fixture, label, program, scope, enabled, loaded, name and application, one
-    // line per item. Equal names keep the folder order: the agent before the daemon.
-    QStringList described;
-    for (const LaunchItem& item : loaded) {
+    QStringList described; // path, label, program, scope, enabled, loaded, name, application
+    for (const LaunchItem& item : items().load())
         described << QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8")
                          .arg(item.url.mid(m_mac.root().size() + 1), item.label, item.program)
-                         .arg(int(item.scope))
-                         .arg(int(item.isEnabled))
-                         .arg(int(item.isLoaded))
+                         .arg(int(item.scope)).arg(int(item.isEnabled)).arg(int(item.isLoaded))
                          .arg(item.name, item.appURL.value_or(QStringLiteral("-")));
-    }
+    EXPECT_EQ(calls(), (QStringList{QStringLiteral("print-disabled|gui/501"),
+                                    QStringLiteral("print-disabled|system"), QStringLiteral("list")}));
     EXPECT_EQ(
         described.join(QLatin1Char('\n')),
         QStringLiteral(
             "Library/LaunchAgents/com.acme.helper.plist|com.acme.helper||1|0|1|Acme|-\n"
             "Library/LaunchDaemons/com.acme.helper.plist|com.acme.helper||2|1|1|Acme|-\n"
-            "home/Library/LaunchAgents/nolabel.plist|nolabel|/usr/local/bin/thing|0|1|0|nolabel|-\n"
+            "home/Library/LaunchAgents/nolabel.plist|nolabel|/usr/bin/x|0|1|0|nolabel|-\n"
             "Library/LaunchAgents/homebrew.mxcl.postgresql@15.plist|homebrew.mxcl.postgresql@15|"
             "|1|0|0|postgresql@15|-\n"
             "Library/LaunchDaemons/com.spotify.client.plist|com.spotify.client||2|0|0|Spotify|"
@@ -185,69 +163,60 @@ TEST_F(LaunchItemsTest, LoadReadsTheThreeFoldersInBothFormats)
             "/Applications/Sync Tool.app/Contents/MacOS/sync|0|1|1|Sync Tool|/Applications/Sync Tool.app"));
 }
 
-TEST_F(LaunchItemsTest, FailingLaunchctlOnlyLeavesLabelsOut)
-{
-    write("Library/LaunchDaemons/com.acme.d.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
-    ScriptedToolRunner scripted; // every call fails, as when launchctl is missing or hangs
-    const QList<LaunchItem> loaded = items(scripted).load();
-    ASSERT_EQ(loaded.size(), 1);
-    EXPECT_TRUE(loaded[0].isEnabled);
-    EXPECT_FALSE(loaded[0].isLoaded);
-    EXPECT_EQ(scripted.calls().size(), 3);
-    for (const ToolCall& call : scripted.calls())
-        EXPECT_EQ(call.timeout, 5s);
-
-    // A folder that cannot be listed, and no folders at all, give nothing rather than an error.
-    m_tools.daemons = path("missing");
-    m_tools.userAgents.clear();
-    EXPECT_TRUE(items(scripted).load().isEmpty());
-}
-
-TEST_F(LaunchItemsTest, NameThatIsNotUtf8IsNeverOfferedAndOddLabelsStayOneArgument)
+// A launchctl that fails every call (missing, or hanging past 5 s) only leaves labels out; a missing
+// folder or none at all gives nothing rather than an error.
+TEST_F(LaunchItemsTest, OddNamesAndAFailingLaunchctlNeitherBreakTheListNorLeakIntoCommands)
 {
     const QByteArray odd = QFile::encodeName(path("Library/LaunchAgents")) + "/bad\xff\xfe.plist";
-    test::writeBytes(odd, plistDict("<key>Label</key><string>com.odd</string>"));
-    write("Library/LaunchAgents/a'b\n-c.plist", plistDict("<key>Label</key><string>-a'b\"c\\d</string>"));
-
+    test::writeBytes(odd, test::plistDict("<key>Label</key><string>com.odd</string>"));
+    job("Library/LaunchAgents/a'b\n-c.plist", Scope::agent, "-a'b\"c\\d");
     const QList<LaunchItem> loaded = items().load();
     ASSERT_EQ(loaded.size(), 1);
-    EXPECT_EQ(loaded[0].label, QStringLiteral("-a'b\"c\\d"));
+    EXPECT_EQ(std::tuple(loaded[0].label, loaded[0].isEnabled, loaded[0].isLoaded),
+              std::tuple(QStringLiteral("-a'b\"c\\d"), true, false));
+    ScriptedToolRunner failing;
+    EXPECT_TRUE(items(failing).load() == loaded);
+    EXPECT_EQ(failing.calls().size(), 3);
+    for (const ToolCall& call : failing.calls())
+        EXPECT_EQ(call.timeout, 5s);
 
     QFile::remove(path("log"));
     EXPECT_TRUE(items().setEnabled(loaded[0], true));
     EXPECT_EQ(calls().value(0), QStringLiteral("enable|gui/501/-a'b\"c\\d"));
     EXPECT_EQ(::access(odd.constData(), F_OK), 0);
     ::unlink(odd.constData()); // the temporary folder cannot name this file to remove it
+
+    m_tools.agents = path("missing");
+    m_tools.userAgents.clear();
+    EXPECT_TRUE(items(failing).load().isEmpty());
 }
 
-TEST_F(LaunchItemsTest, AgentsAreSwitchedInTheUsersGuiDomainWithoutAPrompt)
+// Stopping a job that is not running fails, yet the switch and the removal stand, with no prompt; a
+// file the gate refuses stays and is reported as failed.
+TEST_F(LaunchItemsTest, AgentsAreSwitchedAndRemovedInTheUsersGuiDomainWithoutAPrompt)
 {
-    const LaunchItem agent = job("Library/LaunchAgents/com.acme.helper.plist",
-                                 QStringLiteral("com.acme.helper"), LaunchItem::Scope::agent);
-    // Stopping a job that is not running fails; the choice was still recorded.
-    script("bootout|gui/501/com.acme.helper", "", 3);
+    LaunchItem agent = job("home/Library/LaunchAgents/com.me.plist", Scope::user, "com.me");
+    script("bootout|gui/501/com.me", "", 3);
     EXPECT_TRUE(items().setEnabled(agent, false));
     EXPECT_TRUE(items().setEnabled(agent, true));
-    EXPECT_EQ(calls(), (QStringList{QStringLiteral("disable|gui/501/com.acme.helper"),
-                                    QStringLiteral("bootout|gui/501/com.acme.helper"),
-                                    QStringLiteral("enable|gui/501/com.acme.helper"),
-                                    QStringLiteral("bootstrap|gui/501|") + agent.url}));
-    EXPECT_TRUE(m_admin.requests().isEmpty());
+    EXPECT_TRUE(items().remove(agent));
+    EXPECT_FALSE(QFile::exists(agent.url));
+    const QString stop = QStringLiteral("bootout|gui/501/com.me");
+    const QString start = QStringLiteral("bootstrap|gui/501|") + agent.url;
+    EXPECT_EQ(calls(), (QStringList{QStringLiteral("disable|gui/501/com.me"), stop,
+                                    QStringLiteral("enable|gui/501/com.me"), start, stop}));
 
-    // When launchd does not take the choice, the switch must not claim it did.
-    script("disable|gui/501/com.acme.helper", "", 1);
-    EXPECT_FALSE(items().setEnabled(agent, false));
-    m_tools.launchctl = path("missing");
-    EXPECT_FALSE(items().setEnabled(agent, true));
+    agent.url = path("home/Library/LaunchAgents");
+    EXPECT_FALSE(items().remove(agent));
+    EXPECT_TRUE(QFileInfo(agent.url).isDir());
+    EXPECT_TRUE(m_admin.requests().isEmpty());
 }
 
-// A refused prompt changes nothing. Once accepted, the daemon's command line runs through a real
-// shell: a quote in the label must stay inside one argument.
+// A refused prompt changes nothing; accepted, the command lines keep a quoted label one argument
+// and enabling a running daemon succeeds although its bootstrap fails.
 TEST_F(LaunchItemsTest, DaemonsChangeOnlyThroughThePromptAndKeepAQuotedLabelOneArgument)
 {
-    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.x'y</string>"));
-    const LaunchItem item =
-        job("Library/LaunchDaemons/daemon.plist", QStringLiteral("com.x'y"), LaunchItem::Scope::daemon);
+    const LaunchItem item = job("Library/LaunchDaemons/daemon.plist", Scope::daemon, "com.x'y");
     m_admin.outcome = AdminOutcome::Failed;
     EXPECT_FALSE(items().setEnabled(item, false));
     EXPECT_FALSE(items().remove(item));
@@ -256,40 +225,15 @@ TEST_F(LaunchItemsTest, DaemonsChangeOnlyThroughThePromptAndKeepAQuotedLabelOneA
 
     adminRunsCommandLines();
     EXPECT_TRUE(items().setEnabled(item, false));
-    // Enabling a daemon that is already running still succeeds: bootstrap fails, the line does not.
     script("bootstrap|system|" + QFile::encodeName(item.url), "", 37);
     EXPECT_TRUE(items().setEnabled(item, true));
-    EXPECT_EQ(calls(),
-              (QStringList{QStringLiteral("disable|system/com.x'y"), QStringLiteral("bootout|system/com.x'y"),
-                           QStringLiteral("enable|system/com.x'y"),
-                           QStringLiteral("bootstrap|system|") + item.url}));
     EXPECT_EQ(m_admin.requests().size(), 4);
-}
-
-TEST_F(LaunchItemsTest, RemoveStopsTheJobThenDeletesItsFile)
-{
-    write("home/Library/LaunchAgents/com.me.plist", plistDict("<key>Label</key><string>com.me</string>"));
-    write("Library/LaunchDaemons/daemon.plist", plistDict("<key>Label</key><string>com.acme.d</string>"));
-    const LaunchItem mine =
-        job("home/Library/LaunchAgents/com.me.plist", QStringLiteral("com.me"), LaunchItem::Scope::user);
-    script("bootout|gui/501/com.me", "", 3); // not running: removal goes on
-
-    EXPECT_TRUE(items().remove(mine));
-    EXPECT_FALSE(QFile::exists(mine.url));
-    EXPECT_EQ(calls(), QStringList{QStringLiteral("bootout|gui/501/com.me")});
-
-    adminRunsCommandLines();
-    const LaunchItem system =
-        job("Library/LaunchDaemons/daemon.plist", QStringLiteral("com.acme.d"), LaunchItem::Scope::daemon);
-    EXPECT_TRUE(items().remove(system));
-    EXPECT_FALSE(QFile::exists(system.url));
-    EXPECT_EQ(calls().value(1), QStringLiteral("bootout|system/com.acme.d"));
-
-    // A file the deletion service refuses (the gate's protected folder itself) stays, and says so.
-    LaunchItem guarded = mine;
-    guarded.url = path("home/Library/LaunchAgents");
-    EXPECT_FALSE(items().remove(guarded));
-    EXPECT_TRUE(QFileInfo(guarded.url).isDir());
+    EXPECT_TRUE(items().remove(item));
+    EXPECT_FALSE(QFile::exists(item.url));
+    const QString stop = QStringLiteral("bootout|system/com.x'y");
+    const QString start = QStringLiteral("bootstrap|system|") + item.url;
+    EXPECT_EQ(calls(), (QStringList{QStringLiteral("disable|system/com.x'y"), stop,
+                                    QStringLiteral("enable|system/com.x'y"), start, stop}));
 }
 
 } // namespace

@@ -15,7 +15,7 @@ FileNode* addNode(FileNode& parent, const char* name, FileNode::Type type, qint6
     auto node = std::make_unique<FileNode>(
         QString::fromUtf8(name), parent.path() + QLatin1Char('/') + QString::fromUtf8(name), type, package);
     node->setSize(size);
-    node->setFileCount(files);
+    node->setItemCount(files);
     return parent.addChild(std::move(node));
 }
 
@@ -27,7 +27,7 @@ TEST(FileNode, RemoveLowersEveryAncestorAndHandsTheChildBack)
 {
     FileNode root(QStringLiteral("ana"), QStringLiteral("/Users/ana"), FileNode::Type::Directory);
     root.setSize(1000);
-    root.setFileCount(10);
+    root.setItemCount(10);
     FileNode* library = addNode(root, "Library", FileNode::Type::Directory, 700, 8);
     FileNode* caches = addNode(*library, "Caches", FileNode::Type::Directory, 500, 6);
     FileNode* blob = addNode(*caches, "blob", FileNode::Type::File, 300, 1);
@@ -38,14 +38,18 @@ TEST(FileNode, RemoveLowersEveryAncestorAndHandsTheChildBack)
     ASSERT_EQ(removed.get(), blob);
     EXPECT_EQ(removed->parent(), nullptr);
     EXPECT_EQ(std::tuple(caches->children().size(), caches->size(), library->size(), root.size(),
-                         caches->fileCount(), root.fileCount()),
+                         caches->itemCount(), root.itemCount()),
               std::tuple(1u, 200, 400, 700, 5, 9));
     EXPECT_EQ(caches->remove(blob), nullptr);
     EXPECT_EQ(root.remove(caches), nullptr);
     EXPECT_EQ(root.size(), 700);
 
     ASSERT_TRUE(library->remove(caches));
-    EXPECT_EQ(std::tuple(root.size(), root.fileCount(), library->canDrill()), std::tuple(500, 4, false));
+    EXPECT_EQ(std::tuple(root.size(), root.itemCount(), library->canDrill()), std::tuple(500, 4, false));
+    // An empty folder counts one item wherever it is summed, so its removal takes one off.
+    const FileNode* empty = addNode(*library, "Empty", FileNode::Type::Directory, 0, 0);
+    ASSERT_TRUE(library->remove(empty));
+    EXPECT_EQ(root.itemCount(), 3);
 }
 
 // Only folders that are not bundles, with something inside, can be opened; an empty folder still

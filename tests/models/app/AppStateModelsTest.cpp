@@ -34,9 +34,8 @@ protected:
 TEST_F(AppStateModelsTest, AnalysingEmptiesAndReloadsTheAppsUnlessTheyAreLoading)
 {
     state().analyze();
-    EXPECT_TRUE(state().isAnalyzing());
-    EXPECT_TRUE(state().clean()->hasScanned());
-    EXPECT_FALSE(state().map()->isScanning());
+    EXPECT_EQ(std::tuple(state().isAnalyzing(), state().clean()->hasScanned(), state().map()->isScanning()),
+              std::tuple(true, true, false));
     waitForAnalysis();
     ASSERT_EQ(state().apps()->count(), 1);
 
@@ -61,13 +60,12 @@ TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const QStringList safe = categoriesSelectedByDefault(true);
-    const auto huge = [](const char* id) {
-        return CleanItem(QString::fromUtf8(id), QString::fromUtf8(id), QString(),
-                         std::numeric_limits<qint64>::max(),
-                         CleanItem::Remove{QStringLiteral("/nowhere/") + QString::fromUtf8(id)});
-    };
-    rule(safe.at(0), [=] { return QList<CleanItem>{huge("a")}; });
-    rule(safe.at(1), [=] { return QList<CleanItem>{huge("b")}; });
+    for (const QString& id : {safe.at(0), safe.at(1)}) {
+        rule(id, [id] {
+            return QList<CleanItem>{
+                CleanItem(id, id, QString(), std::numeric_limits<qint64>::max(), CleanItem::Remove{u"/nowhere/"_s + id})};
+        });
+    }
     EXPECT_DEATH(
         {
             state().clean()->scan();

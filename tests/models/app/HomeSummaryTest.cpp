@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <algorithm>
+#include <array>
 #include <tuple>
 
 using namespace nubo;
@@ -76,15 +77,15 @@ TEST_F(HomeSummaryTest, AnAnalysisFillsTheSafeRowAndTheRecommendationsAndTheSafe
     EXPECT_EQ(std::tuple(m_summary.canAnalyzeAgain(), m_summary.safeCount()), std::tuple(true, 2));
     // The category to review is listed, with the size claimed at discovery; the safe one is left
     // to the safe row.
-    EXPECT_EQ(recommendationIds(), (QStringList{QStringLiteral("category:") + m_review, QStringLiteral("map")}));
+    EXPECT_EQ(recommendationIds(), (QStringList{u"category:"_s + m_review, u"map"_s}));
     EXPECT_EQ(m_summary.recommendations().first().size, 52'428'800);
 
     // The safe clean takes the safe selection, odd names included, and nothing to review.
     m_summary.cleanSafe();
     ASSERT_TRUE(QTest::qWaitFor([this] { return state().hasToast(); }, 10000));
-    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/com.acme")));
-    EXPECT_FALSE(exists(QStringLiteral("home/Library/Caches/odd \"name\"\\-x")));
-    EXPECT_TRUE(exists(QStringLiteral("home/Projects/old/data")));
+    EXPECT_EQ((std::array{exists(u"home/Library/Caches/com.acme"_s), exists(u"home/Library/Caches/odd \"name\"\\-x"_s),
+                          exists(u"home/Projects/old/data"_s)}),
+              (std::array{false, false, true}));
     EXPECT_EQ(std::tuple(m_summary.safeCount(), m_summary.canCleanSafe()), std::tuple(0, false));
     // Nothing safe left: a second press deletes nothing and reports nothing.
     QSignalSpy toasts(&state(), &AppState::toastChanged);

@@ -16,7 +16,7 @@ FileNode* add(FileNode& parent, const QString& name, FileNode::Type type, qint64
 {
     auto child = std::make_unique<FileNode>(name, parent.path() + QLatin1Char('/') + name, type);
     child->setSize(size);
-    child->setFileCount(type == FileNode::Type::Directory ? 0 : 1);
+    child->setItemCount(type == FileNode::Type::Directory ? 0 : 1);
     return parent.addChild(std::move(child));
 }
 
