@@ -68,8 +68,9 @@ int main(int argc, char* argv[])
 
     // Work that was asked to stop ends within moments (a tool is killed, a scan gives up); what
     // cannot stop, such as a password prompt, must not find the services gone under it, so the
-    // program then ends without taking anything apart.
-    if (!nubo::Jobs::waitForAll(std::chrono::seconds(2)))
+    // program then ends without taking anything apart. The window is already gone: the user
+    // waits for nothing, and no windowless process stays for more than a moment.
+    if (!nubo::Jobs::waitForAll(std::chrono::milliseconds(800)))
         std::_Exit(code);
     return code;
 }

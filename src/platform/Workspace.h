@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/files/NativePath.h"
+
 #include <QList>
 #include <QString>
 #include <memory>
@@ -41,6 +43,20 @@ public:
     /// The application processes of this user, in the platform's order.
     [[nodiscard]] virtual QList<RunningApplication> runningApplications() const = 0;
 
+    /// The name the file manager shows for a path (a hidden extension hidden, a system folder in
+    /// the user's language); the last path component where the platform has no such name, or
+    /// where the path holds bytes that are not UTF-8 and could not name the item to the system.
+    /// Safe from any thread.
+    [[nodiscard]] QString displayName(const QString& path) const
+    {
+        const QString plain = path.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+        if (NativePath::hasEscapedBytes(path))
+            return plain;
+        // A system that cannot name the item hands the path back as it came.
+        const std::optional<QString> named = systemDisplayName(path);
+        return named && !named->isEmpty() && *named != path ? *named : plain;
+    }
+
     /// Where the system's registry of applications places the application with this bundle
     /// identifier, anywhere on the machine; none when it knows no such application.
     [[nodiscard]] virtual std::optional<QString>
@@ -60,6 +76,15 @@ public:
     virtual void unhide(const RunningApplication& app) = 0;
     virtual void terminate(const RunningApplication& app) = 0;
     virtual void forceTerminate(const RunningApplication& app) = 0;
+
+protected:
+    /// The file manager's own name for an existing path; none where the platform has no such
+    /// service. Called from any thread.
+    [[nodiscard]] virtual std::optional<QString> systemDisplayName(const QString& path) const
+    {
+        (void)path;
+        return std::nullopt;
+    }
 };
 
 /// The backend of the platform the program was built for.

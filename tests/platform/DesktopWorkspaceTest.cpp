@@ -1,5 +1,8 @@
 #include "platform/linux/DesktopWorkspace.h"
 
+#include "core/files/NativePath.h"
+#include "platform/fake/FakeWorkspace.h"
+
 #include "support/FixtureFiles.h"
 
 #include <QFile>
@@ -81,4 +84,20 @@ TEST(DesktopWorkspace, AHelperFromTheSameBundleIsNotASecondApplication)
     workspace.terminate(apps[1]); // the shell then exits by itself
     ASSERT_TRUE(process.waitForFinished(5000));
     EXPECT_TRUE(ofBundle().isEmpty());
+}
+
+// The file manager's name where it gives one; its echo of the path, no answer, or a path that is
+// not UTF-8 (which could not name the item to the system) read as the last component.
+TEST(Workspace, ADisplayNameComesFromTheSystemOrElseTheLastComponent)
+{
+    FakeWorkspace workspace;
+    const QString odd = NativePath::decode("/Users/ana/caf\xe9");
+    workspace.displayNames = {{QStringLiteral("/Users/ana/Library"), QStringLiteral("Biblioteca")},
+                              {QStringLiteral("/Users/ana/Notas.txt"), QStringLiteral("/Users/ana/Notas.txt")},
+                              {odd, QStringLiteral("café")}};
+    EXPECT_EQ((QStringList{workspace.displayName(QStringLiteral("/Users/ana/Library")),
+                           workspace.displayName(QStringLiteral("/Users/ana/Notas.txt")),
+                           workspace.displayName(QStringLiteral("/Users/ana/Fotos/")), workspace.displayName(odd)}),
+              (QStringList{QStringLiteral("Biblioteca"), QStringLiteral("Notas.txt"), QStringLiteral("Fotos"),
+                           odd.section(QLatin1Char('/'), -1)}));
 }

@@ -46,8 +46,15 @@ struct CleanContext
     std::function<QList<CleanItem>()> orphans;
     /// The current time; age limits are measured back from it. The clock when unset.
     std::function<QDateTime()> now;
+    /// The name the file manager shows for a path (the workspace's); the last path component when
+    /// unset.
+    std::function<QString(const QString& path)> displayName;
 
     [[nodiscard]] QDateTime currentTime() const { return now ? now() : QDateTime::currentDateTimeUtc(); }
+    [[nodiscard]] std::optional<QString> nameOf(const QString& path) const
+    {
+        return displayName ? std::optional<QString>(displayName(path)) : std::nullopt;
+    }
     /// `relative` joined to the home folder ("Library/Caches" gives "<home>/Library/Caches").
     [[nodiscard]] QString home(const QString& relative) const { return roots.home + QLatin1Char('/') + relative; }
 };

@@ -96,7 +96,7 @@ QList<CleanItem> FolderRule::collect(const QString& folder, const QSet<QString>&
         // Empty folders and files free nothing; dropping them before naming spares the lookups.
         if (size < 1)
             continue;
-        CleanItem item = CleanItem::atPath(path, m_context.roots.home, std::nullopt, size);
+        CleanItem item = CleanItem::atPath(path, m_context.roots.home, m_context.nameOf(path), size);
         name(item, folderName, entryName);
         items << std::move(item);
     }

@@ -219,16 +219,20 @@ DiskScanner::DiskScanner(Services services) : m_services(std::move(services))
 
 namespace {
 
-DiskScanner::Services gatedBy(const Privacy& privacy)
+DiskScanner::Services gatedBy(const Privacy& privacy, DiskScanner::DisplayName displayName)
 {
     DiskScanner::Services services;
     services.isGated = [&privacy](const QString& path) { return privacy.isGated(path); };
+    services.displayName = std::move(displayName);
     return services;
 }
 
 } // namespace
 
-DiskScanner::DiskScanner(const Privacy& privacy) : DiskScanner(gatedBy(privacy)) {}
+DiskScanner::DiskScanner(const Privacy& privacy, DisplayName displayName)
+    : DiskScanner(gatedBy(privacy, std::move(displayName)))
+{
+}
 
 const QStringList& DiskScanner::skipPaths()
 {

@@ -63,8 +63,9 @@ public:
 
     DiskScanner();
     explicit DiskScanner(Services services);
-    /// The production set-up: the gate of `privacy`, which must outlive the scanner.
-    explicit DiskScanner(const Privacy& privacy);
+    /// The production set-up: the gate of `privacy`, which must outlive the scanner, and the
+    /// platform's name for the scanned folder (the last path component without one).
+    explicit DiskScanner(const Privacy& privacy, DisplayName displayName = {});
     DiskScanner(const DiskScanner&) = delete;
     DiskScanner& operator=(const DiskScanner&) = delete;
 

@@ -13,7 +13,8 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_workspace(overrides.workspace ? std::move(overrides.workspace) : makeWorkspace()),
       m_metadata(overrides.metadata ? std::move(overrides.metadata) : makeMetadata()),
       m_tools(overrides.tools ? std::move(overrides.tools) : std::make_unique<ShellToolRunner>()),
-      m_safety(m_roots, overrides.safety ? *overrides.safety : SafetyRules::forHost()), m_deleter(m_safety, *m_admin), m_scanner(privacy),
+      m_safety(m_roots, overrides.safety ? *overrides.safety : SafetyRules::forHost()), m_deleter(m_safety, *m_admin),
+      m_scanner(privacy, [workspace = m_workspace.get()](const QString& path) { return workspace->displayName(path); }),
       m_naming(Naming::lookupIn(*m_workspace)),
       m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
       m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context)),
@@ -27,6 +28,9 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
     m_context->sharedTemporaries = m_safety.rules().sharedTemporaries;
     const ToolRunner& tools = *m_tools;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };
+    m_context->displayName = [workspace = m_workspace.get()](const QString& path) {
+        return workspace->displayName(path);
+    };
     m_context->orphans = [this] { return m_apps.orphanedLeftovers(); };
     // The workspace acts on applications from the user-interface thread only; the removal that
     // asks comes from background work and does not wait for the answer, it watches for the quit.

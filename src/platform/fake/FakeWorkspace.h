@@ -53,6 +53,15 @@ public:
     QStringList actions;
     /// Bundle identifier (exact case) → application location, as the system's registry would say.
     QHash<QString, QString> applications;
+    /// Path → the name the file manager would show; set before background work reads it.
+    QHash<QString, QString> displayNames;
+
+protected:
+    std::optional<QString> systemDisplayName(const QString& path) const override
+    {
+        const auto found = displayNames.constFind(path);
+        return found == displayNames.constEnd() ? std::nullopt : std::optional<QString>(*found);
+    }
 
 private:
     mutable std::mutex m_runningMutex;

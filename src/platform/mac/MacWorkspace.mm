@@ -78,6 +78,19 @@ public:
     }
 
     bool canActivate() const override { return true; }
+
+protected:
+    // The shared file manager may be asked from any thread; it answers the path itself when it
+    // cannot name the item, which the portable caller treats as no answer.
+    std::optional<QString> systemDisplayName(const QString& path) const override
+    {
+        @autoreleasepool {
+            NSString* name = [[NSFileManager defaultManager] displayNameAtPath:path.toNSString()];
+            return name ? std::optional<QString>(QString::fromNSString(name)) : std::nullopt;
+        }
+    }
+
+public:
     bool canHide() const override { return true; }
 
     void activate(const RunningApplication& app) override

@@ -188,6 +188,9 @@ TEST_F(FolderRuleTest, NothingTheSafetyGateRefusesIsOffered)
         file(path);
     EXPECT_EQ(relative(FolderRule(*m_context).children(m_roots.home)), list({"home/Projects"}));
     EXPECT_EQ(relative(FolderRule(*m_context).children(home(u"Library"_s))), QStringList());
+    // What is offered is named as the file manager names it.
+    m_context->displayName = [](const QString& path) { return u"«"_s + path.section(u'/', -1) + u"»"_s; };
+    EXPECT_EQ(FolderRule(*m_context).children(m_roots.home).value(0).name, u"«Projects»"_s);
 }
 
 TEST_F(FolderRuleTest, StaleNodeModulesSkipGatedFoldersLinksAndNamesThatAreNotText)
