@@ -489,7 +489,7 @@ void AppsModel::uninstall()
                 // has quit after the last look, the removal goes ahead.
                 for (int look = 0; look < services->quitPolls && !stop.stopRequested(); ++look) {
                     const auto still = services->apps.runningInstance(app);
-                    if (!still || still->pid != running->pid)
+                    if (!still || still->pid != running->pid || still->terminated)
                         break;
                     std::this_thread::sleep_for(services->quitPollInterval);
                 }

@@ -22,11 +22,15 @@ public:
         const std::lock_guard lock(m_runningMutex);
         return running;
     }
-    /// The application quits, as it would while background work watches the list.
-    void quit(qint64 pid)
+    /// The application quits, as it would while background work watches the list; `listed` keeps
+    /// it in the list marked as ended, as the Mac does for a moment.
+    void quit(qint64 pid, bool listed = false)
     {
         const std::lock_guard lock(m_runningMutex);
-        running.removeIf([pid](const RunningApplication& app) { return app.pid == pid; });
+        for (RunningApplication& app : running)
+            app.terminated = app.terminated || (listed && app.pid == pid);
+        if (!listed)
+            running.removeIf([pid](const RunningApplication& app) { return app.pid == pid; });
     }
 
     std::optional<QString> applicationLocation(const QString& bundleIdentifier) const override

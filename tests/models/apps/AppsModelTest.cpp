@@ -168,6 +168,20 @@ TEST_F(AppsModelTest, TheBundleLeadsTheRemovalCannotBeUntickedAndUntickingALefto
     EXPECT_TRUE(apps().removalRows().isEmpty());
 }
 
+// A copy that quits but stays listed as ended is not waited for: with a wait of a million looks,
+// only its ended flag lets the removal go ahead.
+TEST_F(AppsModelTest, UninstallGoesAheadOnceTheRunningCopyHasEnded)
+{
+    m_services->quitPolls = 1'000'000;
+    m_quitStaysListed = true;
+    loadAndMeasure();
+    runningWriter();
+    selectWriter();
+    uninstallAndWait();
+    EXPECT_EQ(m_quitRequests.load(), 1);
+    EXPECT_FALSE(exists(u"Applications/Writer.app"_s));
+}
+
 // A copy that will not quit is still asked once and removed after the wait: an obedient copy
 // takes the same path, only sooner.
 TEST_F(AppsModelTest, UninstallAsksARunningCopyToQuitDeletesAndDropsTheApp)

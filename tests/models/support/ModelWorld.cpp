@@ -66,7 +66,7 @@ void ModelWorld::SetUp()
             [this](const RunningApplication& app) {
                 ++m_quitRequests;
                 if (m_quitObeys)
-                    m_workspace.quit(app.pid);
+                    m_workspace.quit(app.pid, m_quitStaysListed);
             },
         .haptics = [this](Feedback) { ++m_feedback; },
         .progressInterval = std::chrono::milliseconds(120),

@@ -84,6 +84,7 @@ protected:
     /// Running applications the quitter has been asked to stop, and whether it lets them go.
     std::atomic<int> m_quitRequests = 0;
     std::atomic<bool> m_quitObeys = true;
+    std::atomic<bool> m_quitStaysListed = false; ///< an application that quit stays listed, ended
     std::atomic<int> m_feedback = 0;
     QStringList m_pinned;
 };
