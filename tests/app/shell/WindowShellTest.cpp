@@ -149,7 +149,12 @@ TEST_F(WindowShellTest, WalkThroughTheWindow)
             << toast.y() + toast.height() << " > " << size.height();
     }
     EXPECT_TRUE(named(window, u"freedToday"_s).isVisible());
+    const QString said = toast.property("headline").toString();
     ownState().dismissToast();
+    // While it slides away it still says what it said, never an empty box.
+    EXPECT_TRUE(toast.isVisible());
+    EXPECT_EQ(toast.property("headline").toString(), said);
+    EXPECT_FALSE(said.isEmpty());
     QTest::qWait(Settle * 2);
     EXPECT_FALSE(toast.isVisible());
 
