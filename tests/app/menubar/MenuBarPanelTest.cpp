@@ -103,6 +103,7 @@ ApplicationWindow {
 
     FakeAppShell m_shell;
     std::unique_ptr<ShellController> m_controller;
+    std::unique_ptr<SymbolImages> m_symbols; // outlives the presenter that borrows it
     std::unique_ptr<MenuBarPresenter> m_presenter;
 };
 
@@ -163,8 +164,8 @@ TEST_F(MenuBarPanelTest, WalkThroughThePanel)
 // click that took the focus from the panel (and so closed it) does not reopen it, a later one does.
 TEST_F(MenuBarPanelTest, WithoutATrayThePanelOpensOnRequestAndRefreshesTheDisk)
 {
-    const std::unique_ptr<SymbolImages> symbols = makeSymbolImages();
-    m_presenter = std::make_unique<MenuBarPresenter>(*m_engine, state(), controller(), *symbols, false);
+    m_symbols = makeSymbolImages();
+    m_presenter = std::make_unique<MenuBarPresenter>(*m_engine, state(), controller(), *m_symbols, false);
     ASSERT_NE(m_presenter->panel(), nullptr);
     // Closing the window with no tray and no Dock would leave no way back.
     EXPECT_EQ(std::tuple(controller().hasTray(), controller().keepsRunningWithoutWindow(false),
