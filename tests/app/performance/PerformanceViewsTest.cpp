@@ -24,36 +24,8 @@ using namespace nubo::test;
 
 namespace {
 
-// The performance screen beside a stand-in sidebar, in a stack of panes as the main window holds
-// it: `pane` 0 hides it behind another pane.
-const QByteArray kScreen = R"(
-import QtQuick
-import QtQuick.Controls
-import QtQuick.Layouts
-import Nubo
-import Nubo.Models
-ApplicationWindow {
-    id: win
-    required property AppState appState
-    required property PerformanceModel model
-    property int pane: 1
-    width: 1280; height: 820; visible: true
-    color: Theme.windowBackground
-    RowLayout {
-        anchors.fill: parent
-        spacing: 0
-        Rectangle { Layout.preferredWidth: 232; Layout.fillHeight: true; color: Theme.sidebarBackground }
-        Rectangle { Layout.preferredWidth: 1; Layout.fillHeight: true; color: Theme.separator }
-        StackLayout {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            currentIndex: win.pane
-            Item {}
-            PerformanceView { appState: win.appState; model: win.model }
-        }
-    }
-}
-)";
+// The performance screen beside a stand-in sidebar, in a stack of panes: `pane` 0 hides it.
+const QByteArray kScreen = besideSidebar("PerformanceView", "PerformanceModel");
 
 // A temporary Mac behind the real runner: the three launch folders with an app's agent, a
 // running agent of the user's, a switched-off agent and a system daemon; a launchctl that lists

@@ -166,6 +166,7 @@ ApplicationWindow {
     id: win
     required property AppState appState
     required property )") + modelType + R"( model
+    property int pane: 1
     width: 1280; height: 820; visible: true
     color: Theme.windowBackground
     RowLayout {
@@ -173,12 +174,16 @@ ApplicationWindow {
         spacing: 0
         Rectangle { Layout.preferredWidth: 232; Layout.fillHeight: true; color: Theme.sidebarBackground }
         Rectangle { Layout.preferredWidth: 1; Layout.fillHeight: true; color: Theme.separator }
-        )" + view + R"( {
-            objectName: ")" + objectName + R"("
+        StackLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            appState: win.appState
-            model: win.model
+            currentIndex: win.pane
+            Item {}
+            )" + view + R"( {
+                objectName: ")" + objectName + R"("
+                appState: win.appState
+                model: win.model
+            }
         }
     }
 }

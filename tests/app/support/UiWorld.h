@@ -73,7 +73,8 @@ private:
 
 /// QML for a window with one pane's view (`view`, with `appState` and a `model` of type
 /// `modelType` as required properties) beside a stand-in sidebar, at the width the main window
-/// gives it; the view is named after its type in lower camel case ("activityView").
+/// gives it, in a stack of panes as the main window holds it (the window's `pane` 0 hides it
+/// behind another); the view is named after its type in lower camel case ("activityView").
 [[nodiscard]] QByteArray besideSidebar(const char* view, const char* modelType);
 
 /// How many different colours a sparse grid of the image's pixels shows: a blank or broken

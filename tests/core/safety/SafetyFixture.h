@@ -50,11 +50,11 @@ protected:
     }
     // A path as tables write it: a leading "~" stands for the home, "^" for the system Library and
     // "@" for the temporary tree itself; anything else is taken as written.
-    QString at(const char* spec) const
+    QString at(const char* written) const
     {
-        const QString text = QString::fromUtf8(spec);
+        const QString text = QString::fromUtf8(written);
         const QString rest = text.mid(1);
-        switch (spec[0]) {
+        switch (written[0]) {
         case '~':
             return m_roots.home + rest;
         case '^':
@@ -79,8 +79,8 @@ protected:
     void expectReasons(const Safety& gate, const std::vector<ReasonRow>& rows) const
     {
         for (const ReasonRow& row : rows) {
-            for (const char* spec : row.paths) {
-                const QString path = at(spec);
+            for (const char* written : row.paths) {
+                const QString path = at(written);
                 QStringList spellings{path};
                 for (const char* tail : {"/", "//", "/.", "/./", "/x/..", "/x/../"})
                     spellings << path + QLatin1String(tail);
