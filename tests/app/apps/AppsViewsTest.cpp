@@ -1,7 +1,6 @@
 #include "app/support/UiWorld.h"
 
 #include <QTest>
-#include <algorithm>
 
 using namespace nubo;
 using namespace nubo::test;
@@ -47,19 +46,6 @@ protected:
         EXPECT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
         QTest::qWait(Settle);
         return window;
-    }
-
-    static QList<QQuickItem*> visibleNamed(QQuickWindow& window, const QString& name)
-    {
-        QList<QQuickItem*> found;
-        for (QQuickItem* candidate : drawn(window)) {
-            if (candidate->objectName() == name && candidate->isVisible())
-                found.append(candidate);
-        }
-        std::sort(found.begin(), found.end(), [](QQuickItem* a, QQuickItem* b) {
-            return a->mapToScene(QPointF()).y() < b->mapToScene(QPointF()).y();
-        });
-        return found;
     }
 
     static QQuickItem* button(QQuickWindow& window, const QString& text)

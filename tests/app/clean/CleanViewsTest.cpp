@@ -2,7 +2,6 @@
 
 #include <QScopeGuard>
 #include <QTest>
-#include <algorithm>
 #include <atomic>
 #include <semaphore>
 
@@ -80,27 +79,13 @@ protected:
         QTest::qWait(Settle);
     }
 
-    // The visible items called `name`, top to bottom.
-    static QList<QQuickItem*> rows(QQuickWindow& window, const QString& name)
-    {
-        QList<QQuickItem*> found;
-        for (QQuickItem* candidate : drawn(window)) {
-            if (candidate->objectName() == name && candidate->isVisible())
-                found.append(candidate);
-        }
-        std::sort(found.begin(), found.end(), [](QQuickItem* a, QQuickItem* b) {
-            return a->mapToScene(QPointF()).y() < b->mapToScene(QPointF()).y();
-        });
-        return found;
-    }
-
     // Presses `button`, which only asks, and then the confirmation's own button.
     void confirmFrom(QQuickWindow& window, const char* button)
     {
         click(window, button);
         QTest::qWait(Settle);
         EXPECT_FALSE(clean().isCleaning() || state().hasToast()) << "nothing without the confirmation";
-        QQuickItem* confirm = rows(window, QStringLiteral("confirmButton")).value(0);
+        QQuickItem* confirm = visibleNamed(window, QStringLiteral("confirmButton")).value(0);
         ASSERT_NE(confirm, nullptr);
         click(*confirm);
         QTest::qWait(Settle);
@@ -170,7 +155,7 @@ TEST_F(CleanViewsTest, WalkThroughTheScreen)
     EXPECT_FALSE(named(window, QStringLiteral("detailClean")).isEnabled());
     click(window, "toggleAllButton");
     EXPECT_EQ(clean().state(QStringLiteral("olddownloads")), CleanModel::CategoryState::All);
-    const QList<QQuickItem*> checks = rows(window, QStringLiteral("itemCheck"));
+    const QList<QQuickItem*> checks = visibleNamed(window, QStringLiteral("itemCheck"));
     ASSERT_EQ(checks.size(), 2);
     click(*checks.at(0)); // the larger one, listed first, goes back out of the selection
     EXPECT_FALSE(clean().isSelected(m_downloads.at(0).id));
@@ -199,7 +184,7 @@ TEST_F(CleanViewsTest, WalkThroughTheScreen)
     click(window, "overviewClean");
     QTest::qWait(Settle);
     snapshot(window, DefaultSize, QStringLiteral("clean-confirmation-default"));
-    QQuickItem* cancel = rows(window, QStringLiteral("cancelButton")).value(0);
+    QQuickItem* cancel = visibleNamed(window, QStringLiteral("cancelButton")).value(0);
     ASSERT_NE(cancel, nullptr);
     click(*cancel);
     QTest::qWait(Settle);

@@ -8,6 +8,8 @@
 #include <QSet>
 #include <QTest>
 
+#include <algorithm>
+
 namespace nubo::test {
 
 namespace {
@@ -107,6 +109,19 @@ QList<QQuickItem*> UiWorld::drawn(QQuickWindow& window)
     QList<QQuickItem*> all;
     collect(window.contentItem(), all);
     return all;
+}
+
+QList<QQuickItem*> UiWorld::visibleNamed(QQuickWindow& window, const QString& name)
+{
+    QList<QQuickItem*> found;
+    for (QQuickItem* candidate : drawn(window)) {
+        if (candidate->objectName() == name && candidate->isVisible())
+            found.append(candidate);
+    }
+    std::stable_sort(found.begin(), found.end(), [](QQuickItem* a, QQuickItem* b) {
+        return a->mapToScene(QPointF()).y() < b->mapToScene(QPointF()).y();
+    });
+    return found;
 }
 
 void UiWorld::scrollTo(QQuickItem& target)

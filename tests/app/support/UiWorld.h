@@ -48,6 +48,8 @@ protected:
     /// Every item the window draws, in visual-tree order: the rows that lists and repeaters create
     /// are not children of the window in the object tree, so `item` cannot find them.
     static QList<QQuickItem*> drawn(QQuickWindow& window);
+    /// The visible items called `name` that the window draws, top to bottom.
+    static QList<QQuickItem*> visibleNamed(QQuickWindow& window, const QString& name);
     /// Scrolls every list or page around `target` so that it shows, as a user would before
     /// clicking it.
     static void scrollTo(QQuickItem& target);
