@@ -4,7 +4,6 @@
 # scripts/bundle-macos adds Qt (macdeployqt), signs and zips the result.
 include(${PROJECT_SOURCE_DIR}/cmake/NuboInfoPlist.cmake)
 
-set(NUBO_BUNDLE_IDENTIFIER "app.nubo.Nubo" CACHE STRING "Bundle identifier of the Mac application")
 set(NUBO_BUILD_NUMBER "1" CACHE STRING "CFBundleVersion: a number that grows with every published build")
 
 set(nubo_update_keys)

@@ -38,8 +38,9 @@ struct CleanContext
     SystemRoots roots;
     /// The shared temporary folders where every user leaves files; only the user's own are offered.
     QStringList sharedTemporaries{QStringLiteral("/private/tmp")};
-    /// Our own bundle identifier: our cache folder is never offered while we run. Empty when unknown.
-    QString ownBundleIdentifier;
+    /// The folders the program itself writes (its cache folders under its identifier and the ones
+    /// Qt keeps for it), as exact paths: never offered while we run.
+    QStringList ownFolders;
     /// Finds a tool by name on the tool search path (`Shell::which` in production).
     std::function<std::optional<QString>(const QString& name)> findTool;
     /// The leftovers of removed applications, ready as items (the application catalogue's).

@@ -35,10 +35,7 @@ const QSet<QString>& packageCacheNames()
 
 QList<CleanItem> caches(const CleanContext& context)
 {
-    QSet<QString> excluding = packageCacheNames();
-    // An empty name matches no entry, so a program without an identifier excludes nothing more.
-    excluding.insert(context.ownBundleIdentifier);
-    return FolderRule(context).children(context.home(QStringLiteral("Library/Caches")), excluding);
+    return FolderRule(context).children(context.home(QStringLiteral("Library/Caches")), packageCacheNames());
 }
 
 QList<CleanItem> logs(const CleanContext& context)

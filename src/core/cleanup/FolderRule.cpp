@@ -74,6 +74,8 @@ QList<CleanItem> FolderRule::collect(const QString& folder, const QSet<QString>&
             continue;
         const QString path = folder == QLatin1String("/") ? QLatin1Char('/') + entryName
                                                           : folder + QLatin1Char('/') + entryName;
+        if (m_context.ownFolders.contains(path))
+            continue;
         const QByteArray native = QFile::encodeName(path);
 
         struct stat info {};

@@ -5,6 +5,8 @@
 #include "core/shell/ShellToolRunner.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
 
 namespace nubo {
 
@@ -23,8 +25,13 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_launchItems(SystemTools::system(m_roots), *m_tools, *m_admin, m_deleter, m_naming, *m_workspace),
       m_maintenance(SystemTools::system(m_roots), *m_tools, *m_admin)
 {
-    // Our own caches are never offered for cleaning while we run.
-    m_context->ownBundleIdentifier = QStringLiteral("app.nubo.Nubo");
+    // Our own folders are never offered for cleaning while we run: the caches under the identifier
+    // the build sets, and wherever Qt keeps this program's cache and data.
+    m_context->ownFolders = {m_context->home(QStringLiteral("Library/Caches/" NUBO_BUNDLE_IDENTIFIER))};
+    for (const auto location : {QStandardPaths::CacheLocation, QStandardPaths::AppLocalDataLocation}) {
+        if (const QString path = QStandardPaths::writableLocation(location); !path.isEmpty())
+            m_context->ownFolders << QDir::cleanPath(path);
+    }
     m_context->sharedTemporaries = m_safety.rules().sharedTemporaries;
     const ToolRunner& tools = *m_tools;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };

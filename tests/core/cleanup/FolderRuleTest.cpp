@@ -91,7 +91,7 @@ TEST_F(FolderRuleTest, EveryCategoryFindsItsOwnEntriesAtOnceAndGatedOnesNeedFull
     // A name that is not text could only be offered under a wrong name.
     test::writeBytes(QFile::encodeName(home(u".Trash/"_s)) + "bad\xff\xfe.bin", QByteArray(8192, 'x'));
     m_workspace.applications.insert(u"com.spotify.client"_s, u"/Applications/Spotify.app"_s);
-    m_context->ownBundleIdentifier = u"app.nubo.Nubo"_s;
+    m_context->ownFolders = {home(u"Library/Caches/app.nubo.Nubo"_s)};
     const QString gone = base(u"gone"_s);
     m_context->orphans = [gone] { return QList<CleanItem>{CleanItem(gone, gone, gone, 9, CleanItem::Remove{gone})}; };
     const char* xcode = "home/Library/Developer/Xcode/";
