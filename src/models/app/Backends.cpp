@@ -8,7 +8,19 @@
 #include <QDir>
 #include <QStandardPaths>
 
+#include <functional>
+
 namespace nubo {
+
+namespace {
+
+// The file manager's names, for the scanner's root and the cleanup's items alike.
+std::function<QString(const QString&)> displayNamesOf(const Workspace* workspace)
+{
+    return [workspace](const QString& path) { return workspace->displayName(path); };
+}
+
+} // namespace
 
 Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides overrides)
     : m_roots(std::move(roots)), m_admin(overrides.admin ? std::move(overrides.admin) : makeAdminRunner()),
@@ -16,7 +28,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_metadata(overrides.metadata ? std::move(overrides.metadata) : makeMetadata()),
       m_tools(overrides.tools ? std::move(overrides.tools) : std::make_unique<ShellToolRunner>()),
       m_safety(m_roots, overrides.safety ? *overrides.safety : SafetyRules::forHost()), m_deleter(m_safety, *m_admin),
-      m_scanner(privacy, [workspace = m_workspace.get()](const QString& path) { return workspace->displayName(path); }),
+      m_scanner(privacy, displayNamesOf(m_workspace.get())),
       m_naming(Naming::lookupIn(*m_workspace)),
       m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
       m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context)),
@@ -35,9 +47,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
     m_context->sharedTemporaries = m_safety.rules().sharedTemporaries;
     const ToolRunner& tools = *m_tools;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };
-    m_context->displayName = [workspace = m_workspace.get()](const QString& path) {
-        return workspace->displayName(path);
-    };
+    m_context->displayName = displayNamesOf(m_workspace.get());
     m_context->orphans = [this] { return m_apps.orphanedLeftovers(); };
     // The workspace acts on applications from the user-interface thread only; the removal that
     // asks comes from background work and does not wait for the answer, it watches for the quit.
