@@ -2,9 +2,9 @@
 // bubbles) offscreen and times 100 frames of the zoom into one folder and 100 of the zoom back.
 // Usage: nubo-map-draw-bench [software|opengl]  (default software; the window is offscreen unless
 // QT_QPA_PLATFORM says otherwise). A frame is one grab of the window after a step of the zoom: the
-// scene graph's sync (the item's own work, printed apart), its render and the read-back of the
-// picture. The painter-only figure is the whole map at rest drawn into an image, without the scene
-// graph.
+// item's own work on the user-interface thread (printed apart), the scene graph's render and the
+// read-back of the picture. Then the pointer moving between two bubbles, the first frame after a
+// new tree lands, and the whole map at rest painted into an image without the scene graph.
 #include "BubbleMap.h"
 #include "app/ui/UiEngine.h"
 #include "core/files/SystemRoots.h"
@@ -178,16 +178,50 @@ Window {
             timer.start();
             const QImage frame = window->grabWindow();
             frames.push_back(double(timer.nsecsElapsed()) / 1e6);
-            itemWork.push_back(double(map->syncNanoseconds()) / 1e6);
+            itemWork.push_back(double(map->workNanoseconds()) / 1e6);
+            if (qEnvironmentVariableIsSet("NUBO_BENCH_FRAMES") && i % 20 == 0)
+                frame.save(qEnvironmentVariable("NUBO_BENCH_FRAMES") + QStringLiteral("/frame-%1-%2.png").arg(to ? u"in" : u"out").arg(i));
             if (frame.isNull())
                 std::fprintf(stderr, "frame %d came back empty\n", i);
         }
         return frames;
     };
     const FileNode* biggest = model.root()->children().front().get();
-    print("zoom in, 100 frames", summarise(zoom(biggest)));
-    print("zoom out, 100 frames", summarise(zoom(nullptr)));
+    // The first frame of a zoom paints the level it goes to (unless that is kept from before).
+    const auto zoomAndFirst = [&](const char* what, const FileNode* to) {
+        const std::vector<double> frames = zoom(to);
+        print(what, summarise(frames));
+        std::printf("  its first frame %.2f ms, of which the item's own work %.2f ms\n", frames.front(),
+                    itemWork[itemWork.size() - frames.size()]);
+    };
+    zoomAndFirst("zoom in, 100 frames", biggest);
+    zoomAndFirst("zoom out, 100 frames", nullptr);
     print("  of which the item's own work", summarise(itemWork));
+
+    // The pointer going back and forth between the two largest folders at the root.
+    itemWork.clear();
+    std::vector<double> frames;
+    for (int i = 0; i < 100; ++i) {
+        model.setHovered(model.root()->children()[size_t(i % 2)].get());
+        QElapsedTimer timer;
+        timer.start();
+        (void)window->grabWindow();
+        frames.push_back(double(timer.nsecsElapsed()) / 1e6);
+        itemWork.push_back(double(map->workNanoseconds()) / 1e6);
+    }
+    print("hover, 100 frames", summarise(frames));
+    print("  of which the item's own work", summarise(itemWork));
+
+    // A new tree of the same shape lands (a scan ends): layout and the first picture.
+    frames.clear();
+    for (int i = 0; i < 10; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        model.present(largestMap(home));
+        (void)window->grabWindow();
+        frames.push_back(double(timer.nsecsElapsed()) / 1e6);
+    }
+    print("first frame of a new tree, 10 trees", summarise(frames));
 
     // The painter path alone, at rest on the root, into an image the size of the window.
     std::vector<double> painted;

@@ -1,73 +1,36 @@
 #include "BubbleMap.h"
 
-#include "core/format/Bytes.h"
 #include "core/format/FileKind.h"
 #include "core/scanner/FileNode.h"
 #include "models/map/MapModel.h"
 
 #include <QElapsedTimer>
-#include <QFontMetricsF>
 #include <QPainter>
-#include <QPainterPath>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
 #include <QQuickWindow>
-#include <QSGGeometryNode>
 #include <QSGImageNode>
-#include <QSGRendererInterface>
-#include <QSGVertexColorMaterial>
+#include <QSGNode>
+#include <QSGTexture>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <unordered_map>
 
 namespace nubo {
 
 namespace {
 
-constexpr int Context = 0;
-constexpr int Child = 1;
-constexpr int Grandchild = 2;
 // Room left around the folder's circle, in pixels.
 constexpr double Margin = 20;
-// Bubbles smaller than this radius (in pixels) cannot be seen and are not drawn.
-constexpr double Smallest = 0.35;
-// A child carries its name from this radius, its size from the next, its kind's icon from the last.
-constexpr double NameRadius = 26;
-constexpr double SizeRadius = 40;
-constexpr double IconRadius = 60;
-// Below this radius (in pixels) the painter stamps cached discs instead of drawing ellipses.
-constexpr double SpriteRadius = 24;
-
-QColor withAlpha(QColor colour, double alpha)
-{
-    colour.setAlphaF(float(std::clamp(colour.alphaF() * alpha, 0.0, 1.0)));
-    return colour;
-}
-
-QColor mix(const QColor& a, const QColor& b, double t)
-{
-    const auto lerp = [t](float x, float y) { return float(x + (y - x) * t); };
-    return QColor::fromRgbF(lerp(a.redF(), b.redF()), lerp(a.greenF(), b.greenF()),
-                            lerp(a.blueF(), b.blueF()), lerp(a.alphaF(), b.alphaF()));
-}
-
-int roleIndex(MapScene::Role role)
-{
-    switch (role) {
-    case MapScene::Role::Child:
-        return Child;
-    case MapScene::Role::Grandchild:
-        return Grandchild;
-    case MapScene::Role::Context:
-        break;
-    }
-    return Context;
-}
+// What a hovered child's new look can reach beyond its circle: its border and its check badge.
+constexpr double HoverReach = 12;
 
 int depthOf(const FileNode* node)
 {
     int depth = 0;
-    for (const FileNode* up = node->parent(); up; up = up->parent())
+    for (const FileNode* up = node ? node->parent() : nullptr; up; up = up->parent())
         ++depth;
     return depth;
 }
@@ -84,7 +47,10 @@ BubbleMap::BubbleMap(QQuickItem* parent) : QQuickItem(parent)
     m_zoom.setEasingCurve(QEasingCurve::InOutCubic);
     connect(&m_zoom, &QVariantAnimation::valueChanged, this,
             [this](const QVariant& value) { setZoomProgress(value.toDouble()); });
-    connect(this, &BubbleMap::styleChanged, this, &QQuickItem::update);
+    connect(this, &BubbleMap::styleChanged, this, [this] {
+        m_painter.style = {m_frameColor, m_strokeColor, m_markColor, m_hoverColor, m_textColor, m_fontFamily};
+        repaintAll();
+    });
 }
 
 BubbleMap::~BubbleMap() = default;
@@ -99,11 +65,12 @@ void BubbleMap::setModel(MapModel* model)
     if (m_model) {
         connect(m_model, &MapModel::currentChanged, this, &BubbleMap::currentMoved);
         connect(m_model, &MapModel::revisionChanged, this, &BubbleMap::treeChanged);
-        connect(m_model, &MapModel::markedChanged, this, &QQuickItem::update);
-        connect(m_model, &MapModel::hoveredChanged, this, &QQuickItem::update);
+        connect(m_model, &MapModel::markedChanged, this, &BubbleMap::repaintAll);
+        connect(m_model, &MapModel::hoveredChanged, this, &BubbleMap::hoverMoved);
         connect(m_model, &QObject::destroyed, this, [this] {
             m_scene.clear();
             m_drawn.clear();
+            m_hoverPainted = nullptr;
         });
     }
     rebuild();
@@ -116,13 +83,17 @@ void BubbleMap::setZoomProgress(qreal progress)
     if (qFuzzyCompare(progress, m_progress))
         return;
     m_progress = progress;
+    if (!m_zooming) {
+        repaintAll(); // a glide or a fade paints every frame
+    } else if (m_progress >= 1) {
+        // The zoom has ended: the picture it replaced goes, and whatever changed during it (the
+        // pointer over another child, say) is painted now.
+        m_zooming = false;
+        m_leaving = {};
+        polish();
+    }
     emit zoomProgressChanged();
     update();
-}
-
-void BubbleMap::restartZoom()
-{
-    animate(m_zoomDuration, QEasingCurve::InOutCubic);
 }
 
 void BubbleMap::animate(int duration, QEasingCurve::Type easing)
@@ -135,21 +106,15 @@ void BubbleMap::animate(int duration, QEasingCurve::Type easing)
     update();
 }
 
-PackedCircle BubbleMap::Drawn::at(double t) const
-{
-    if (!moved || t >= 1)
-        return circle;
-    const auto lerp = [t](double a, double b) { return a + (b - a) * t; };
-    return {lerp(before.x, circle.x), lerp(before.y, circle.y), lerp(before.r, circle.r)};
-}
-
 void BubbleMap::rebuild()
 {
     m_zoom.stop();
     m_progress = 1;
+    m_zooming = false;
+    m_leaving = {};
     // A new tree may reuse the addresses of the old one's nodes: nothing cached may survive it.
     m_layout = BubbleLayout{};
-    m_kinds.clear();
+    m_painter.forgetNodes();
     m_scene.clear();
     m_root = m_model ? m_model->root() : nullptr;
     m_current = m_model ? m_model->current() : nullptr;
@@ -158,22 +123,23 @@ void BubbleMap::rebuild()
         m_scene = MapScene::build(m_layout, *m_current);
         m_to = m_from = m_layout.circle(*m_current);
     }
-    compose(nullptr);
+    m_drawn = DrawnBubble::fromScene(m_scene);
     loadIcons();
     m_pointed = nullptr;
+    m_hoverPainted = nullptr;
     if (!m_toolTip.isEmpty()) {
         m_toolTip.clear();
         emit toolTipChanged();
     }
     emit sceneChanged();
-    update();
+    repaintAll();
 }
 
 void BubbleMap::loadIcons()
 {
     // The kinds' icons come from the engine's symbol images, drawn once in the label colour on
     // this (the user-interface) thread, since the platform's icons are pixmaps.
-    if (!m_icons[0].isNull())
+    if (!m_painter.icons[0].isNull())
         return;
     QQmlEngine* engine = qmlEngine(this);
     auto* provider = engine
@@ -184,8 +150,10 @@ void BubbleMap::loadIcons()
     const qreal ratio = window() ? window()->devicePixelRatio() : 2.0;
     const int px = int(std::ceil(28 * std::max<qreal>(ratio, 1)));
     for (FileKind kind : FileKinds::all) {
+        if (size_t(kind) >= m_painter.icons.size())
+            continue;
         QSize got;
-        m_icons[int(kind)] = provider->requestImage(
+        m_painter.icons[size_t(kind)] = provider->requestImage(
             FileKinds::symbol(kind) + QStringLiteral("?tint=") + m_textColor.name(), &got, QSize(px, px));
     }
 }
@@ -200,13 +168,13 @@ void BubbleMap::treeChanged()
     m_shownRoot = root;
     std::unordered_map<const FileNode*, PackedCircle> before;
     if (sameTree) {
-        for (const Drawn& drawn : m_drawn)
-            before.emplace(drawn.node, drawn.at(m_progress));
+        for (const DrawnBubble& drawn : m_drawn)
+            before.emplace(drawn.node, drawn.at(m_zooming ? 1 : m_progress));
     }
     rebuild();
     if (m_drawn.empty() || !isVisible())
         return;
-    for (Drawn& drawn : m_drawn) {
+    for (DrawnBubble& drawn : m_drawn) {
         const auto found = before.find(drawn.node);
         if (found == before.end())
             continue;
@@ -231,43 +199,69 @@ void BubbleMap::currentMoved()
         m_toolTip.clear();
         emit toolTipChanged();
     }
-    // The zoom starts from wherever the camera is now, also in the middle of another zoom.
-    const PackedCircle camera = MapTransform::between(m_from, m_to, m_progress);
-    const std::vector<MapScene::Bubble> previous = std::move(m_scene);
+    // The zoom starts from what the screen shows now, also in the middle of another zoom.
+    const PackedCircle from = camera();
+    m_leaving = onScreen();
+    m_leavingOnTop = depthOf(m_current) > depthOf(next);
+    m_shown = {};
     m_current = next;
     m_scene = MapScene::build(m_layout, *next);
-    m_from = camera;
+    m_drawn = DrawnBubble::fromScene(m_scene);
+    m_hoverPainted = nullptr;
+    m_from = from;
     m_to = m_layout.circle(*next);
-    compose(&previous);
+    m_zooming = true;
     emit sceneChanged();
-    restartZoom();
+    repaintAll();
+    animate(m_zoomDuration, QEasingCurve::InOutCubic);
 }
 
-void BubbleMap::compose(const std::vector<MapScene::Bubble>* from)
+void BubbleMap::hoverMoved()
 {
-    m_drawn.clear();
-    std::unordered_map<const FileNode*, size_t> index;
-    const auto add = [&](const MapScene::Bubble& bubble, bool before) {
-        auto [it, fresh] = index.emplace(bubble.node, m_drawn.size());
-        if (fresh)
-            m_drawn.push_back({bubble.node, bubble.circle, depthOf(bubble.node), -1, -1, {}, false});
-        Drawn& drawn = m_drawn[it->second];
-        (before ? drawn.roleFrom : drawn.roleTo) = roleIndex(bubble.role);
-    };
-    if (from) {
-        for (const MapScene::Bubble& bubble : *from)
-            add(bubble, true);
-    }
-    for (const MapScene::Bubble& bubble : m_scene)
-        add(bubble, false);
-    // Parents paint before what they hold.
-    std::stable_sort(m_drawn.begin(), m_drawn.end(),
-                     [](const Drawn& a, const Drawn& b) { return a.depth < b.depth; });
+    // Only the child that lost the pointer and the one that has it look different now.
+    const PackedCircle at = m_shown.camera;
+    repaint(bubbleRect(m_hoverPainted, at).united(bubbleRect(m_model ? m_model->hovered() : nullptr, at)));
+}
+
+void BubbleMap::repaintAll()
+{
+    m_stale = true;
+    polish();
+    update();
+}
+
+void BubbleMap::repaint(const QRectF& region)
+{
+    if (region.isEmpty())
+        return;
+    m_staleRegion = m_staleRegion.united(region);
+    polish();
+    update();
+}
+
+PackedCircle BubbleMap::camera() const
+{
+    return MapTransform::between(m_from, m_to, m_progress);
 }
 
 MapTransform BubbleMap::transform() const
 {
-    return MapTransform(MapTransform::between(m_from, m_to, m_progress), size(), Margin);
+    return MapTransform(camera(), size(), Margin);
+}
+
+QRectF BubbleMap::bubbleRect(const FileNode* node, const PackedCircle& at) const
+{
+    if (!node)
+        return {};
+    const MapTransform place(at, size(), Margin);
+    for (const DrawnBubble& drawn : m_drawn) {
+        if (drawn.node != node)
+            continue;
+        const QPointF centre = place.toView(drawn.circle.x, drawn.circle.y);
+        const double r = place.toView(drawn.circle.r) + HoverReach;
+        return {centre.x() - r, centre.y() - r, 2 * r, 2 * r};
+    }
+    return {};
 }
 
 int BubbleMap::childAt(QPointF position) const
@@ -286,6 +280,173 @@ QRectF BubbleMap::childBubble(const QString& name) const
         return {centre.x() - r, centre.y() - r, 2 * r, 2 * r};
     }
     return {};
+}
+
+void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool labels)
+{
+    m_painter.paint(painter, m_drawn, MapTransform(camera(), area, Margin), m_progress, QRectF(QPointF(0, 0), area),
+                    m_model, circles, labels);
+}
+
+void BubbleMap::paintShown()
+{
+    const qreal ratio = window() ? window()->devicePixelRatio() : 1.0;
+    const QSize pixels(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio)));
+    // A zoom paints its destination at rest; a glide or a fade paints the frame it is at.
+    const PackedCircle at = m_zooming ? m_to : camera();
+    const double t = m_zooming ? 1.0 : m_progress;
+    const MapTransform place(at, size(), Margin);
+    const bool inPlace = !m_stale && m_shown.image.size() == pixels &&
+                         m_shown.image.devicePixelRatio() == ratio && m_shown.camera == at;
+    if (inPlace) {
+        // Everything that meets the region is painted again, in order, into an image of its own
+        // that starts on whole pixels of the picture, and copied over: the very pixels a whole
+        // painting gives there (a clip would blend the edges a shade differently).
+        const QRect pixelRegion = QRectF(m_staleRegion.topLeft() * ratio, m_staleRegion.size() * ratio)
+                                      .toAlignedRect()
+                                      .intersected(m_shown.image.rect());
+        if (!pixelRegion.isEmpty()) {
+            const QPointF origin = QPointF(pixelRegion.topLeft()) / ratio;
+            QImage patch(pixelRegion.size(), QImage::Format_ARGB32_Premultiplied);
+            patch.setDevicePixelRatio(ratio);
+            patch.fill(Qt::transparent);
+            {
+                QPainter painter(&patch);
+                painter.translate(-origin);
+                m_painter.paint(painter, m_drawn, place, t, QRectF(origin, patch.deviceIndependentSize()), m_model,
+                                true, true);
+            }
+            QPainter painter(&m_shown.image);
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.drawImage(origin, patch);
+        }
+    } else {
+        m_shown.image = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        m_shown.image.setDevicePixelRatio(ratio);
+        m_shown.image.fill(Qt::transparent);
+        QPainter painter(&m_shown.image);
+        m_painter.paint(painter, m_drawn, place, t, QRectF(QPointF(0, 0), size()), m_model, true, true);
+    }
+    m_shown.camera = at;
+    m_shown.id = ++m_lastPicture;
+    m_stale = false;
+    m_staleRegion = {};
+    m_hoverPainted = m_model ? m_model->hovered() : nullptr;
+}
+
+void BubbleMap::updatePolish()
+{
+    QElapsedTimer spent;
+    spent.start();
+    // During a zoom its destination is painted once; what changes meanwhile waits for its end.
+    const bool waits = m_zooming && !m_shown.image.isNull();
+    if (!waits && (m_stale || !m_staleRegion.isEmpty()) && width() > 0 && height() > 0)
+        paintShown();
+    m_polishNanoseconds = spent.nsecsElapsed();
+}
+
+BubbleMap::Layers BubbleMap::layers() const
+{
+    if (!m_zooming || m_leaving.image.isNull())
+        return {{{nullptr, 0}, {&m_shown, 1}}};
+    // The level arriving appears over the first half of the zoom; the one leaving fades all the
+    // way. The deeper level lies on top, so that zooming out shows it shrinking into its place.
+    const std::pair<const MapPicture*, double> arriving{&m_shown, std::min(1.0, 2 * m_progress)};
+    const std::pair<const MapPicture*, double> leaving{&m_leaving, 1 - m_progress};
+    return m_leavingOnTop ? Layers{arriving, leaving} : Layers{leaving, arriving};
+}
+
+MapPicture BubbleMap::onScreen()
+{
+    if (!m_zooming || m_leaving.image.isNull())
+        return std::move(m_shown);
+    // Interrupted in the middle of a zoom: the two pictures as they stand become one.
+    MapPicture picture{QImage(m_shown.image.size(), QImage::Format_ARGB32_Premultiplied), camera(), ++m_lastPicture};
+    picture.image.setDevicePixelRatio(m_shown.image.devicePixelRatio());
+    picture.image.fill(Qt::transparent);
+    QPainter painter(&picture.image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (const auto& [layer, opacity] : layers()) {
+        const MapPicture::Placement placed = layer ? layer->placed(picture.camera, size(), Margin)
+                                                   : MapPicture::Placement{};
+        if (placed.target.isEmpty())
+            continue;
+        painter.setOpacity(opacity);
+        painter.drawImage(placed.target, layer->image, placed.source);
+    }
+    return picture;
+}
+
+QSGNode* BubbleMap::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
+{
+    QQuickWindow* view = window();
+    if (!view || width() <= 0 || height() <= 0 || m_drawn.empty() || m_shown.image.isNull()) {
+        delete old;
+        return nullptr;
+    }
+    QElapsedTimer spent;
+    spent.start();
+    // Two fixed layers for the life of the item (nodes that come and go every frame lose their
+    // place in the software renderer), each an image under an opacity; a texture is made once
+    // per picture and kept while a layer shows it.
+    struct Layer
+    {
+        QSGOpacityNode* opacity = nullptr;
+        QSGImageNode* image = nullptr;
+        quint64 picture = 0;
+    };
+    // An opacity node (always opaque) rather than a plain one: the software renderer keeps the
+    // place of opacity nodes, and a change below a plain node would draw at the window's corner.
+    struct MapNode : QSGOpacityNode
+    {
+        std::array<Layer, 2> layers;
+        std::unordered_map<quint64, std::unique_ptr<QSGTexture>> textures;
+    };
+    auto* root = static_cast<MapNode*>(old);
+    if (!root) {
+        // Both layers come whole with the root, each with a texture from its first frame.
+        root = new MapNode;
+        auto& texture = root->textures[m_shown.id];
+        texture.reset(view->createTextureFromImage(m_shown.image));
+        for (Layer& layer : root->layers) {
+            layer.opacity = new QSGOpacityNode;
+            layer.opacity->setOpacity(0);
+            layer.image = view->createImageNode();
+            layer.image->setFiltering(QSGTexture::Linear);
+            layer.image->setTexture(texture.get());
+            layer.picture = m_shown.id;
+            layer.opacity->appendChildNode(layer.image);
+            root->appendChildNode(layer.opacity);
+        }
+    }
+    const PackedCircle now = camera();
+    const Layers shown = layers();
+    for (size_t i = 0; i < shown.size(); ++i) {
+        const auto& [picture, opacity] = shown[i];
+        const MapPicture::Placement placed = picture ? picture->placed(now, size(), Margin) : MapPicture::Placement{};
+        Layer& layer = root->layers[i];
+        if (placed.target.isEmpty() || opacity <= 0) {
+            layer.opacity->setOpacity(0);
+            continue;
+        }
+        auto& texture = root->textures[picture->id];
+        if (!texture)
+            texture.reset(view->createTextureFromImage(picture->image));
+        if (layer.picture != picture->id) {
+            layer.image->setTexture(texture.get());
+            layer.picture = picture->id;
+        }
+        layer.image->setRect(placed.target);
+        layer.image->setSourceRect(placed.source);
+        layer.opacity->setOpacity(opacity);
+    }
+    // Textures no layer shows any more go; a hidden layer keeps its own until it shows another.
+    std::erase_if(root->textures, [root](const auto& entry) {
+        return std::none_of(root->layers.begin(), root->layers.end(),
+                            [&entry](const Layer& layer) { return layer.picture == entry.first; });
+    });
+    m_workNanoseconds = std::exchange(m_polishNanoseconds, 0) + spent.nsecsElapsed();
+    return root;
 }
 
 void BubbleMap::pointAt(QPointF position)
@@ -353,413 +514,8 @@ void BubbleMap::mouseReleaseEvent(QMouseEvent* event)
 void BubbleMap::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry)
 {
     QQuickItem::geometryChange(newGeometry, oldGeometry);
-    update();
-}
-
-QColor BubbleMap::kindColor(const FileNode* node)
-{
-    const auto found = m_kinds.find(node);
-    if (found != m_kinds.end())
-        return found->second;
-    const QColor colour = QColor::fromString(FileKinds::color(node->kind()));
-    m_kinds.emplace(node, colour);
-    return colour;
-}
-
-BubbleMap::Look BubbleMap::look(const Drawn& drawn, int role, QColor kind) const
-{
-    Look result;
-    switch (role) {
-    case Context:
-        return {m_frameColor, m_strokeColor, 1};
-    case Child:
-        result = drawn.node->canDrill() ? Look{withAlpha(kind, 0.16), withAlpha(kind, 0.9), 1.5}
-                                        : Look{withAlpha(kind, 0.85), withAlpha(kind.lighter(125), 0.9), 1};
-        break;
-    default:
-        result = {withAlpha(kind, 0.72), withAlpha(m_frameColor, 0.55), 0.75};
-        break;
-    }
-    if (m_model && m_model->isMarked(drawn.node)) {
-        result.fill = mix(result.fill, withAlpha(m_markColor, 0.9), 0.8);
-        result.stroke = m_markColor;
-        result.strokeWidth = role == Child ? 2.5 : 1.5;
-    } else if (role == Child && m_model && m_model->hovered() == drawn.node) {
-        result.fill = withAlpha(result.fill, drawn.node->canDrill() ? 1.9 : 1.15);
-        result.stroke = m_hoverColor;
-        result.strokeWidth = 2;
-    }
-    return result;
-}
-
-BubbleMap::Look BubbleMap::blended(const Drawn& drawn, QColor kind) const
-{
-    const double t = m_progress;
-    if (drawn.roleFrom < 0 || t >= 1) {
-        Look to = look(drawn, drawn.roleTo, kind);
-        if (drawn.roleFrom < 0 && t < 1) {
-            to.fill = withAlpha(to.fill, t);
-            to.stroke = withAlpha(to.stroke, t);
-        }
-        return to;
-    }
-    Look from = look(drawn, drawn.roleFrom, kind);
-    if (drawn.roleTo < 0) {
-        from.fill = withAlpha(from.fill, 1 - t);
-        from.stroke = withAlpha(from.stroke, 1 - t);
-        return from;
-    }
-    const Look to = look(drawn, drawn.roleTo, kind);
-    return {mix(from.fill, to.fill, t), mix(from.stroke, to.stroke, t),
-            from.strokeWidth + (to.strokeWidth - from.strokeWidth) * t};
-}
-
-void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool labels)
-{
-    if (m_drawn.empty())
-        return;
-    const MapTransform place(MapTransform::between(m_from, m_to, m_progress), area, Margin);
-    const QRectF visible(QPointF(0, 0), area);
-    painter.setRenderHint(QPainter::Antialiasing);
-    if (circles) {
-        for (const Drawn& drawn : m_drawn) {
-            const PackedCircle circle = drawn.at(m_progress);
-            const double r = place.toView(circle.r);
-            const QPointF centre = place.toView(circle.x, circle.y);
-            if (r < Smallest || !visible.intersects(QRectF(centre.x() - r, centre.y() - r, 2 * r, 2 * r)))
-                continue;
-            const Look style = blended(drawn, kindColor(drawn.node));
-            if (style.fill.alpha() == 0 && style.stroke.alpha() == 0)
-                continue;
-            painter.setBrush(style.fill);
-            // A border on a small bubble costs a stroked path and shows as a smudge: small ones
-            // are filled only.
-            if (style.strokeWidth > 0 && r > 8 && style.stroke.alpha() > 0)
-                painter.setPen(QPen(style.stroke, style.strokeWidth));
-            else
-                painter.setPen(Qt::NoPen);
-            if (r < SpriteRadius) {
-                // Thousands of small discs: each is stamped from a cached image of its colour and
-                // size, which is many times faster than filling an antialiased ellipse.
-                const QImage& disc = sprite(style, r, painter.device()->devicePixelRatioF());
-                const double half = std::ceil(r) + 1;
-                // Whole pixels keep the stamp on the painter's fast path (no resampling).
-                painter.drawImage(QPointF(std::round(centre.x() - half), std::round(centre.y() - half)),
-                                  disc);
-                continue;
-            }
-            const double inset = painter.pen().style() == Qt::NoPen ? 0 : style.strokeWidth / 2;
-            painter.drawEllipse(centre, r - inset, r - inset);
-        }
-    }
-    if (!labels)
-        return;
-
-    QFont font(m_fontFamily.isEmpty() ? QFont().family() : m_fontFamily);
-    for (const Drawn& drawn : m_drawn) {
-        const double shown =
-            (drawn.roleTo == Child ? m_progress : 0) + (drawn.roleFrom == Child ? 1 - m_progress : 0);
-        if (shown <= 0.01 || (drawn.roleTo != Child && drawn.roleFrom != Child))
-            continue;
-        const PackedCircle circle = drawn.at(m_progress);
-        const double r = place.toView(circle.r);
-        const QPointF centre = place.toView(circle.x, circle.y);
-        if (!visible.intersects(QRectF(centre.x() - r, centre.y() - r, 2 * r, 2 * r)))
-            continue;
-        painter.setOpacity(std::min(1.0, shown));
-        const bool marked = m_model && m_model->isMarked(drawn.node);
-        if (marked && r >= 12) {
-            // A check badge on the rim, up and to the right.
-            const double b = std::clamp(r * 0.22, 7.0, 11.0);
-            const QPointF at = centre + QPointF(r * 0.7071, -r * 0.7071);
-            painter.setPen(QPen(Qt::white, 1.5));
-            painter.setBrush(m_markColor);
-            painter.drawEllipse(at, b, b);
-            QPainterPath check;
-            check.moveTo(at + QPointF(-b * 0.45, 0));
-            check.lineTo(at + QPointF(-b * 0.1, b * 0.35));
-            check.lineTo(at + QPointF(b * 0.45, -b * 0.35));
-            painter.setPen(
-                QPen(Qt::white, std::max(1.5, b * 0.22), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawPath(check);
-        }
-        if (r < NameRadius)
-            continue;
-        const bool folder = drawn.node->canDrill();
-        font.setPixelSize(int(std::clamp(r * 0.2, 11.0, 15.0)));
-        font.setWeight(QFont::DemiBold);
-        const QFontMetricsF nameMetrics(font);
-        const QString name = fittedName(drawn.node->name(), nameMetrics, r * 1.6);
-        if (name.isEmpty())
-            continue;
-        QFont small = font;
-        small.setPixelSize(std::max(10, font.pixelSize() - 2));
-        small.setWeight(QFont::Normal);
-        const QFontMetricsF sizeMetrics(small);
-        const bool withSize = r >= SizeRadius;
-        const QString bytes = withSize ? Bytes::string(drawn.node->size()) : QString();
-        const int symbolIndex = int(drawn.node->kind());
-        const bool withIcon = !folder && r >= IconRadius && !m_icons[symbolIndex].isNull();
-        const double icon = withIcon ? std::clamp(r * 0.28, 18.0, 28.0) : 0;
-
-        const double textWidth = std::max(nameMetrics.horizontalAdvance(name),
-                                          withSize ? sizeMetrics.horizontalAdvance(bytes) : 0.0);
-        const double textHeight = nameMetrics.height() + (withSize ? sizeMetrics.height() : 0);
-        const double blockHeight = textHeight + (withIcon ? icon + 4 : 0);
-        double top = centre.y() - blockHeight / 2;
-        if (folder) {
-            // A folder's label sits on a dark pill so that it reads over the bubbles inside it.
-            const QRectF pill(centre.x() - textWidth / 2 - 8, top - 3, textWidth + 16, textHeight + 6);
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(QColor(0, 0, 0, 115));
-            painter.drawRoundedRect(pill, 7, 7);
-        }
-        if (withIcon) {
-            painter.drawImage(QRectF(centre.x() - icon / 2, top, icon, icon), m_icons[symbolIndex]);
-            top += icon + 4;
-        }
-        painter.setFont(font);
-        const QRectF nameBox(centre.x() - textWidth / 2 - 2, top, textWidth + 4, nameMetrics.height());
-        // White reads on the deep colours; the light ones (yellow, sky blue) take dark text.
-        const QColor kind = kindColor(drawn.node);
-        const double luminance = 0.299 * kind.redF() + 0.587 * kind.greenF() + 0.114 * kind.blueF();
-        const bool lightFill = !folder && !marked && luminance > 0.68;
-        const QColor ink = lightFill ? QColor(0x1D, 0x1D, 0x1F) : m_textColor;
-        if (!folder && !lightFill) {
-            painter.setPen(QColor(0, 0, 0, 70));
-            painter.drawText(nameBox.translated(0, 1), Qt::AlignCenter, name);
-        }
-        painter.setPen(ink);
-        painter.drawText(nameBox, Qt::AlignCenter, name);
-        if (withSize) {
-            painter.setFont(small);
-            painter.setPen(withAlpha(ink, 0.85));
-            painter.drawText(QRectF(centre.x() - textWidth / 2 - 2, top + nameMetrics.height(), textWidth + 4,
-                                    sizeMetrics.height()),
-                             Qt::AlignCenter, bytes);
-        }
-    }
-    painter.setOpacity(1);
-}
-
-QString BubbleMap::fittedName(const QString& name, const QFontMetricsF& metrics, double width)
-{
-    if (metrics.horizontalAdvance(name) <= width)
-        return name;
-    // The start of a name is what people recognise it by; a middle cut ("Do…ts") reads as
-    // neither end.
-    const QString cut = metrics.elidedText(name, Qt::ElideRight, width);
-    constexpr qsizetype fewestLetters = 3;
-    return cut.size() - 1 >= fewestLetters ? cut : QString();
-}
-
-const QImage& BubbleMap::sprite(const Look& style, double r, qreal ratio)
-{
-    // Half-pixel sizes and colours rounded to what the eye cannot tell apart keep the cache small
-    // while a zoom fades bubbles in and out.
-    const int halfPixels = std::max(1, int(std::lround(r * 2)));
-    const auto quantise = [](const QColor& c) {
-        const QRgb rgba = c.rgba();
-        return (quint64(qRed(rgba)) << 24) | (quint64(qGreen(rgba)) << 16) | (quint64(qBlue(rgba)) << 8) |
-               quint64(qAlpha(rgba) & 0xF8);
-    };
-    const bool stroked = r > 8 && style.strokeWidth > 0 && style.stroke.alpha() > 0;
-    const quint64 first = (quantise(style.fill) << 8) | quint64(halfPixels);
-    const quint64 second =
-        stroked ? (quantise(style.stroke) << 8) | quint64(std::lround(style.strokeWidth * 4)) : 0;
-    const auto key = std::make_pair(first, second);
-    if (const auto found = m_sprites.find(key); found != m_sprites.end())
-        return found->second;
-    if (m_sprites.size() > 6000)
-        m_sprites.clear();
-
-    const double radius = halfPixels / 2.0;
-    const double half = std::ceil(r) + 1;
-    const int side = int(std::ceil(2 * half * ratio));
-    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    {
-        QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setBrush(style.fill);
-        double inset = 0;
-        if (stroked) {
-            painter.setPen(QPen(style.stroke, style.strokeWidth));
-            inset = style.strokeWidth / 2;
-        } else {
-            painter.setPen(Qt::NoPen);
-        }
-        painter.drawEllipse(QPointF(half, half), radius - inset, radius - inset);
-    }
-    return m_sprites.emplace(key, std::move(image)).first->second;
-}
-
-QSGNode* BubbleMap::buildGeometry(QSGNode* old)
-{
-    auto* node = static_cast<QSGGeometryNode*>(old);
-    if (!node) {
-        node = new QSGGeometryNode;
-        auto* geometry = new QSGGeometry(QSGGeometry::defaultAttributes_ColoredPoint2D(), 0, 0,
-                                         QSGGeometry::UnsignedIntType);
-        geometry->setDrawingMode(QSGGeometry::DrawTriangles);
-        node->setGeometry(geometry);
-        node->setMaterial(new QSGVertexColorMaterial);
-        node->setFlags(QSGNode::OwnsGeometry | QSGNode::OwnsMaterial);
-    }
-    const MapTransform place = transform();
-    const QRectF visible(QPointF(0, 0), size());
-
-    // Each disc is a fan of its fill, a band for its border, and a half-pixel fringe that fades
-    // to nothing, which smooths its edge without multisampling.
-    struct Disc
-    {
-        QPointF centre;
-        double r;
-        int segments;
-        Look style;
-    };
-    std::vector<Disc> discs;
-    discs.reserve(m_drawn.size());
-    int vertices = 0;
-    int indices = 0;
-    for (const Drawn& drawn : m_drawn) {
-        const PackedCircle circle = drawn.at(m_progress);
-        const double r = place.toView(circle.r);
-        const QPointF centre = place.toView(circle.x, circle.y);
-        if (r < Smallest || !visible.intersects(QRectF(centre.x() - r, centre.y() - r, 2 * r, 2 * r)))
-            continue;
-        Look style = blended(drawn, kindColor(drawn.node));
-        if (style.fill.alpha() == 0 && style.stroke.alpha() == 0)
-            continue;
-        // Small bubbles go without a border, as in the painted picture; the number of segments
-        // keeps each edge within a fraction of a pixel of the true circle.
-        if (r <= 8 || style.stroke.alpha() == 0)
-            style.strokeWidth = 0;
-        const int segments = std::clamp(int(std::sqrt(r) * 4), 6, 128);
-        const int rings = style.strokeWidth > 0 ? 4 : 2;
-        discs.push_back({centre, r, segments, style});
-        vertices += 1 + rings * segments;
-        indices += 3 * segments + 6 * segments * (rings - 1);
-    }
-    QSGGeometry* geometry = node->geometry();
-    geometry->allocate(vertices, indices);
-    auto* v = geometry->vertexDataAsColoredPoint2D();
-    quint32* idx = geometry->indexDataAsUInt();
-    const auto premultiplied = [](const QColor& c) {
-        const float a = c.alphaF();
-        return std::array<uchar, 4>{uchar(std::lround(c.redF() * a * 255)),
-                                    uchar(std::lround(c.greenF() * a * 255)),
-                                    uchar(std::lround(c.blueF() * a * 255)), uchar(std::lround(a * 255))};
-    };
-    int base = 0;
-    for (const Disc& disc : discs) {
-        const auto fill = premultiplied(disc.style.fill);
-        const auto stroke = premultiplied(disc.style.stroke);
-        const std::array<uchar, 4> none{0, 0, 0, 0};
-        struct Ring
-        {
-            double radius;
-            std::array<uchar, 4> colour;
-        };
-        std::array<Ring, 4> rings{};
-        int count = 0;
-        const double sw = disc.style.strokeWidth;
-        if (sw > 0) {
-            rings[0] = {std::max(0.0, disc.r - sw - 0.5), fill};
-            rings[1] = {std::max(0.0, disc.r - sw + 0.5), stroke};
-            rings[2] = {std::max(0.0, disc.r - 0.5), stroke};
-            rings[3] = {disc.r + 0.5, none};
-            count = 4;
-        } else {
-            rings[0] = {std::max(0.0, disc.r - 0.5), fill};
-            rings[1] = {disc.r + 0.5, none};
-            count = 2;
-        }
-        const auto put = [&v](int at, double x, double y, const std::array<uchar, 4>& c) {
-            v[at].set(float(x), float(y), c[0], c[1], c[2], c[3]);
-        };
-        put(base, disc.centre.x(), disc.centre.y(), fill);
-        const int n = disc.segments;
-        for (int s = 0; s < n; ++s) {
-            const double angle = 2 * M_PI * s / n;
-            const double cx = std::cos(angle);
-            const double sy = std::sin(angle);
-            for (int ring = 0; ring < count; ++ring)
-                put(base + 1 + ring * n + s, disc.centre.x() + cx * rings[size_t(ring)].radius,
-                    disc.centre.y() + sy * rings[size_t(ring)].radius, rings[size_t(ring)].colour);
-        }
-        for (int s = 0; s < n; ++s) {
-            const int next = (s + 1) % n;
-            *idx++ = quint32(base);
-            *idx++ = quint32(base + 1 + s);
-            *idx++ = quint32(base + 1 + next);
-            for (int ring = 0; ring + 1 < count; ++ring) {
-                const int inner = base + 1 + ring * n;
-                const int outer = inner + n;
-                *idx++ = quint32(inner + s);
-                *idx++ = quint32(outer + s);
-                *idx++ = quint32(outer + next);
-                *idx++ = quint32(inner + s);
-                *idx++ = quint32(outer + next);
-                *idx++ = quint32(inner + next);
-            }
-        }
-        base += 1 + count * n;
-    }
-    node->markDirty(QSGNode::DirtyGeometry | QSGNode::DirtyMaterial);
-    return node;
-}
-
-QSGNode* BubbleMap::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
-{
-    QQuickWindow* view = window();
-    if (!view || width() <= 0 || height() <= 0 || m_drawn.empty()) {
-        delete old;
-        return nullptr;
-    }
-    QElapsedTimer spent;
-    spent.start();
-    const bool software = view->rendererInterface()->graphicsApi() == QSGRendererInterface::Software;
-    // One node for the life of the item, holding the discs (hardware only) and the painted image
-    // above them: nodes that come and go every frame lose their place in the software renderer.
-    struct MapNode : QSGNode
-    {
-        QSGGeometryNode* discs = nullptr;
-        QSGImageNode* layer = nullptr;
-        std::unique_ptr<QSGTexture> texture;
-    };
-    auto* root = static_cast<MapNode*>(old);
-    if (!root) {
-        root = new MapNode;
-        if (!software) {
-            root->discs = static_cast<QSGGeometryNode*>(buildGeometry(nullptr));
-            root->appendChildNode(root->discs);
-        }
-        root->layer = view->createImageNode();
-        root->layer->setFiltering(QSGTexture::Linear);
-        root->appendChildNode(root->layer);
-    }
-    if (root->discs)
-        buildGeometry(root->discs);
-
-    const qreal ratio = view->devicePixelRatio();
-    QImage image(QSize(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio))),
-                 QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::transparent);
-    {
-        QPainter painter(&image);
-        paintBubbles(painter, size(), software, true);
-    }
-    std::unique_ptr<QSGTexture> texture(view->createTextureFromImage(image));
-    root->layer->setTexture(texture.get());
-    root->texture = std::move(texture); // the previous frame's texture goes now
-    root->layer->setRect(QRectF(0, 0, width(), height()));
-    root->layer->markDirty(QSGNode::DirtyMaterial);
-    m_syncNanoseconds = spent.nsecsElapsed();
-    return root;
+    if (newGeometry.size() != oldGeometry.size())
+        repaintAll();
 }
 
 } // namespace nubo

@@ -1,21 +1,22 @@
 #pragma once
 
+#include "BubblePainter.h"
+#include "MapPicture.h"
 #include "core/layout/BubbleLayout.h"
 #include "models/map/MapModel.h"
 #include "models/map/MapScene.h"
 
 #include <QColor>
-#include <QImage>
 #include <QPointer>
 #include <QQuickItem>
 #include <QVariantAnimation>
 #include <QtQml/qqmlregistration.h>
 
+#include <array>
 #include <atomic>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
-class QFontMetricsF;
 class QPainter;
 class QSGNode;
 
@@ -24,10 +25,13 @@ namespace nubo {
 class FileNode;
 
 /// The bubble map: the folder on show as a large circle, its children packed inside it and the
-/// children of every child that opens inside those, drawn as one batch of scene-graph geometry
-/// (or, where the scene graph draws in software, painted into one image). Opening a folder zooms
-/// into its circle and leaving it zooms out. A tap opens a folder or marks anything else; the
-/// pointer over a child makes it the model's hovered node; a right click asks for the node menu.
+/// children of every child that opens inside those. The map at rest is painted once into a
+/// picture, and again only where something changed (the hovered child repaints its own circle).
+/// Opening a folder zooms into its circle and leaving it zooms out: the zoom moves and scales the
+/// pictures of the two levels and crossfades them, so no frame of it paints a bubble. After a
+/// deletion the bubbles that stay glide to their new places, painted frame by frame. A tap opens
+/// a folder or marks anything else; the pointer over a child makes it the model's hovered node; a
+/// right click asks for the node menu. Nothing is ever drawn outside the item.
 class BubbleMap : public QQuickItem
 {
     Q_OBJECT
@@ -60,22 +64,16 @@ public:
     [[nodiscard]] int bubbleCount() const { return int(m_scene.size()); }
     [[nodiscard]] QString toolTip() const { return m_toolTip; }
     [[nodiscard]] QPointF pointer() const { return m_pointer; }
-    /// How long the item itself took to prepare its latest frame (geometry, labels, image), for
-    /// the benchmark; the scene graph's render comes on top.
-    [[nodiscard]] qint64 syncNanoseconds() const { return m_syncNanoseconds.load(); }
+    /// How long the item itself took to prepare its latest frame on the user-interface thread
+    /// (painting, if anything needed it, and handing the pictures over), for the benchmark; the
+    /// scene graph's render comes on top.
+    [[nodiscard]] qint64 workNanoseconds() const { return m_workNanoseconds.load(); }
 
     /// Where the child bubble named `name` sits in this item (its centre and radius as x, y,
     /// width); an empty rectangle when no child has that name. For tests and tools.
     Q_INVOKABLE QRectF childBubble(const QString& name) const;
-    /// Starts the zoom from the previous folder again, from its first frame.
-    Q_INVOKABLE void restartZoom();
 
-    /// The name a bubble shows in `width`: whole, cut at its end with "…", or nothing when the cut
-    /// would leave fewer than a few letters, which nobody could read.
-    [[nodiscard]] static QString fittedName(const QString& name, const QFontMetricsF& metrics, double width);
-
-    /// Paints the bubbles and labels into `painter` over a view of `size`; the software path
-    /// and the label layer of the geometry path both come here.
+    /// Paints the bubbles (and their labels) at rest over a view of `size`, for the benchmark.
     void paintBubbles(QPainter& painter, QSizeF size, bool circles, bool labels);
 
 signals:
@@ -88,6 +86,7 @@ signals:
     void menuRequested(qreal x, qreal y);
 
 protected:
+    void updatePolish() override;
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData*) override;
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
     void hoverEnterEvent(QHoverEvent* event) override;
@@ -97,79 +96,67 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    struct Look
-    {
-        QColor fill;
-        QColor stroke;
-        double strokeWidth = 0;
-    };
-    // One bubble of the picture, with its role before and after the running zoom (-1: absent).
-    struct Drawn
-    {
-        const FileNode* node = nullptr;
-        PackedCircle circle;
-        int depth = 0;
-        int roleFrom = -1;
-        int roleTo = -1;
-        // Where a bubble stood before the tree changed under it (a deletion), so that it moves.
-        PackedCircle before;
-        bool moved = false;
-
-        [[nodiscard]] PackedCircle at(double t) const;
-    };
+    // The pictures a frame shows, bottom first, each with its opacity.
+    using Layers = std::array<std::pair<const MapPicture*, double>, 2>;
 
     void rebuild();
     void animate(int duration, QEasingCurve::Type easing);
     void loadIcons();
     void currentMoved();
     void treeChanged();
-    void compose(const std::vector<MapScene::Bubble>* from);
+    void hoverMoved();
+    void repaintAll();
+    void repaint(const QRectF& region);
+    void paintShown();
     void pointAt(QPointF position);
     [[nodiscard]] int childAt(QPointF position) const;
+    [[nodiscard]] PackedCircle camera() const;
     [[nodiscard]] MapTransform transform() const;
-    [[nodiscard]] QColor kindColor(const FileNode* node);
-    [[nodiscard]] Look look(const Drawn& drawn, int role, QColor kind) const;
-    [[nodiscard]] Look blended(const Drawn& drawn, QColor kind) const;
-    QSGNode* buildGeometry(QSGNode* node);
-    const QImage& sprite(const Look& style, double r, qreal ratio);
-
-    struct PairHash
-    {
-        size_t operator()(const std::pair<quint64, quint64>& key) const
-        {
-            return std::hash<quint64>()(key.first) ^
-                   (std::hash<quint64>()(key.second) * 0x9E3779B97F4A7C15ULL);
-        }
-    };
+    [[nodiscard]] QRectF bubbleRect(const FileNode* node, const PackedCircle& camera) const;
+    [[nodiscard]] Layers layers() const;
+    [[nodiscard]] MapPicture onScreen();
 
     QPointer<MapModel> m_model;
     BubbleLayout m_layout;
+    BubblePainter m_painter;
     const FileNode* m_root = nullptr;
     const FileNode* m_shownRoot = nullptr; // the root of the tree at the last change of revision
     const FileNode* m_current = nullptr;
     std::vector<MapScene::Bubble> m_scene;
-    std::vector<Drawn> m_drawn;
-    std::unordered_map<const FileNode*, QColor> m_kinds;
+    std::vector<DrawnBubble> m_drawn;
     PackedCircle m_from{0, 0, 1};
     PackedCircle m_to{0, 0, 1};
     QVariantAnimation m_zoom;
     qreal m_progress = 1;
+    // A zoom moves pictures; any other animation (a deletion's glide, a new tree fading in)
+    // paints every frame.
+    bool m_zooming = false;
+
+    // The current folder's picture, and during a zoom the one it replaces.
+    MapPicture m_shown;
+    MapPicture m_leaving;
+    bool m_leavingOnTop = false; // zooming out: the deeper level shrinks into place above
+    quint64 m_lastPicture = 0;
+    // What the shown picture still lacks: all of it, or the region (view coordinates).
+    bool m_stale = true;
+    QRectF m_staleRegion;
+    const FileNode* m_hoverPainted = nullptr;
+
     int m_pressed = -1;
     const FileNode* m_pointed = nullptr;
     QString m_toolTip;
     QPointF m_pointer;
 
-    QColor m_frameColor{0xF5, 0xF5, 0xF7};
-    QColor m_strokeColor{0, 0, 0, 26};
-    QColor m_markColor{0xE0, 0x35, 0x2B};
-    QColor m_hoverColor{0x1D, 0x1D, 0x1F};
-    QColor m_textColor{0xFF, 0xFF, 0xFF};
+    QColor m_frameColor = BubblePainter::Style{}.frame;
+    QColor m_strokeColor = BubblePainter::Style{}.stroke;
+    QColor m_markColor = BubblePainter::Style{}.mark;
+    QColor m_hoverColor = BubblePainter::Style{}.hover;
+    QColor m_textColor = BubblePainter::Style{}.text;
     QString m_fontFamily;
     int m_zoomDuration = 520;
     int m_reflowDuration = 450;
-    QImage m_icons[11];
-    std::atomic<qint64> m_syncNanoseconds{0};
-    std::unordered_map<std::pair<quint64, quint64>, QImage, PairHash> m_sprites;
+    std::atomic<qint64> m_workNanoseconds{0};
+    qint64 m_polishNanoseconds = 0;
 };
 
 } // namespace nubo

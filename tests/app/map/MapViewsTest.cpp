@@ -1,6 +1,7 @@
 #include "app/support/UiWorld.h"
 
-#include "app/map/BubbleMap.h"
+#include "app/map/BubblePainter.h"
+#include "app/map/MapPicture.h"
 #include "core/scanner/FileNode.h"
 #include "models/map/MapModel.h"
 
@@ -8,6 +9,8 @@
 #include <QFontMetricsF>
 #include <QTest>
 #include <algorithm>
+#include <cmath>
+#include <functional>
 
 using namespace nubo;
 using namespace nubo::test;
@@ -82,6 +85,23 @@ protected:
         return found ? found : window.findChild<QObject*>(QString::fromUtf8(name));
     }
 
+    // How many pixels (of every third row and column, where `where` holds) differ by more than
+    // the shade that painting an edge again may leave.
+    static int differing(const QImage& a, const QImage& b, const std::function<bool(int, int)>& where = {})
+    {
+        int count = 0;
+        for (int y = 0; y < std::min(a.height(), b.height()); y += 3) {
+            for (int x = 0; x < std::min(a.width(), b.width()); x += 3) {
+                const QRgb p = a.pixel(x, y);
+                const QRgb q = b.pixel(x, y);
+                const int most = std::max({std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
+                                           std::abs(qBlue(p) - qBlue(q)), std::abs(qAlpha(p) - qAlpha(q))});
+                count += most > 2 && (!where || where(x, y));
+            }
+        }
+        return count;
+    }
+
     static void resize(QQuickWindow& window, QSize size)
     {
         window.resize(size);
@@ -128,9 +148,16 @@ TEST_F(MapViewsTest, WalkThroughTheMap)
     // The hovered bubble follows the pointer at both sizes, and leaving the bubbles clears it.
     map().toggleMark(child(u"backup.tar"));
     map().toggleMark(child(u"Downloads")->children().front().get());
+    hover(window, bubble(window, "Movies"));
     hover(window, bubble(window, "Projects"));
     ASSERT_NE(map().hovered(), nullptr);
     EXPECT_EQ(map().hovered()->name(), QStringLiteral("Projects"));
+    // The pointer repaints only the bubbles it left and entered, and leaves the picture a whole
+    // painting gives.
+    QQuickItem& bubbles = named(window, QStringLiteral("bubbleMap"));
+    const QImage repainted = window.grabWindow();
+    bubbles.setProperty("zoomDuration", bubbles.property("zoomDuration").toInt() + 1);
+    EXPECT_EQ(differing(window.grabWindow(), repainted), 0);
     EXPECT_GT(distinctColours(snapshot(window, DefaultSize, QStringLiteral("map-home-default"))), 40)
         << "the map looks empty";
     hover(window, bubble(window, "Projects"));
@@ -165,13 +192,29 @@ TEST_F(MapViewsTest, WalkThroughTheMap)
     clickAt(window, bubble(window, "Documents"));
     EXPECT_EQ(map().markedCount(), 1);
     EXPECT_EQ(map().current(), map().root());
+
+    // Once the zoom into a folder ends, the map draws that folder alone: around its circle the
+    // map shows what it showed around the root's, and nothing spills over the window's other
+    // parts. The pointer rests on the inspector, which changes with the folder anyway.
+    const QPoint aside(window.width() - 320, window.height() - 10);
+    QTest::mouseMove(&window, aside);
+    const QImage atRoot = snapshot(window, DefaultSize, QStringLiteral("map-home-at-rest"));
     clickAt(window, bubble(window, "Projects"));
     EXPECT_EQ(map().currentName(), QStringLiteral("Projects"));
     EXPECT_TRUE(goUp.isEnabled());
+    QTest::mouseMove(&window, aside);
     QTest::qWait(Settle + 200); // the zoom ends
+    const QImage opened = snapshot(window, DefaultSize, QStringLiteral("map-folder-at-rest"));
+    const QRectF area = bubbles.mapRectToScene(QRectF(0, 0, bubbles.width(), bubbles.height()));
+    const double frame = std::min(area.width(), area.height()) / 2 - 18;
+    const int changed = differing(atRoot, opened, [&](int x, int y) {
+        const QPointF from = QPointF(x, y) - area.center();
+        const bool beside = x < area.left() - 2 && y > area.top();
+        return beside || (area.contains(x, y) && std::hypot(from.x(), from.y()) > frame);
+    });
+    EXPECT_EQ(changed, 0) << "pixels around the opened folder or beside the map changed";
 
     // An inspector row's circle marks its folder and shows it, and does not open the folder.
-    QTest::mouseMove(&window, QPoint(window.width() - 320, window.height() - 10));
     QQuickItem* circle = nullptr;
     for (QQuickItem* item : drawn(window)) {
         if (item->objectName() == u"rowCheck" && item->parentItem()->parentItem()->property("name").toString() == u"app")
@@ -243,9 +286,34 @@ TEST(BubbleLabel, ANameThatDoesNotFitIsCutAtItsEndOrLeftOut)
 {
     const QFontMetricsF metrics{QFont()};
     const QString name = QStringLiteral("Documentos del trabajo");
-    EXPECT_EQ(BubbleMap::fittedName(name, metrics, 1000), name);
+    EXPECT_EQ(BubblePainter::fittedName(name, metrics, 1000), name);
     const QString cut =
-        BubbleMap::fittedName(name, metrics, metrics.horizontalAdvance(QStringLiteral("Documentos…")));
+        BubblePainter::fittedName(name, metrics, metrics.horizontalAdvance(QStringLiteral("Documentos…")));
     EXPECT_TRUE(cut.startsWith(QStringLiteral("Docu")) && cut.endsWith(QChar(0x2026))) << cut.toStdString();
-    EXPECT_EQ(BubbleMap::fittedName(name, metrics, metrics.horizontalAdvance(QStringLiteral("Do…"))), QString());
+    EXPECT_EQ(BubblePainter::fittedName(name, metrics, metrics.horizontalAdvance(QStringLiteral("Do…"))), QString());
+}
+
+// During a zoom a picture painted under one camera is shown under another: moved and scaled with
+// it, cut to the view, never reaching beyond it. A 100×50 view with a margin of 5 fits a camera's
+// radius in 20 points; the image holds two pixels per point.
+TEST(MapPicture, LandsWhereTheCameraPutsItAndOnlyInsideTheView)
+{
+    MapPicture picture{QImage(200, 100, QImage::Format_ARGB32_Premultiplied), {0, 0, 1}, 1};
+    picture.image.setDevicePixelRatio(2);
+    const struct
+    {
+        PackedCircle camera;
+        QRectF target;
+        QRectF source;
+    } rows[] = {
+        {{0, 0, 1}, {0, 0, 100, 50}, {0, 0, 200, 100}},      // its own camera: all of it, as it is
+        {{0.5, 0, 0.5}, {0, 0, 100, 50}, {70, 25, 100, 50}}, // zoomed into a circle right of centre
+        {{0, 0, 2}, {25, 12.5, 50, 25}, {0, 0, 200, 100}},   // zoomed out: half as large, centred
+        {{10, 0, 1}, {}, {}},                                // far away: nothing of it shows
+    };
+    for (const auto& row : rows) {
+        const MapPicture::Placement placed = picture.placed(row.camera, QSizeF(100, 50), 5);
+        EXPECT_EQ(placed.target, row.target) << row.camera.x << " " << row.camera.r;
+        EXPECT_EQ(placed.source, row.source) << row.camera.x << " " << row.camera.r;
+    }
 }
