@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <mutex>
 #include <unordered_map>
 
 namespace nubo {
@@ -35,9 +36,30 @@ int depthOf(const FileNode* node)
     return depth;
 }
 
+int roleIndex(MapScene::Role role)
+{
+    switch (role) {
+    case MapScene::Role::Child:
+        return BubblePainter::Bubble::Child;
+    case MapScene::Role::Grandchild:
+        return BubblePainter::Bubble::Grandchild;
+    case MapScene::Role::Context:
+        break;
+    }
+    return BubblePainter::Bubble::Context;
+}
+
 } // namespace
 
-BubbleMap::BubbleMap(QQuickItem* parent) : QQuickItem(parent)
+// The painter of the pictures ordered off this thread. A superseded order may still be painting
+// when the next one starts; the lock keeps them one after the other on the one disc cache.
+struct BubbleMap::Worker
+{
+    std::mutex lock;
+    BubblePainter painter;
+};
+
+BubbleMap::BubbleMap(QQuickItem* parent) : QQuickItem(parent), m_worker(std::make_shared<Worker>())
 {
     setFlag(ItemHasContents);
     setAcceptHoverEvents(true);
@@ -69,7 +91,8 @@ void BubbleMap::setModel(MapModel* model)
         connect(m_model, &MapModel::hoveredChanged, this, &BubbleMap::hoverMoved);
         connect(m_model, &QObject::destroyed, this, [this] {
             m_scene.clear();
-            m_drawn.clear();
+            m_bubbles.clear();
+            m_nodes.clear();
             m_hoverPainted = nullptr;
         });
     }
@@ -83,12 +106,12 @@ void BubbleMap::setZoomProgress(qreal progress)
     if (qFuzzyCompare(progress, m_progress))
         return;
     m_progress = progress;
-    if (!m_zooming) {
+    if (!m_crossfading) {
         repaintAll(); // a glide or a fade paints every frame
     } else if (m_progress >= 1) {
         // The zoom has ended: the picture it replaced goes, and whatever changed during it (the
         // pointer over another child, say) is painted now.
-        m_zooming = false;
+        m_crossfading = false;
         m_leaving = {};
         polish();
     }
@@ -110,20 +133,19 @@ void BubbleMap::rebuild()
 {
     m_zoom.stop();
     m_progress = 1;
-    m_zooming = false;
+    m_crossfading = false;
     m_leaving = {};
     // A new tree may reuse the addresses of the old one's nodes: nothing cached may survive it.
     m_layout = BubbleLayout{};
-    m_painter.forgetNodes();
-    m_scene.clear();
     m_root = m_model ? m_model->root() : nullptr;
     m_current = m_model ? m_model->current() : nullptr;
+    std::vector<MapScene::Bubble> scene;
     if (m_model && m_current) {
         m_layout.reset(m_model->revision());
-        m_scene = MapScene::build(m_layout, *m_current);
+        scene = MapScene::build(m_layout, *m_current);
         m_to = m_from = m_layout.circle(*m_current);
     }
-    m_drawn = DrawnBubble::fromScene(m_scene);
+    setScene(std::move(scene));
     loadIcons();
     m_pointed = nullptr;
     m_hoverPainted = nullptr;
@@ -161,26 +183,39 @@ void BubbleMap::loadIcons()
 void BubbleMap::treeChanged()
 {
     // A deletion keeps the tree: the bubbles that stay glide to their new places. A new tree
-    // fades in. Only the addresses of the old bubbles are read here, never the nodes, since the
-    // deleted ones are already gone.
+    // fades in over the picture of the old one. Only the addresses of the old bubbles are read
+    // here, never the nodes, since the deleted ones are already gone.
     const FileNode* root = m_model ? m_model->root() : nullptr;
     const bool sameTree = m_shownRoot && root == m_shownRoot;
     m_shownRoot = root;
     std::unordered_map<const FileNode*, PackedCircle> before;
+    MapPicture old;
     if (sameTree) {
-        for (const DrawnBubble& drawn : m_drawn)
-            before.emplace(drawn.node, drawn.at(m_zooming ? 1 : m_progress));
+        for (size_t i = 0; i < m_bubbles.size(); ++i)
+            before.emplace(m_nodes[i], m_bubbles[i].at(m_crossfading ? 1 : m_progress));
+    } else {
+        old = onScreen();
     }
     rebuild();
-    if (m_drawn.empty() || !isVisible())
+    if (m_bubbles.empty() || !isVisible())
         return;
-    for (DrawnBubble& drawn : m_drawn) {
-        const auto found = before.find(drawn.node);
+    if (!sameTree) {
+        m_shown = {};
+        m_leaving = std::move(old);
+        m_leaving.camera = m_to; // the old picture stays where it is while it fades
+        m_leavingOnTop = false;
+        m_crossfading = true;
+        animate(m_reflowDuration, QEasingCurve::OutCubic);
+        return;
+    }
+    for (size_t i = 0; i < m_bubbles.size(); ++i) {
+        const auto found = before.find(m_nodes[i]);
         if (found == before.end())
             continue;
-        drawn.before = found->second;
-        drawn.moved = true;
-        drawn.roleFrom = drawn.roleTo;
+        BubblePainter::Bubble& bubble = m_bubbles[i];
+        bubble.before = found->second;
+        bubble.moved = true;
+        bubble.roleFrom = bubble.roleTo;
     }
     animate(m_reflowDuration, QEasingCurve::OutCubic);
 }
@@ -205,15 +240,56 @@ void BubbleMap::currentMoved()
     m_leavingOnTop = depthOf(m_current) > depthOf(next);
     m_shown = {};
     m_current = next;
-    m_scene = MapScene::build(m_layout, *next);
-    m_drawn = DrawnBubble::fromScene(m_scene);
+    setScene(MapScene::build(m_layout, *next));
     m_hoverPainted = nullptr;
     m_from = from;
     m_to = m_layout.circle(*next);
-    m_zooming = true;
+    m_crossfading = true;
     emit sceneChanged();
     repaintAll();
     animate(m_zoomDuration, QEasingCurve::InOutCubic);
+}
+
+void BubbleMap::setScene(std::vector<MapScene::Bubble> scene)
+{
+    m_scene = std::move(scene);
+    std::vector<std::pair<int, size_t>> order; // depth, index: parents paint before what they hold
+    order.reserve(m_scene.size());
+    for (size_t i = 0; i < m_scene.size(); ++i)
+        order.emplace_back(depthOf(m_scene[i].node), i);
+    std::stable_sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::array<QColor, FileKinds::all.size()> colours;
+    for (FileKind kind : FileKinds::all)
+        colours[size_t(kind)] = QColor::fromString(FileKinds::color(kind));
+    m_bubbles.clear();
+    m_nodes.clear();
+    m_bubbles.reserve(m_scene.size());
+    m_nodes.reserve(m_scene.size());
+    for (const auto& [depth, index] : order) {
+        const MapScene::Bubble& from = m_scene[index];
+        const FileNode* node = from.node;
+        BubblePainter::Bubble bubble;
+        bubble.circle = from.circle;
+        bubble.roleTo = roleIndex(from.role); // arriving: a new tree fades in
+        bubble.kind = colours[size_t(node->kind()) % colours.size()];
+        bubble.icon = int(node->kind());
+        bubble.folder = node->canDrill();
+        if (from.role == MapScene::Role::Child) {
+            bubble.name = node->name();
+            bubble.size = node->size();
+        }
+        m_bubbles.push_back(std::move(bubble));
+        m_nodes.push_back(node);
+    }
+}
+
+void BubbleMap::refreshLooks()
+{
+    const FileNode* hovered = m_model ? m_model->hovered() : nullptr;
+    for (size_t i = 0; i < m_bubbles.size(); ++i) {
+        m_bubbles[i].marked = m_model && m_model->isMarked(m_nodes[i]);
+        m_bubbles[i].hovered = m_nodes[i] == hovered;
+    }
 }
 
 void BubbleMap::hoverMoved()
@@ -225,7 +301,8 @@ void BubbleMap::hoverMoved()
 
 void BubbleMap::repaintAll()
 {
-    m_stale = true;
+    ++m_state;
+    setStale(true);
     polish();
     update();
 }
@@ -254,14 +331,13 @@ QRectF BubbleMap::bubbleRect(const FileNode* node, const PackedCircle& at) const
     if (!node)
         return {};
     const MapTransform place(at, size(), Margin);
-    for (const DrawnBubble& drawn : m_drawn) {
-        if (drawn.node != node)
-            continue;
-        const QPointF centre = place.toView(drawn.circle.x, drawn.circle.y);
-        const double r = place.toView(drawn.circle.r) + HoverReach;
-        return {centre.x() - r, centre.y() - r, 2 * r, 2 * r};
-    }
-    return {};
+    const auto found = std::find(m_nodes.begin(), m_nodes.end(), node);
+    if (found == m_nodes.end())
+        return {};
+    const PackedCircle& circle = m_bubbles[size_t(found - m_nodes.begin())].circle;
+    const QPointF centre = place.toView(circle.x, circle.y);
+    const double r = place.toView(circle.r) + HoverReach;
+    return {centre.x() - r, centre.y() - r, 2 * r, 2 * r};
 }
 
 int BubbleMap::childAt(QPointF position) const
@@ -282,23 +358,24 @@ QRectF BubbleMap::childBubble(const QString& name) const
     return {};
 }
 
-void BubbleMap::paintBubbles(QPainter& painter, QSizeF area, bool circles, bool labels)
+void BubbleMap::paintBubbles(QPainter& painter, QSizeF area)
 {
-    m_painter.paint(painter, m_drawn, MapTransform(camera(), area, Margin), m_progress, QRectF(QPointF(0, 0), area),
-                    m_model, circles, labels);
+    refreshLooks();
+    m_painter.paint(painter, m_bubbles, MapTransform(camera(), area, Margin), m_progress, QRectF(QPointF(0, 0), area));
 }
 
 void BubbleMap::paintShown()
 {
+    // On this thread: a frame of a glide, which changes every frame, and the patches the pointer
+    // asks for, which are small.
+    refreshLooks();
     const qreal ratio = window() ? window()->devicePixelRatio() : 1.0;
     const QSize pixels(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio)));
-    // A zoom paints its destination at rest; a glide or a fade paints the frame it is at.
-    const PackedCircle at = m_zooming ? m_to : camera();
-    const double t = m_zooming ? 1.0 : m_progress;
+    const PackedCircle at = camera();
     const MapTransform place(at, size(), Margin);
-    const bool inPlace = !m_stale && m_shown.image.size() == pixels &&
-                         m_shown.image.devicePixelRatio() == ratio && m_shown.camera == at;
-    if (inPlace) {
+    const bool patch = !m_stale && m_shown.image.size() == pixels && m_shown.image.devicePixelRatio() == ratio &&
+                       m_shown.camera == at;
+    if (patch) {
         // Everything that meets the region is painted again, in order, into an image of its own
         // that starts on whole pixels of the picture, and copied over: the very pixels a whole
         // painting gives there (a clip would blend the edges a shade differently).
@@ -307,50 +384,107 @@ void BubbleMap::paintShown()
                                       .intersected(m_shown.image.rect());
         if (!pixelRegion.isEmpty()) {
             const QPointF origin = QPointF(pixelRegion.topLeft()) / ratio;
-            QImage patch(pixelRegion.size(), QImage::Format_ARGB32_Premultiplied);
-            patch.setDevicePixelRatio(ratio);
-            patch.fill(Qt::transparent);
+            QImage patchImage(pixelRegion.size(), QImage::Format_ARGB32_Premultiplied);
+            patchImage.setDevicePixelRatio(ratio);
+            patchImage.fill(Qt::transparent);
             {
-                QPainter painter(&patch);
+                QPainter painter(&patchImage);
                 painter.translate(-origin);
-                m_painter.paint(painter, m_drawn, place, t, QRectF(origin, patch.deviceIndependentSize()), m_model,
-                                true, true);
+                m_painter.paint(painter, m_bubbles, place, m_progress, QRectF(origin, patchImage.deviceIndependentSize()));
             }
             QPainter painter(&m_shown.image);
             painter.setCompositionMode(QPainter::CompositionMode_Source);
-            painter.drawImage(origin, patch);
+            painter.drawImage(origin, patchImage);
         }
     } else {
         m_shown.image = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
         m_shown.image.setDevicePixelRatio(ratio);
         m_shown.image.fill(Qt::transparent);
         QPainter painter(&m_shown.image);
-        m_painter.paint(painter, m_drawn, place, t, QRectF(QPointF(0, 0), size()), m_model, true, true);
+        m_painter.paint(painter, m_bubbles, place, m_progress, QRectF(QPointF(0, 0), size()));
     }
     m_shown.camera = at;
     m_shown.id = ++m_lastPicture;
-    m_stale = false;
+    setStale(false);
     m_staleRegion = {};
     m_hoverPainted = m_model ? m_model->hovered() : nullptr;
+}
+
+void BubbleMap::order()
+{
+    // Everything the picture needs is copied here; the worker reads nothing else.
+    refreshLooks();
+    const qreal ratio = window() ? window()->devicePixelRatio() : 1.0;
+    const QSizeF view = size();
+    const PackedCircle at = m_to;
+    const quint64 state = m_state;
+    const FileNode* hovered = m_model ? m_model->hovered() : nullptr;
+    m_ordered = state;
+    m_jobs.start(
+        QStringLiteral("picture"),
+        [worker = m_worker, bubbles = m_bubbles, style = m_painter.style, icons = m_painter.icons, view, ratio,
+         at](StopToken stop) {
+            MapPicture picture{{}, at, 0};
+            if (stop.stopRequested())
+                return picture;
+            picture.image = QImage(QSize(int(std::ceil(view.width() * ratio)), int(std::ceil(view.height() * ratio))),
+                                   QImage::Format_ARGB32_Premultiplied);
+            picture.image.setDevicePixelRatio(ratio);
+            picture.image.fill(Qt::transparent);
+            const std::lock_guard hold(worker->lock);
+            worker->painter.style = style;
+            worker->painter.icons = icons;
+            QPainter painter(&picture.image);
+            worker->painter.paint(painter, bubbles, MapTransform(at, view, Margin), 1.0, QRectF(QPointF(0, 0), view));
+            return picture;
+        },
+        [this, state, hovered](MapPicture picture) {
+            if (state != m_state)
+                return; // a newer picture is on its way
+            picture.id = ++m_lastPicture;
+            m_shown = std::move(picture);
+            setStale(false);
+            m_staleRegion = {};
+            m_hoverPainted = hovered;
+            if (m_model && m_model->hovered() != hovered)
+                hoverMoved(); // the pointer moved while it was painted
+            update();
+        },
+        [this] { setStale(false); }); // the picture on screen stays; the next change asks again
+}
+
+void BubbleMap::setStale(bool stale)
+{
+    if (stale == m_stale)
+        return;
+    m_stale = stale;
+    emit paintingChanged();
 }
 
 void BubbleMap::updatePolish()
 {
     QElapsedTimer spent;
     spent.start();
-    // During a zoom its destination is painted once; what changes meanwhile waits for its end.
-    const bool waits = m_zooming && !m_shown.image.isNull();
-    if (!waits && (m_stale || !m_staleRegion.isEmpty()) && width() > 0 && height() > 0)
-        paintShown();
+    if (width() > 0 && height() > 0 && !m_bubbles.empty()) {
+        const bool glide = !m_crossfading && m_progress < 1;
+        if (glide)
+            paintShown();
+        else if (m_stale && m_ordered != m_state)
+            order();
+        // A patch waits for a whole picture on its way, and for the end of a crossfade.
+        else if (!m_stale && !m_staleRegion.isEmpty() && !m_crossfading)
+            paintShown();
+    }
     m_polishNanoseconds = spent.nsecsElapsed();
 }
 
 BubbleMap::Layers BubbleMap::layers() const
 {
-    if (!m_zooming || m_leaving.image.isNull())
+    if (!m_crossfading)
         return {{{nullptr, 0}, {&m_shown, 1}}};
-    // The level arriving appears over the first half of the zoom; the one leaving fades all the
-    // way. The deeper level lies on top, so that zooming out shows it shrinking into its place.
+    // The picture arriving appears over the first half of the animation; the one leaving fades
+    // all the way. The deeper level lies on top, so that zooming out shows it shrinking into
+    // its place.
     const std::pair<const MapPicture*, double> arriving{&m_shown, std::min(1.0, 2 * m_progress)};
     const std::pair<const MapPicture*, double> leaving{&m_leaving, 1 - m_progress};
     return m_leavingOnTop ? Layers{arriving, leaving} : Layers{leaving, arriving};
@@ -358,16 +492,23 @@ BubbleMap::Layers BubbleMap::layers() const
 
 MapPicture BubbleMap::onScreen()
 {
-    if (!m_zooming || m_leaving.image.isNull())
+    if (!m_crossfading)
         return std::move(m_shown);
-    // Interrupted in the middle of a zoom: the two pictures as they stand become one.
-    MapPicture picture{QImage(m_shown.image.size(), QImage::Format_ARGB32_Premultiplied), camera(), ++m_lastPicture};
-    picture.image.setDevicePixelRatio(m_shown.image.devicePixelRatio());
+    // Interrupted in the middle of a crossfade: the two pictures as they stand become one.
+    if (m_shown.image.isNull() && m_leaving.image.isNull())
+        return {};
+    const qreal ratio = window() ? window()->devicePixelRatio() : 1.0;
+    MapPicture picture{QImage(QSize(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio))),
+                              QImage::Format_ARGB32_Premultiplied),
+                       camera(), ++m_lastPicture};
+    if (picture.image.isNull())
+        return {};
+    picture.image.setDevicePixelRatio(ratio);
     picture.image.fill(Qt::transparent);
     QPainter painter(&picture.image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const auto& [layer, opacity] : layers()) {
-        const MapPicture::Placement placed = layer ? layer->placed(picture.camera, size(), Margin)
+        const MapPicture::Placement placed = layer && opacity > 0 ? layer->placed(picture.camera, size(), Margin)
                                                    : MapPicture::Placement{};
         if (placed.target.isEmpty())
             continue;
@@ -380,58 +521,54 @@ MapPicture BubbleMap::onScreen()
 QSGNode* BubbleMap::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
 {
     QQuickWindow* view = window();
-    if (!view || width() <= 0 || height() <= 0 || m_drawn.empty() || m_shown.image.isNull()) {
+    if (!view || width() <= 0 || height() <= 0 || m_bubbles.empty() ||
+        (m_shown.image.isNull() && m_leaving.image.isNull())) {
         delete old;
         return nullptr;
     }
     QElapsedTimer spent;
     spent.start();
-    // Two fixed layers for the life of the item (nodes that come and go every frame lose their
-    // place in the software renderer), each an image under an opacity; a texture is made once
-    // per picture and kept while a layer shows it.
+    // Two layers, each an image under an opacity, made the first time they show something and
+    // kept for the life of the item; a texture is made once per picture and kept while a layer
+    // shows it. The root is an opacity node (always opaque) rather than a plain one: the
+    // software renderer keeps the place of opacity nodes, and a layer made later below a plain
+    // node would be drawn at the window's corner.
     struct Layer
     {
         QSGOpacityNode* opacity = nullptr;
         QSGImageNode* image = nullptr;
         quint64 picture = 0;
     };
-    // An opacity node (always opaque) rather than a plain one: the software renderer keeps the
-    // place of opacity nodes, and a change below a plain node would draw at the window's corner.
     struct MapNode : QSGOpacityNode
     {
         std::array<Layer, 2> layers;
         std::unordered_map<quint64, std::unique_ptr<QSGTexture>> textures;
     };
     auto* root = static_cast<MapNode*>(old);
-    if (!root) {
-        // Both layers come whole with the root, each with a texture from its first frame.
+    if (!root)
         root = new MapNode;
-        auto& texture = root->textures[m_shown.id];
-        texture.reset(view->createTextureFromImage(m_shown.image));
-        for (Layer& layer : root->layers) {
-            layer.opacity = new QSGOpacityNode;
-            layer.opacity->setOpacity(0);
-            layer.image = view->createImageNode();
-            layer.image->setFiltering(QSGTexture::Linear);
-            layer.image->setTexture(texture.get());
-            layer.picture = m_shown.id;
-            layer.opacity->appendChildNode(layer.image);
-            root->appendChildNode(layer.opacity);
-        }
-    }
     const PackedCircle now = camera();
     const Layers shown = layers();
     for (size_t i = 0; i < shown.size(); ++i) {
         const auto& [picture, opacity] = shown[i];
-        const MapPicture::Placement placed = picture ? picture->placed(now, size(), Margin) : MapPicture::Placement{};
+        const MapPicture::Placement placed =
+            picture && opacity > 0 ? picture->placed(now, size(), Margin) : MapPicture::Placement{};
         Layer& layer = root->layers[i];
-        if (placed.target.isEmpty() || opacity <= 0) {
-            layer.opacity->setOpacity(0);
+        if (placed.target.isEmpty()) {
+            if (layer.opacity)
+                layer.opacity->setOpacity(0);
             continue;
         }
         auto& texture = root->textures[picture->id];
         if (!texture)
             texture.reset(view->createTextureFromImage(picture->image));
+        const bool fresh = !layer.opacity;
+        if (fresh) {
+            layer.opacity = new QSGOpacityNode;
+            layer.image = view->createImageNode();
+            layer.image->setFiltering(QSGTexture::Linear);
+            layer.opacity->appendChildNode(layer.image);
+        }
         if (layer.picture != picture->id) {
             layer.image->setTexture(texture.get());
             layer.picture = picture->id;
@@ -439,6 +576,10 @@ QSGNode* BubbleMap::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
         layer.image->setRect(placed.target);
         layer.image->setSourceRect(placed.source);
         layer.opacity->setOpacity(opacity);
+        if (fresh && i == 0)
+            root->prependChildNode(layer.opacity); // whole, with its texture, before the renderer sees it
+        else if (fresh)
+            root->appendChildNode(layer.opacity);
     }
     // Textures no layer shows any more go; a hidden layer keeps its own until it shows another.
     std::erase_if(root->textures, [root](const auto& entry) {

@@ -3,6 +3,7 @@
 #include "BubblePainter.h"
 #include "MapPicture.h"
 #include "core/layout/BubbleLayout.h"
+#include "models/app/Jobs.h"
 #include "models/map/MapModel.h"
 #include "models/map/MapScene.h"
 
@@ -14,6 +15,7 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -25,11 +27,13 @@ namespace nubo {
 class FileNode;
 
 /// The bubble map: the folder on show as a large circle, its children packed inside it and the
-/// children of every child that opens inside those. The map at rest is painted once into a
-/// picture, and again only where something changed (the hovered child repaints its own circle).
+/// children of every child that opens inside those. The map at rest is painted into a picture
+/// off the interface thread, from values copied off the tree, while the screen keeps the previous
+/// picture; the hovered child repaints only its own circle, on the interface thread.
 /// Opening a folder zooms into its circle and leaving it zooms out: the zoom moves and scales the
-/// pictures of the two levels and crossfades them, so no frame of it paints a bubble. After a
-/// deletion the bubbles that stay glide to their new places, painted frame by frame. A tap opens
+/// pictures of the two levels and crossfades them, so no frame of it paints a bubble; a new tree
+/// fades in over the old one's picture the same way. After a deletion the bubbles that stay glide
+/// to their new places, painted frame by frame. A tap opens
 /// a folder or marks anything else; the pointer over a child makes it the model's hovered node; a
 /// right click asks for the node menu. Nothing is ever drawn outside the item.
 class BubbleMap : public QQuickItem
@@ -52,6 +56,9 @@ class BubbleMap : public QQuickItem
     /// The name of the child under the pointer, for the tooltip; empty over nothing.
     Q_PROPERTY(QString toolTip READ toolTip NOTIFY toolTipChanged)
     Q_PROPERTY(QPointF pointer READ pointer NOTIFY toolTipChanged)
+    /// Whether the picture on screen is behind what the map shows: a new one is being painted
+    /// (off the interface thread, while the screen keeps the one before). For tests and benchmarks.
+    Q_PROPERTY(bool painting READ painting NOTIFY paintingChanged)
 
 public:
     explicit BubbleMap(QQuickItem* parent = nullptr);
@@ -64,6 +71,7 @@ public:
     [[nodiscard]] int bubbleCount() const { return int(m_scene.size()); }
     [[nodiscard]] QString toolTip() const { return m_toolTip; }
     [[nodiscard]] QPointF pointer() const { return m_pointer; }
+    [[nodiscard]] bool painting() const { return m_stale; }
     /// How long the item itself took to prepare its latest frame on the user-interface thread
     /// (painting, if anything needed it, and handing the pictures over), for the benchmark; the
     /// scene graph's render comes on top.
@@ -73,8 +81,8 @@ public:
     /// width); an empty rectangle when no child has that name. For tests and tools.
     Q_INVOKABLE QRectF childBubble(const QString& name) const;
 
-    /// Paints the bubbles (and their labels) at rest over a view of `size`, for the benchmark.
-    void paintBubbles(QPainter& painter, QSizeF size, bool circles, bool labels);
+    /// Paints the bubbles and their labels as they stand over a view of `size`, for the benchmark.
+    void paintBubbles(QPainter& painter, QSizeF size);
 
 signals:
     void modelChanged();
@@ -82,6 +90,7 @@ signals:
     void zoomProgressChanged();
     void sceneChanged();
     void toolTipChanged();
+    void paintingChanged();
     /// A right click on a child: the model's menu node is set; the view opens the menu at (x, y).
     void menuRequested(qreal x, qreal y);
 
@@ -99,7 +108,11 @@ private:
     // The pictures a frame shows, bottom first, each with its opacity.
     using Layers = std::array<std::pair<const MapPicture*, double>, 2>;
 
+    struct Worker;
+
     void rebuild();
+    void setScene(std::vector<MapScene::Bubble> scene);
+    void refreshLooks();
     void animate(int duration, QEasingCurve::Type easing);
     void loadIcons();
     void currentMoved();
@@ -108,6 +121,8 @@ private:
     void repaintAll();
     void repaint(const QRectF& region);
     void paintShown();
+    void order();
+    void setStale(bool stale);
     void pointAt(QPointF position);
     [[nodiscard]] int childAt(QPointF position) const;
     [[nodiscard]] PackedCircle camera() const;
@@ -118,28 +133,36 @@ private:
 
     QPointer<MapModel> m_model;
     BubbleLayout m_layout;
-    BubblePainter m_painter;
+    BubblePainter m_painter; // this thread's; the worker has its own
+    std::shared_ptr<Worker> m_worker;
+    Jobs m_jobs{this};
     const FileNode* m_root = nullptr;
     const FileNode* m_shownRoot = nullptr; // the root of the tree at the last change of revision
     const FileNode* m_current = nullptr;
     std::vector<MapScene::Bubble> m_scene;
-    std::vector<DrawnBubble> m_drawn;
+    // The bubbles as they are painted, parents first, and the node of each.
+    std::vector<BubblePainter::Bubble> m_bubbles;
+    std::vector<const FileNode*> m_nodes;
     PackedCircle m_from{0, 0, 1};
     PackedCircle m_to{0, 0, 1};
     QVariantAnimation m_zoom;
     qreal m_progress = 1;
-    // A zoom moves pictures; any other animation (a deletion's glide, a new tree fading in)
-    // paints every frame.
-    bool m_zooming = false;
+    // A zoom and a new tree's arrival crossfade two pictures; a deletion's glide paints every
+    // frame.
+    bool m_crossfading = false;
 
     // The current folder's picture, and during a zoom the one it replaces.
     MapPicture m_shown;
     MapPicture m_leaving;
     bool m_leavingOnTop = false; // zooming out: the deeper level shrinks into place above
     quint64 m_lastPicture = 0;
-    // What the shown picture still lacks: all of it, or the region (view coordinates).
+    // What the shown picture still lacks: all of it, or the region (view coordinates). Every
+    // change that needs a whole new picture counts a new state; the picture ordered for an
+    // older one is dropped when it lands.
     bool m_stale = true;
     QRectF m_staleRegion;
+    quint64 m_state = 1;
+    quint64 m_ordered = 0;
     const FileNode* m_hoverPainted = nullptr;
 
     int m_pressed = -1;

@@ -1,9 +1,6 @@
 #include "BubblePainter.h"
 
 #include "core/format/Bytes.h"
-#include "core/format/FileKind.h"
-#include "core/scanner/FileNode.h"
-#include "models/map/MapModel.h"
 
 #include <QFont>
 #include <QFontMetricsF>
@@ -45,27 +42,6 @@ QColor mix(const QColor& a, const QColor& b, double t)
                             lerp(a.blueF(), b.blueF()), lerp(a.alphaF(), b.alphaF()));
 }
 
-int roleIndex(MapScene::Role role)
-{
-    switch (role) {
-    case MapScene::Role::Child:
-        return DrawnBubble::Child;
-    case MapScene::Role::Grandchild:
-        return DrawnBubble::Grandchild;
-    case MapScene::Role::Context:
-        break;
-    }
-    return DrawnBubble::Context;
-}
-
-int depthOf(const FileNode* node)
-{
-    int depth = 0;
-    for (const FileNode* up = node->parent(); up; up = up->parent())
-        ++depth;
-    return depth;
-}
-
 QRectF square(QPointF centre, double r)
 {
     return {centre.x() - r, centre.y() - r, 2 * r, 2 * r};
@@ -73,7 +49,7 @@ QRectF square(QPointF centre, double r)
 
 } // namespace
 
-PackedCircle DrawnBubble::at(double t) const
+PackedCircle BubblePainter::Bubble::at(double t) const
 {
     if (!moved || t >= 1)
         return circle;
@@ -81,137 +57,108 @@ PackedCircle DrawnBubble::at(double t) const
     return {lerp(before.x, circle.x), lerp(before.y, circle.y), lerp(before.r, circle.r)};
 }
 
-std::vector<DrawnBubble> DrawnBubble::fromScene(const std::vector<MapScene::Bubble>& scene)
+BubblePainter::Look BubblePainter::look(const Bubble& bubble, int role) const
 {
-    std::vector<DrawnBubble> drawn;
-    drawn.reserve(scene.size());
-    for (const MapScene::Bubble& bubble : scene) {
-        const int role = roleIndex(bubble.role);
-        drawn.push_back({bubble.node, bubble.circle, depthOf(bubble.node), role, role, {}, false});
-    }
-    // Parents paint before what they hold.
-    std::stable_sort(drawn.begin(), drawn.end(),
-                     [](const DrawnBubble& a, const DrawnBubble& b) { return a.depth < b.depth; });
-    return drawn;
-}
-
-QColor BubblePainter::kindColor(const FileNode* node)
-{
-    const auto found = m_kinds.find(node);
-    if (found != m_kinds.end())
-        return found->second;
-    const QColor colour = QColor::fromString(FileKinds::color(node->kind()));
-    m_kinds.emplace(node, colour);
-    return colour;
-}
-
-BubblePainter::Look BubblePainter::look(const DrawnBubble& drawn, int role, QColor kind, const MapModel* model) const
-{
+    const QColor& kind = bubble.kind;
     Look result;
     switch (role) {
-    case DrawnBubble::Context:
+    case Bubble::Context:
         return {style.frame, style.stroke, 1};
-    case DrawnBubble::Child:
-        result = drawn.node->canDrill() ? Look{withAlpha(kind, 0.16), withAlpha(kind, 0.9), 1.5}
-                                        : Look{withAlpha(kind, 0.85), withAlpha(kind.lighter(125), 0.9), 1};
+    case Bubble::Child:
+        result = bubble.folder ? Look{withAlpha(kind, 0.16), withAlpha(kind, 0.9), 1.5}
+                               : Look{withAlpha(kind, 0.85), withAlpha(kind.lighter(125), 0.9), 1};
         break;
     default:
         result = {withAlpha(kind, 0.72), withAlpha(style.frame, 0.55), 0.75};
         break;
     }
-    if (model && model->isMarked(drawn.node)) {
+    if (bubble.marked) {
         result.fill = mix(result.fill, withAlpha(style.mark, 0.9), 0.8);
         result.stroke = style.mark;
-        result.strokeWidth = role == DrawnBubble::Child ? 2.5 : 1.5;
-    } else if (role == DrawnBubble::Child && model && model->hovered() == drawn.node) {
-        result.fill = withAlpha(result.fill, drawn.node->canDrill() ? 1.9 : 1.15);
+        result.strokeWidth = role == Bubble::Child ? 2.5 : 1.5;
+    } else if (role == Bubble::Child && bubble.hovered) {
+        result.fill = withAlpha(result.fill, bubble.folder ? 1.9 : 1.15);
         result.stroke = style.hover;
         result.strokeWidth = 2;
     }
     return result;
 }
 
-BubblePainter::Look BubblePainter::blended(const DrawnBubble& drawn, double t, QColor kind,
-                                           const MapModel* model) const
+BubblePainter::Look BubblePainter::blended(const Bubble& bubble, double t) const
 {
     // A bubble on its way out is gone once the animation ends, and one on its way in starts
     // from nothing.
-    if (t >= 1 && drawn.roleTo < 0)
+    if (t >= 1 && bubble.roleTo < 0)
         return {};
-    if (drawn.roleFrom < 0 || t >= 1) {
-        Look to = look(drawn, drawn.roleTo, kind, model);
-        if (drawn.roleFrom < 0 && t < 1) {
+    if (bubble.roleFrom < 0 || t >= 1) {
+        Look to = look(bubble, bubble.roleTo);
+        if (bubble.roleFrom < 0 && t < 1) {
             to.fill = withAlpha(to.fill, t);
             to.stroke = withAlpha(to.stroke, t);
         }
         return to;
     }
-    Look from = look(drawn, drawn.roleFrom, kind, model);
-    if (drawn.roleTo < 0) {
+    Look from = look(bubble, bubble.roleFrom);
+    if (bubble.roleTo < 0) {
         from.fill = withAlpha(from.fill, 1 - t);
         from.stroke = withAlpha(from.stroke, 1 - t);
         return from;
     }
-    const Look to = look(drawn, drawn.roleTo, kind, model);
+    const Look to = look(bubble, bubble.roleTo);
     return {mix(from.fill, to.fill, t), mix(from.stroke, to.stroke, t),
             from.strokeWidth + (to.strokeWidth - from.strokeWidth) * t};
 }
 
-void BubblePainter::paint(QPainter& painter, const std::vector<DrawnBubble>& bubbles, const MapTransform& place,
-                          double t, const QRectF& region, const MapModel* model, bool circles, bool labels)
+void BubblePainter::paint(QPainter& painter, const std::vector<Bubble>& bubbles, const MapTransform& place, double t,
+                          const QRectF& region)
 {
     painter.setRenderHint(QPainter::Antialiasing);
-    if (circles) {
-        for (const DrawnBubble& drawn : bubbles) {
-            const PackedCircle circle = drawn.at(t);
-            const double r = place.toView(circle.r);
-            const QPointF centre = place.toView(circle.x, circle.y);
-            if (r < Smallest || !region.intersects(square(centre, r + DiscReach)))
-                continue;
-            const Look look = blended(drawn, t, kindColor(drawn.node), model);
-            if (look.fill.alpha() == 0 && look.stroke.alpha() == 0)
-                continue;
-            if (r < SpriteRadius) {
-                // Thousands of small discs: each is stamped from a cached image of its colour and
-                // size, which is many times faster than filling an antialiased ellipse.
-                const QImage& disc = sprite(look, r, painter.device()->devicePixelRatioF());
-                const double half = std::ceil(r) + 1;
-                // Whole pixels keep the stamp on the painter's fast path (no resampling).
-                painter.drawImage(QPointF(std::round(centre.x() - half), std::round(centre.y() - half)), disc);
-                continue;
-            }
-            painter.setBrush(look.fill);
-            // A border on a small bubble costs a stroked path and shows as a smudge: small ones
-            // are filled only.
-            if (look.strokeWidth > 0 && r > 8 && look.stroke.alpha() > 0)
-                painter.setPen(QPen(look.stroke, look.strokeWidth));
-            else
-                painter.setPen(Qt::NoPen);
-            const double inset = painter.pen().style() == Qt::NoPen ? 0 : look.strokeWidth / 2;
-            painter.drawEllipse(centre, r - inset, r - inset);
+    for (const Bubble& bubble : bubbles) {
+        const PackedCircle circle = bubble.at(t);
+        const double r = place.toView(circle.r);
+        const QPointF centre = place.toView(circle.x, circle.y);
+        if (r < Smallest || !region.intersects(square(centre, r + DiscReach)))
+            continue;
+        const Look look = blended(bubble, t);
+        if (look.fill.alpha() == 0 && look.stroke.alpha() == 0)
+            continue;
+        if (r < SpriteRadius) {
+            // Thousands of small discs: each is stamped from a cached image of its colour and
+            // size, which is many times faster than filling an antialiased ellipse.
+            const QImage& disc = sprite(look, r, painter.device()->devicePixelRatioF());
+            const double half = std::ceil(r) + 1;
+            // Whole pixels keep the stamp on the painter's fast path (no resampling).
+            painter.drawImage(QPointF(std::round(centre.x() - half), std::round(centre.y() - half)), disc);
+            continue;
         }
+        painter.setBrush(look.fill);
+        // A border on a small bubble costs a stroked path and shows as a smudge: small ones
+        // are filled only.
+        if (look.strokeWidth > 0 && r > 8 && look.stroke.alpha() > 0)
+            painter.setPen(QPen(look.stroke, look.strokeWidth));
+        else
+            painter.setPen(Qt::NoPen);
+        const double inset = painter.pen().style() == Qt::NoPen ? 0 : look.strokeWidth / 2;
+        painter.drawEllipse(centre, r - inset, r - inset);
     }
-    if (!labels)
-        return;
-    for (const DrawnBubble& drawn : bubbles) {
-        const double shown = (drawn.roleTo == DrawnBubble::Child ? t : 0) +
-                             (drawn.roleFrom == DrawnBubble::Child ? 1 - t : 0);
+    for (const Bubble& bubble : bubbles) {
+        const double shown = (bubble.roleTo == Bubble::Child ? t : 0) + (bubble.roleFrom == Bubble::Child ? 1 - t : 0);
         if (shown <= 0.01)
             continue;
-        const PackedCircle circle = drawn.at(t);
+        const PackedCircle circle = bubble.at(t);
         const double r = place.toView(circle.r);
         const QPointF centre = place.toView(circle.x, circle.y);
         if (!region.intersects(square(centre, r + LabelReach)))
             continue;
         painter.setOpacity(std::min(1.0, shown));
-        paintLabel(painter, drawn, centre, r, model && model->isMarked(drawn.node));
+        paintLabel(painter, bubble, centre, r);
     }
     painter.setOpacity(1);
 }
 
-void BubblePainter::paintLabel(QPainter& painter, const DrawnBubble& drawn, QPointF centre, double r, bool marked)
+void BubblePainter::paintLabel(QPainter& painter, const Bubble& bubble, QPointF centre, double r)
 {
-    if (marked && r >= 12) {
+    if (bubble.marked && r >= 12) {
         // A check badge on the rim, up and to the right.
         const double b = std::clamp(r * 0.22, 7.0, 11.0);
         const QPointF at = centre + QPointF(r * 0.7071, -r * 0.7071);
@@ -228,12 +175,11 @@ void BubblePainter::paintLabel(QPainter& painter, const DrawnBubble& drawn, QPoi
     }
     if (r < NameRadius)
         return;
-    const bool folder = drawn.node->canDrill();
     QFont font(style.fontFamily.isEmpty() ? QFont().family() : style.fontFamily);
     font.setPixelSize(int(std::clamp(r * 0.2, 11.0, 15.0)));
     font.setWeight(QFont::DemiBold);
     const QFontMetricsF nameMetrics(font);
-    const QString name = fittedName(drawn.node->name(), nameMetrics, r * 1.6);
+    const QString name = fittedName(bubble.name, nameMetrics, r * 1.6);
     if (name.isEmpty())
         return;
     QFont small = font;
@@ -241,9 +187,9 @@ void BubblePainter::paintLabel(QPainter& painter, const DrawnBubble& drawn, QPoi
     small.setWeight(QFont::Normal);
     const QFontMetricsF sizeMetrics(small);
     const bool withSize = r >= SizeRadius;
-    const QString bytes = withSize ? Bytes::string(drawn.node->size()) : QString();
-    const auto symbolIndex = size_t(drawn.node->kind());
-    const bool withIcon = !folder && r >= IconRadius && symbolIndex < icons.size() && !icons[symbolIndex].isNull();
+    const QString bytes = withSize ? Bytes::string(bubble.size) : QString();
+    const auto symbol = size_t(bubble.icon);
+    const bool withIcon = !bubble.folder && r >= IconRadius && symbol < icons.size() && !icons[symbol].isNull();
     const double icon = withIcon ? std::clamp(r * 0.28, 18.0, 28.0) : 0;
 
     const double textWidth =
@@ -251,7 +197,7 @@ void BubblePainter::paintLabel(QPainter& painter, const DrawnBubble& drawn, QPoi
     const double textHeight = nameMetrics.height() + (withSize ? sizeMetrics.height() : 0);
     const double blockHeight = textHeight + (withIcon ? icon + 4 : 0);
     double top = centre.y() - blockHeight / 2;
-    if (folder) {
+    if (bubble.folder) {
         // A folder's label sits on a dark pill so that it reads over the bubbles inside it.
         const QRectF pill(centre.x() - textWidth / 2 - 8, top - 3, textWidth + 16, textHeight + 6);
         painter.setPen(Qt::NoPen);
@@ -259,17 +205,17 @@ void BubblePainter::paintLabel(QPainter& painter, const DrawnBubble& drawn, QPoi
         painter.drawRoundedRect(pill, 7, 7);
     }
     if (withIcon) {
-        painter.drawImage(QRectF(centre.x() - icon / 2, top, icon, icon), icons[symbolIndex]);
+        painter.drawImage(QRectF(centre.x() - icon / 2, top, icon, icon), icons[symbol]);
         top += icon + 4;
     }
     painter.setFont(font);
     const QRectF nameBox(centre.x() - textWidth / 2 - 2, top, textWidth + 4, nameMetrics.height());
     // White reads on the deep colours; the light ones (yellow, sky blue) take dark text.
-    const QColor kind = kindColor(drawn.node);
+    const QColor& kind = bubble.kind;
     const double luminance = 0.299 * kind.redF() + 0.587 * kind.greenF() + 0.114 * kind.blueF();
-    const bool lightFill = !folder && !marked && luminance > 0.68;
+    const bool lightFill = !bubble.folder && !bubble.marked && luminance > 0.68;
     const QColor ink = lightFill ? QColor(0x1D, 0x1D, 0x1F) : style.text;
-    if (!folder && !lightFill) {
+    if (!bubble.folder && !lightFill) {
         painter.setPen(QColor(0, 0, 0, 70));
         painter.drawText(nameBox.translated(0, 1), Qt::AlignCenter, name);
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/layout/CirclePack.h"
-#include "models/map/MapScene.h"
+#include "models/map/MapScene.h" // MapTransform
 
 #include <QColor>
 #include <QImage>
@@ -18,34 +18,10 @@ class QPainter;
 
 namespace nubo {
 
-class FileNode;
-class MapModel;
-
-/// One bubble the map draws, with its role before and after the running animation (-1: absent)
-/// and, after a deletion, where it stood before the tree changed under it.
-struct DrawnBubble
-{
-    static constexpr int Context = 0;
-    static constexpr int Child = 1;
-    static constexpr int Grandchild = 2;
-
-    const FileNode* node = nullptr;
-    PackedCircle circle;
-    int depth = 0;
-    int roleFrom = -1;
-    int roleTo = -1;
-    PackedCircle before;
-    bool moved = false;
-
-    /// Where the bubble stands `t` (0 to 1) of the way through the animation.
-    [[nodiscard]] PackedCircle at(double t) const;
-    /// The bubbles of a scene, parents before what they hold, every one at rest in its role.
-    [[nodiscard]] static std::vector<DrawnBubble> fromScene(const std::vector<MapScene::Bubble>& scene);
-};
-
 /// Paints bubbles and their labels with QPainter: the colours of their kinds and roles, marks and
-/// the hovered child, names that fit, and cached discs for the thousands of small bubbles. Owns
-/// nothing of the tree; the map item hands it the bubbles and the model to ask about marks.
+/// the hovered child, names that fit, and cached discs for the thousands of small bubbles. It
+/// reads nothing but the values it is given, so a picture can be painted on any thread; each
+/// thread paints with its own painter, whose disc cache is its own.
 class BubblePainter
 {
 public:
@@ -62,17 +38,39 @@ public:
     /// The icon each file kind shows in a large bubble, indexed by the kind.
     using Icons = std::array<QImage, 11>;
 
-    /// Paints `bubbles` placed by `place`, `t` of the way through their animation, into
-    /// `painter`; only what meets `region` (view coordinates) is painted.
-    void paint(QPainter& painter, const std::vector<DrawnBubble>& bubbles, const MapTransform& place, double t,
-               const QRectF& region, const MapModel* model, bool circles, bool labels);
+    /// One bubble as it is painted: where it stands and stood, its roles, and what its look and
+    /// label need to know. Only children carry a name.
+    struct Bubble
+    {
+        static constexpr int Context = 0;
+        static constexpr int Child = 1;
+        static constexpr int Grandchild = 2;
+
+        PackedCircle circle;
+        PackedCircle before;
+        bool moved = false;
+        int roleFrom = -1;
+        int roleTo = -1;
+        QColor kind;
+        int icon = 0; ///< the kind's index in `Icons`
+        bool folder = false;
+        bool marked = false;
+        bool hovered = false;
+        QString name;
+        qint64 size = 0;
+
+        /// Where the bubble stands `t` (0 to 1) of the way through the animation.
+        [[nodiscard]] PackedCircle at(double t) const;
+    };
+
+    /// Paints `bubbles` (parents first) placed by `place`, `t` of the way through their
+    /// animation; only what meets `region` (view coordinates) is painted.
+    void paint(QPainter& painter, const std::vector<Bubble>& bubbles, const MapTransform& place, double t,
+               const QRectF& region);
 
     /// The name a bubble shows in `width`: whole, cut at its end with "…", or nothing when the cut
     /// would leave fewer than a few letters, which nobody could read.
     [[nodiscard]] static QString fittedName(const QString& name, const QFontMetricsF& metrics, double width);
-
-    /// Forgets the kinds' colours kept per node: a new tree may reuse the old one's addresses.
-    void forgetNodes() { m_kinds.clear(); }
 
     Style style;
     Icons icons;
@@ -85,10 +83,9 @@ private:
         double strokeWidth = 0;
     };
 
-    [[nodiscard]] QColor kindColor(const FileNode* node);
-    [[nodiscard]] Look look(const DrawnBubble& drawn, int role, QColor kind, const MapModel* model) const;
-    [[nodiscard]] Look blended(const DrawnBubble& drawn, double t, QColor kind, const MapModel* model) const;
-    void paintLabel(QPainter& painter, const DrawnBubble& drawn, QPointF centre, double r, bool marked);
+    [[nodiscard]] Look look(const Bubble& bubble, int role) const;
+    [[nodiscard]] Look blended(const Bubble& bubble, double t) const;
+    void paintLabel(QPainter& painter, const Bubble& bubble, QPointF centre, double r);
     const QImage& sprite(const Look& look, double r, qreal ratio);
 
     struct PairHash
@@ -99,7 +96,6 @@ private:
                    (std::hash<quint64>()(key.second) * 0x9E3779B97F4A7C15ULL);
         }
     };
-    std::unordered_map<const FileNode*, QColor> m_kinds;
     std::unordered_map<std::pair<quint64, quint64>, QImage, PairHash> m_sprites;
     qreal m_spriteRatio = 0;
 };

@@ -148,6 +148,7 @@ TEST_F(MapViewsTest, WalkThroughTheMap)
     // The hovered bubble follows the pointer at both sizes, and leaving the bubbles clears it.
     map().toggleMark(child(u"backup.tar"));
     map().toggleMark(child(u"Downloads")->children().front().get());
+    QTest::qWait(Settle); // the selection bar comes up
     hover(window, bubble(window, "Movies"));
     hover(window, bubble(window, "Projects"));
     ASSERT_NE(map().hovered(), nullptr);
@@ -157,6 +158,8 @@ TEST_F(MapViewsTest, WalkThroughTheMap)
     QQuickItem& bubbles = named(window, QStringLiteral("bubbleMap"));
     const QImage repainted = window.grabWindow();
     bubbles.setProperty("zoomDuration", bubbles.property("zoomDuration").toInt() + 1);
+    ASSERT_TRUE(bubbles.property("painting").toBool());
+    ASSERT_TRUE(QTest::qWaitFor([&bubbles] { return !bubbles.property("painting").toBool(); }, 5000));
     EXPECT_EQ(differing(window.grabWindow(), repainted), 0);
     EXPECT_GT(distinctColours(snapshot(window, DefaultSize, QStringLiteral("map-home-default"))), 40)
         << "the map looks empty";
