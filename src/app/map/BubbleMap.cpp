@@ -1,5 +1,7 @@
 #include "BubbleMap.h"
 
+#include "MapPictureNode.h"
+
 #include "core/format/FileKind.h"
 #include "core/scanner/FileNode.h"
 #include "models/map/MapModel.h"
@@ -9,9 +11,6 @@
 #include <QQmlEngine>
 #include <QQuickImageProvider>
 #include <QQuickWindow>
-#include <QSGImageNode>
-#include <QSGNode>
-#include <QSGTexture>
 
 #include <algorithm>
 #include <cmath>
@@ -257,7 +256,8 @@ void BubbleMap::setScene(std::vector<MapScene::Bubble> scene)
     order.reserve(m_scene.size());
     for (size_t i = 0; i < m_scene.size(); ++i)
         order.emplace_back(depthOf(m_scene[i].node), i);
-    std::stable_sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::stable_sort(order.begin(), order.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
     std::array<QColor, FileKinds::all.size()> colours;
     for (FileKind kind : FileKinds::all)
         colours[size_t(kind)] = QColor::fromString(FileKinds::color(kind));
@@ -361,7 +361,8 @@ QRectF BubbleMap::childBubble(const QString& name) const
 void BubbleMap::paintBubbles(QPainter& painter, QSizeF area)
 {
     refreshLooks();
-    m_painter.paint(painter, m_bubbles, MapTransform(camera(), area, Margin), m_progress, QRectF(QPointF(0, 0), area));
+    m_painter.paint(painter, m_bubbles, MapTransform(camera(), area, Margin), m_progress,
+                    QRectF(QPointF(0, 0), area));
 }
 
 void BubbleMap::paintShown()
@@ -373,8 +374,8 @@ void BubbleMap::paintShown()
     const QSize pixels(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio)));
     const PackedCircle at = camera();
     const MapTransform place(at, size(), Margin);
-    const bool patch = !m_stale && m_shown.image.size() == pixels && m_shown.image.devicePixelRatio() == ratio &&
-                       m_shown.camera == at;
+    const bool patch = !m_stale && m_shown.image.size() == pixels &&
+                       m_shown.image.devicePixelRatio() == ratio && m_shown.camera == at;
     if (patch) {
         // Everything that meets the region is painted again, in order, into an image of its own
         // that starts on whole pixels of the picture, and copied over: the very pixels a whole
@@ -390,7 +391,8 @@ void BubbleMap::paintShown()
             {
                 QPainter painter(&patchImage);
                 painter.translate(-origin);
-                m_painter.paint(painter, m_bubbles, place, m_progress, QRectF(origin, patchImage.deviceIndependentSize()));
+                m_painter.paint(painter, m_bubbles, place, m_progress,
+                                QRectF(origin, patchImage.deviceIndependentSize()));
             }
             QPainter painter(&m_shown.image);
             painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -422,20 +424,22 @@ void BubbleMap::order()
     m_ordered = state;
     m_jobs.start(
         QStringLiteral("picture"),
-        [worker = m_worker, bubbles = m_bubbles, style = m_painter.style, icons = m_painter.icons, view, ratio,
-         at](StopToken stop) {
+        [worker = m_worker, bubbles = m_bubbles, style = m_painter.style, icons = m_painter.icons, view,
+         ratio, at](StopToken stop) {
             MapPicture picture{{}, at, 0};
             if (stop.stopRequested())
                 return picture;
-            picture.image = QImage(QSize(int(std::ceil(view.width() * ratio)), int(std::ceil(view.height() * ratio))),
-                                   QImage::Format_ARGB32_Premultiplied);
+            picture.image =
+                QImage(QSize(int(std::ceil(view.width() * ratio)), int(std::ceil(view.height() * ratio))),
+                       QImage::Format_ARGB32_Premultiplied);
             picture.image.setDevicePixelRatio(ratio);
             picture.image.fill(Qt::transparent);
             const std::lock_guard hold(worker->lock);
             worker->painter.style = style;
             worker->painter.icons = icons;
             QPainter painter(&picture.image);
-            worker->painter.paint(painter, bubbles, MapTransform(at, view, Margin), 1.0, QRectF(QPointF(0, 0), view));
+            worker->painter.paint(painter, bubbles, MapTransform(at, view, Margin), 1.0,
+                                  QRectF(QPointF(0, 0), view));
             return picture;
         },
         [this, state, hovered](MapPicture picture) {
@@ -478,7 +482,7 @@ void BubbleMap::updatePolish()
     m_polishNanoseconds = spent.nsecsElapsed();
 }
 
-BubbleMap::Layers BubbleMap::layers() const
+MapPictureNode::Layers BubbleMap::layers() const
 {
     if (!m_crossfading)
         return {{{nullptr, 0}, {&m_shown, 1}}};
@@ -487,7 +491,8 @@ BubbleMap::Layers BubbleMap::layers() const
     // its place.
     const std::pair<const MapPicture*, double> arriving{&m_shown, std::min(1.0, 2 * m_progress)};
     const std::pair<const MapPicture*, double> leaving{&m_leaving, 1 - m_progress};
-    return m_leavingOnTop ? Layers{arriving, leaving} : Layers{leaving, arriving};
+    return m_leavingOnTop ? MapPictureNode::Layers{arriving, leaving}
+                          : MapPictureNode::Layers{leaving, arriving};
 }
 
 MapPicture BubbleMap::onScreen()
@@ -508,8 +513,8 @@ MapPicture BubbleMap::onScreen()
     QPainter painter(&picture.image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const auto& [layer, opacity] : layers()) {
-        const MapPicture::Placement placed = layer && opacity > 0 ? layer->placed(picture.camera, size(), Margin)
-                                                   : MapPicture::Placement{};
+        const MapPicture::Placement placed =
+            layer && opacity > 0 ? layer->placed(picture.camera, size(), Margin) : MapPicture::Placement{};
         if (placed.target.isEmpty())
             continue;
         painter.setOpacity(opacity);
@@ -528,64 +533,8 @@ QSGNode* BubbleMap::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
     }
     QElapsedTimer spent;
     spent.start();
-    // Two layers, each an image under an opacity, made the first time they show something and
-    // kept for the life of the item; a texture is made once per picture and kept while a layer
-    // shows it. The root is an opacity node (always opaque) rather than a plain one: the
-    // software renderer keeps the place of opacity nodes, and a layer made later below a plain
-    // node would be drawn at the window's corner.
-    struct Layer
-    {
-        QSGOpacityNode* opacity = nullptr;
-        QSGImageNode* image = nullptr;
-        quint64 picture = 0;
-    };
-    struct MapNode : QSGOpacityNode
-    {
-        std::array<Layer, 2> layers;
-        std::unordered_map<quint64, std::unique_ptr<QSGTexture>> textures;
-    };
-    auto* root = static_cast<MapNode*>(old);
-    if (!root)
-        root = new MapNode;
-    const PackedCircle now = camera();
-    const Layers shown = layers();
-    for (size_t i = 0; i < shown.size(); ++i) {
-        const auto& [picture, opacity] = shown[i];
-        const MapPicture::Placement placed =
-            picture && opacity > 0 ? picture->placed(now, size(), Margin) : MapPicture::Placement{};
-        Layer& layer = root->layers[i];
-        if (placed.target.isEmpty()) {
-            if (layer.opacity)
-                layer.opacity->setOpacity(0);
-            continue;
-        }
-        auto& texture = root->textures[picture->id];
-        if (!texture)
-            texture.reset(view->createTextureFromImage(picture->image));
-        const bool fresh = !layer.opacity;
-        if (fresh) {
-            layer.opacity = new QSGOpacityNode;
-            layer.image = view->createImageNode();
-            layer.image->setFiltering(QSGTexture::Linear);
-            layer.opacity->appendChildNode(layer.image);
-        }
-        if (layer.picture != picture->id) {
-            layer.image->setTexture(texture.get());
-            layer.picture = picture->id;
-        }
-        layer.image->setRect(placed.target);
-        layer.image->setSourceRect(placed.source);
-        layer.opacity->setOpacity(opacity);
-        if (fresh && i == 0)
-            root->prependChildNode(layer.opacity); // whole, with its texture, before the renderer sees it
-        else if (fresh)
-            root->appendChildNode(layer.opacity);
-    }
-    // Textures no layer shows any more go; a hidden layer keeps its own until it shows another.
-    std::erase_if(root->textures, [root](const auto& entry) {
-        return std::none_of(root->layers.begin(), root->layers.end(),
-                            [&entry](const Layer& layer) { return layer.picture == entry.first; });
-    });
+    auto* root = old ? static_cast<MapPictureNode*>(old) : new MapPictureNode;
+    root->show(*view, layers(), camera(), size(), Margin);
     m_workNanoseconds = std::exchange(m_polishNanoseconds, 0) + spent.nsecsElapsed();
     return root;
 }

@@ -105,9 +105,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    // The pictures a frame shows, bottom first, each with its opacity.
-    using Layers = std::array<std::pair<const MapPicture*, double>, 2>;
-
     struct Worker;
 
     void rebuild();
@@ -128,7 +125,8 @@ private:
     [[nodiscard]] PackedCircle camera() const;
     [[nodiscard]] MapTransform transform() const;
     [[nodiscard]] QRectF bubbleRect(const FileNode* node, const PackedCircle& camera) const;
-    [[nodiscard]] Layers layers() const;
+    // The pictures a frame shows, bottom first, each with its opacity.
+    [[nodiscard]] std::array<std::pair<const MapPicture*, double>, 2> layers() const;
     [[nodiscard]] MapPicture onScreen();
 
     QPointer<MapModel> m_model;

@@ -109,8 +109,8 @@ BubblePainter::Look BubblePainter::blended(const Bubble& bubble, double t) const
             from.strokeWidth + (to.strokeWidth - from.strokeWidth) * t};
 }
 
-void BubblePainter::paint(QPainter& painter, const std::vector<Bubble>& bubbles, const MapTransform& place, double t,
-                          const QRectF& region)
+void BubblePainter::paint(QPainter& painter, const std::vector<Bubble>& bubbles, const MapTransform& place,
+                          double t, const QRectF& region)
 {
     painter.setRenderHint(QPainter::Antialiasing);
     for (const Bubble& bubble : bubbles) {
@@ -142,7 +142,8 @@ void BubblePainter::paint(QPainter& painter, const std::vector<Bubble>& bubbles,
         painter.drawEllipse(centre, r - inset, r - inset);
     }
     for (const Bubble& bubble : bubbles) {
-        const double shown = (bubble.roleTo == Bubble::Child ? t : 0) + (bubble.roleFrom == Bubble::Child ? 1 - t : 0);
+        const double shown =
+            (bubble.roleTo == Bubble::Child ? t : 0) + (bubble.roleFrom == Bubble::Child ? 1 - t : 0);
         if (shown <= 0.01)
             continue;
         const PackedCircle circle = bubble.at(t);
@@ -189,7 +190,8 @@ void BubblePainter::paintLabel(QPainter& painter, const Bubble& bubble, QPointF 
     const bool withSize = r >= SizeRadius;
     const QString bytes = withSize ? Bytes::string(bubble.size) : QString();
     const auto symbol = size_t(bubble.icon);
-    const bool withIcon = !bubble.folder && r >= IconRadius && symbol < icons.size() && !icons[symbol].isNull();
+    const bool withIcon =
+        !bubble.folder && r >= IconRadius && symbol < icons.size() && !icons[symbol].isNull();
     const double icon = withIcon ? std::clamp(r * 0.28, 18.0, 28.0) : 0;
 
     const double textWidth =
@@ -224,9 +226,9 @@ void BubblePainter::paintLabel(QPainter& painter, const Bubble& bubble, QPointF 
     if (withSize) {
         painter.setFont(small);
         painter.setPen(withAlpha(ink, 0.85));
-        painter.drawText(
-            QRectF(centre.x() - textWidth / 2 - 2, top + nameMetrics.height(), textWidth + 4, sizeMetrics.height()),
-            Qt::AlignCenter, bytes);
+        painter.drawText(QRectF(centre.x() - textWidth / 2 - 2, top + nameMetrics.height(), textWidth + 4,
+                                sizeMetrics.height()),
+                         Qt::AlignCenter, bytes);
     }
 }
 
@@ -253,7 +255,8 @@ const QImage& BubblePainter::sprite(const Look& look, double r, qreal ratio)
     };
     const bool stroked = r > 8 && look.strokeWidth > 0 && look.stroke.alpha() > 0;
     const quint64 first = (quantise(look.fill) << 8) | quint64(halfPixels);
-    const quint64 second = stroked ? (quantise(look.stroke) << 8) | quint64(std::lround(look.strokeWidth * 4)) : 0;
+    const quint64 second =
+        stroked ? (quantise(look.stroke) << 8) | quint64(std::lround(look.strokeWidth * 4)) : 0;
     const auto key = std::make_pair(first, second);
     if (ratio != m_spriteRatio) {
         m_sprites.clear(); // the window moved to a screen of another density

@@ -16,5 +16,6 @@ target_sources(nubo_ui PRIVATE
     map/BubbleMap.h map/BubbleMap.cpp
     map/BubblePainter.h map/BubblePainter.cpp
     map/MapPicture.h map/MapPicture.cpp
+    map/MapPictureNode.h map/MapPictureNode.cpp
     map/PathClipboard.h map/PathClipboard.cpp)
 target_include_directories(nubo_ui PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/map)
