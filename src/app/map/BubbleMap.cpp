@@ -67,7 +67,7 @@ BubbleMap::BubbleMap(QQuickItem* parent) : QQuickItem(parent), m_worker(std::mak
     m_zoom.setEndValue(1.0);
     m_zoom.setEasingCurve(QEasingCurve::InOutCubic);
     connect(&m_zoom, &QVariantAnimation::valueChanged, this,
-            [this](const QVariant& value) { setZoomProgress(value.toDouble()); });
+            [this](const QVariant& value) { step(value.toDouble()); });
     connect(this, &BubbleMap::styleChanged, this, [this] {
         m_painter.style = {m_frameColor, m_strokeColor, m_markColor, m_hoverColor, m_textColor, m_fontFamily};
         repaintAll();
@@ -100,6 +100,12 @@ void BubbleMap::setModel(MapModel* model)
 }
 
 void BubbleMap::setZoomProgress(qreal progress)
+{
+    m_zoom.stop(); // a hand on the animation takes it over
+    step(progress);
+}
+
+void BubbleMap::step(qreal progress)
 {
     progress = std::clamp<qreal>(progress, 0, 1);
     if (qFuzzyCompare(progress, m_progress))

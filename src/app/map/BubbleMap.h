@@ -50,7 +50,8 @@ class BubbleMap : public QQuickItem
     Q_PROPERTY(QString fontFamily MEMBER m_fontFamily NOTIFY styleChanged)
     Q_PROPERTY(int zoomDuration MEMBER m_zoomDuration NOTIFY styleChanged)
     Q_PROPERTY(int reflowDuration MEMBER m_reflowDuration NOTIFY styleChanged)
-    /// How far the running zoom has come, 0 to 1 (1 at rest). Benchmarks drive it by hand.
+    /// How far the running zoom has come, 0 to 1 (1 at rest). Benchmarks drive it by hand, which
+    /// stops the animation.
     Q_PROPERTY(qreal zoomProgress READ zoomProgress WRITE setZoomProgress NOTIFY zoomProgressChanged)
     Q_PROPERTY(int bubbleCount READ bubbleCount NOTIFY sceneChanged)
     /// The name of the child under the pointer, for the tooltip; empty over nothing.
@@ -107,6 +108,7 @@ protected:
 private:
     struct Worker;
 
+    void step(qreal progress);
     void rebuild();
     void setScene(std::vector<MapScene::Bubble> scene);
     void refreshLooks();

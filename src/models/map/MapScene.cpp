@@ -82,7 +82,11 @@ QPointF MapTransform::toUnit(QPointF view) const
 
 PackedCircle MapTransform::between(const PackedCircle& from, const PackedCircle& to, double t)
 {
-    t = std::clamp(t, 0.0, 1.0);
+    // The ends are exact: a picture painted for a camera must meet that very camera at rest.
+    if (t <= 0)
+        return from;
+    if (t >= 1)
+        return to;
     if (from.r <= 0 || to.r <= 0 || std::abs(from.r - to.r) < 1e-12 * std::max(from.r, to.r)) {
         return {from.x + (to.x - from.x) * t, from.y + (to.y - from.y) * t, from.r + (to.r - from.r) * t};
     }
