@@ -7,6 +7,11 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -193,15 +198,262 @@ private:
 
 } // namespace
 
-// A folder to scan: its text path, the bytes that reach it, and what the level above knew of it.
+// A folder to scan, as the folder that listed it saw it, and where its result goes.
 struct DiskScanner::Folder
 {
     QString name;
     QString path;
     QByteArray native;
+    int depth = 0;
     bool isPackage = false;
+    // Inside a bundle nothing below is ever shown, so a sub-folder only adds its totals upward.
+    bool mergesUp = false;
     dev_t device = 0;
+    Pending* parent = nullptr;
+    size_t slot = 0;
+
+    // The top two levels are listed with the system's answers about volumes and bundles; below
+    // them, and inside a bundle, folders are only opened and checked to be on the same device.
+    [[nodiscard]] bool deep() const { return depth >= 2 || isPackage; }
 };
+
+// A listed folder whose sub-folders are still being scanned, by whichever threads took them.
+// Each sub-folder's result has a slot of its own, in listing order, so the tree comes out the
+// same whatever the threads; the last sub-folder to finish builds the folder's node.
+struct DiskScanner::Pending
+{
+    struct Result
+    {
+        std::unique_ptr<FileNode> node;
+        qint64 bytes = 0; // a merged sub-folder's totals
+        qint64 count = 0;
+    };
+
+    Folder folder;
+    FileNode::Children files;
+    qint64 smallBytes = 0;
+    qint64 smallCount = 0;
+    std::vector<Result> results;
+    std::atomic<size_t> unfinished{0};
+};
+
+// One scan's walk. Every thread walks depth first from a stack of its own and, while another
+// thread waits for work, hands it the shallowest folders it has not started, which hold the most
+// below them; so a single huge folder is shared out as soon as the rest runs dry, at any depth.
+class DiskScanner::Walk
+{
+public:
+    Walk(const DiskScanner& scanner, ScanProgress& progress) : m_scanner(scanner), m_progress(progress) {}
+
+    std::unique_ptr<FileNode> run(Folder root, int helpers)
+    {
+        m_shared.push_back(std::move(root));
+        std::vector<std::thread> threads;
+        threads.reserve(size_t(std::max(helpers, 0)));
+        for (int i = 0; i < helpers; ++i)
+            threads.emplace_back([this] { work(); });
+        work();
+        for (auto& thread : threads)
+            thread.join();
+        return std::move(m_result);
+    }
+
+private:
+    void work()
+    {
+        std::deque<Folder> local;
+        for (;;) {
+            if (local.empty()) {
+                std::unique_lock lock(m_lock);
+                m_idle.fetch_add(1, std::memory_order_relaxed);
+                m_wake.wait(lock, [this] { return m_done || !m_shared.empty(); });
+                m_idle.fetch_sub(1, std::memory_order_relaxed);
+                if (m_done)
+                    return;
+                local.push_back(std::move(m_shared.front()));
+                m_shared.pop_front();
+            }
+            Folder folder = std::move(local.back());
+            local.pop_back();
+            process(std::move(folder), local);
+            share(local);
+        }
+    }
+
+    void share(std::deque<Folder>& local)
+    {
+        int waiting = m_idle.load(std::memory_order_relaxed);
+        if (waiting == 0 || local.size() < 2)
+            return;
+        {
+            const std::lock_guard guard(m_lock);
+            for (; waiting > 0 && local.size() > 1; --waiting) {
+                m_shared.push_back(std::move(local.front()));
+                local.pop_front();
+            }
+        }
+        m_wake.notify_all();
+    }
+
+    void process(Folder folder, std::deque<Folder>& local);
+    void finish(Pending* pending);
+    // A folder that gives nothing (skipped, vanished, another volume, or never reached after a
+    // cancel) still counts as done for the folder that listed it.
+    void nothing(const Folder& folder)
+    {
+        if (!folder.parent)
+            end(emptyFolder(folder.name, folder.path, folder.isPackage));
+        else if (folder.parent->unfinished.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            finish(folder.parent);
+    }
+    void end(std::unique_ptr<FileNode> root)
+    {
+        {
+            const std::lock_guard guard(m_lock);
+            m_result = std::move(root);
+            m_done = true;
+        }
+        m_wake.notify_all();
+    }
+
+    const DiskScanner& m_scanner;
+    ScanProgress& m_progress;
+    std::mutex m_lock;
+    std::condition_variable m_wake;
+    std::deque<Folder> m_shared;
+    std::atomic<int> m_idle{0};
+    bool m_done = false;
+    std::unique_ptr<FileNode> m_result;
+};
+
+void DiskScanner::Walk::process(Folder folder, std::deque<Folder>& local)
+{
+    // The root is always listed, even cancelled; below it the gate is asked once per folder, and
+    // not at all once the scan is cancelled.
+    if (!folder.parent ? m_scanner.m_services.isGated(folder.path)
+                       : m_progress.isCancelled() || m_scanner.skips(folder.path)) {
+        nothing(folder);
+        return;
+    }
+    const bool deep = folder.deep();
+    Timings* timings = m_scanner.m_timings;
+    ScopedTimer timer(timings ? (deep ? &timings->deepNanoseconds : &timings->listingNanoseconds) : nullptr);
+    if (timings && deep && (!folder.parent || !folder.parent->folder.deep()))
+        timings->deepWalks.fetch_add(1, std::memory_order_relaxed);
+
+    // O_NOFOLLOW below the root: should a link have replaced the folder since it was listed, it
+    // is not followed.
+    const int fd = ::open(folder.native.constData(),
+                          O_RDONLY | O_DIRECTORY | O_CLOEXEC | (folder.depth > 0 ? O_NOFOLLOW : 0));
+    if (deep) {
+        // Vanished, replaced by something that is not a folder, or another volume mounted here:
+        // nothing. Present but unreadable: an empty folder.
+        struct stat info {};
+        const bool examined = fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(folder.native.constData(), &info) == 0;
+        if (!examined || !S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
+            if (fd >= 0)
+                ::close(fd);
+            nothing(folder);
+            return;
+        }
+    }
+
+    auto pending = std::make_unique<Pending>();
+    pending->folder = std::move(folder);
+    const Folder& self = pending->folder;
+    std::vector<Folder> subfolders;
+    const auto onFolder = [&](int dirFd, const char* raw) {
+        Folder child;
+        child.name = NativePath::decode(raw);
+        child.path = joined(self.path, child.name);
+        child.native = joinedNative(self.native, raw);
+        child.depth = self.depth + 1;
+        if (deep) {
+            child.mergesUp = self.isPackage;
+            child.isPackage = child.mergesUp || hasPackageExtension(child.name);
+            child.device = self.device;
+        } else {
+            struct stat info {};
+            if (::fstatat(dirFd, raw, &info, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(info.st_mode))
+                return;
+            const Services& services = m_scanner.m_services;
+            if (services.isVolume ? services.isVolume(child.path) : info.st_dev != self.device)
+                return;
+            child.isPackage = services.isPackage(child.path);
+            child.device = info.st_dev;
+        }
+        subfolders.push_back(std::move(child));
+    };
+    qint64 directFiles = 0;
+    qint64 directBytes = 0;
+    const bool holdsSkipped = m_scanner.m_skipParents.contains(self.path);
+    const auto onFile = [&](const char* raw, qint64 size) {
+        if (holdsSkipped && m_scanner.isSkippedFile(self.path, raw))
+            return;
+        ++directFiles;
+        addChecked(directBytes, size);
+        if (size >= fileFloor && !self.isPackage) {
+            const QString name = NativePath::decode(raw);
+            pending->files.push_back(fileNode(name, joined(self.path, name), size));
+        } else {
+            addChecked(pending->smallBytes, size);
+            ++pending->smallCount;
+        }
+    };
+    readFolder(fd, onFolder, onFile); // an unreadable folder stays in the tree, empty
+    m_progress.add(directFiles, directBytes, self.path);
+
+    if (subfolders.empty()) {
+        finish(pending.release());
+        return;
+    }
+    Pending* parent = pending.release();
+    parent->results.resize(subfolders.size());
+    parent->unfinished.store(subfolders.size(), std::memory_order_relaxed);
+    // The first listed is walked first; the others wait on this thread's stack, or are shared.
+    for (size_t i = subfolders.size(); i-- > 0;) {
+        subfolders[i].parent = parent;
+        subfolders[i].slot = i;
+        local.push_back(std::move(subfolders[i]));
+    }
+}
+
+void DiskScanner::Walk::finish(Pending* done)
+{
+    // Builds the folder's node from its own listing and its sub-folders' results, hands it to the
+    // folder that listed it, and goes on up while that one has nothing left to wait for.
+    for (std::unique_ptr<Pending> pending(done); pending;) {
+        const Folder& folder = pending->folder;
+        qint64 smallBytes = pending->smallBytes;
+        qint64 smallCount = pending->smallCount;
+        FileNode::Children subdirs;
+        subdirs.reserve(pending->results.size());
+        for (Pending::Result& result : pending->results) {
+            addChecked(smallBytes, result.bytes);
+            addChecked(smallCount, result.count);
+            if (result.node)
+                subdirs.push_back(std::move(result.node));
+        }
+        Pending::Result out;
+        if (folder.mergesUp) {
+            out.bytes = smallBytes; // its own sub-folders merged into it the same way
+            out.count = smallCount;
+        } else {
+            out.node = makeDirectory(folder.name, folder.path, std::move(subdirs), std::move(pending->files),
+                                     smallBytes, smallCount, folder.depth, folder.isPackage);
+        }
+        Pending* parent = folder.parent;
+        if (!parent) {
+            end(std::move(out.node));
+            return;
+        }
+        parent->results[folder.slot] = std::move(out);
+        pending.reset();
+        if (parent->unfinished.fetch_sub(1, std::memory_order_acq_rel) != 1)
+            return;
+        pending.reset(parent);
+    }
+}
 
 DiskScanner::DiskScanner() : DiskScanner(Services{}) {}
 
@@ -288,194 +540,10 @@ std::unique_ptr<FileNode> DiskScanner::scan(const QString& root, ScanProgress& p
     if (::stat(folder.native.constData(), &info) != 0 || !S_ISDIR(info.st_mode))
         return emptyFolder(folder.name, folder.path, false);
     folder.device = info.st_dev;
-    // The helpers live for this scan only: between scans the scanner holds no threads.
-    ParallelLoop loop(m_services.helpers);
-    return scanDirectory(folder, 0, progress, loop);
-}
-
-std::unique_ptr<FileNode> DiskScanner::scanDirectory(const Folder& folder, int depth, ScanProgress& progress,
-                                                     ParallelLoop& loop)
-{
-    if (m_services.isGated(folder.path))
-        return emptyFolder(folder.name, folder.path, folder.isPackage);
-    if (depth > 1 || folder.isPackage)
-        return deepScan(folder, depth, progress);
-
-    std::vector<Folder> subfolders;
-    FileNode::Children files;
-    qint64 smallBytes = 0;
-    qint64 smallCount = 0;
-    qint64 seenBytes = 0;
-    {
-        ScopedTimer timer(m_timings ? &m_timings->listingNanoseconds : nullptr);
-        // O_NOFOLLOW below the root: should a link have replaced the folder since it was listed,
-        // it is not followed.
-        const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (depth > 0 ? O_NOFOLLOW : 0);
-        const auto onFolder = [&](int dirFd, const char* raw) {
-            struct stat info {};
-            if (::fstatat(dirFd, raw, &info, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(info.st_mode))
-                return;
-            const QString name = NativePath::decode(raw);
-            const QString path = joined(folder.path, name);
-            const bool volume =
-                m_services.isVolume ? m_services.isVolume(path) : info.st_dev != folder.device;
-            if (volume || skips(path))
-                return;
-            subfolders.push_back({name, path, joinedNative(folder.native, raw), m_services.isPackage(path),
-                                  info.st_dev});
-        };
-        const bool holdsSkipped = m_skipParents.contains(folder.path);
-        const auto onFile = [&](const char* raw, qint64 size) {
-            if (holdsSkipped && isSkippedFile(folder.path, raw))
-                return;
-            addChecked(seenBytes, size);
-            if (size < fileFloor) {
-                addChecked(smallBytes, size);
-                ++smallCount;
-            } else {
-                const QString name = NativePath::decode(raw);
-                files.push_back(fileNode(name, joined(folder.path, name), size));
-            }
-        };
-        readFolder(::open(folder.native.constData(), flags), onFolder, onFile);
-    }
-
-    progress.add(smallCount + static_cast<qint64>(files.size()), seenBytes, folder.path);
-    std::vector<std::unique_ptr<FileNode>> results(subfolders.size());
-    if (!progress.isCancelled()) {
-        // Each sub-folder writes only its own result, so the results need no lock.
-        loop.forEach(static_cast<qsizetype>(subfolders.size()), [&](qsizetype i) {
-            const auto index = static_cast<size_t>(i);
-            if (!progress.isCancelled())
-                results[index] = scanDirectory(subfolders[index], depth + 1, progress, loop);
-        });
-    }
-    FileNode::Children subdirs;
-    subdirs.reserve(results.size());
-    for (auto& result : results) {
-        if (result)
-            subdirs.push_back(std::move(result));
-    }
-    return makeDirectory(folder.name, folder.path, std::move(subdirs), std::move(files), smallBytes, smallCount,
-                         depth, folder.isPackage);
-}
-
-// One folder of the deep walk whose sub-folders are still being walked.
-struct DiskScanner::Frame
-{
-    QString name;
-    QString path;
-    QByteArray native;
-    int level = 0;
-    bool isPackage = false;
-    // Inside a bundle nothing below is ever shown, so a sub-folder only adds its totals upward.
-    bool mergesUp = false;
-    std::vector<QByteArray> pending; // sub-folder names in listing order
-    size_t next = 0;
-    FileNode::Children subdirs;
-    FileNode::Children files;
-    qint64 smallBytes = 0;
-    qint64 smallCount = 0;
-};
-
-// The deep walk: depth first, one folder open at a time per thread. Each folder is opened once
-// without following links, checked to be on the walk's device (another device is a volume mounted
-// here), read to the end, and every entry that is not a folder is examined relative to the open
-// folder; its allocated blocks are its size. Folders are then entered in listing order. A folder
-// that cannot be opened or read counts as empty; entries that vanish count nothing.
-std::unique_ptr<FileNode> DiskScanner::deepScan(const Folder& folder, int depth, ScanProgress& progress)
-{
-    ScopedTimer timer(m_timings ? &m_timings->deepNanoseconds : nullptr);
-    if (m_timings)
-        m_timings->deepWalks.fetch_add(1, std::memory_order_relaxed);
-
-    std::vector<Frame> stack;
-    std::unique_ptr<FileNode> result;
-
-    // Lists the folder into a new top frame, unless it has vanished, been replaced by something
-    // that is not a folder, or is another volume mounted here.
-    const auto enter = [&](Frame frame) {
-        const int fd = ::open(frame.native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        struct stat info {};
-        const bool examined =
-            fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(frame.native.constData(), &info) == 0;
-        if (!examined || !S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
-            if (fd >= 0)
-                ::close(fd);
-            return;
-        }
-        qint64 directFiles = 0;
-        qint64 directBytes = 0;
-        const auto onFolder = [&frame](int, const char* raw) { frame.pending.emplace_back(raw); };
-        const bool holdsSkipped = m_skipParents.contains(frame.path);
-        const auto onFile = [&](const char* raw, qint64 size) {
-            if (holdsSkipped && isSkippedFile(frame.path, raw))
-                return;
-            ++directFiles;
-            addChecked(directBytes, size);
-            if (size >= fileFloor && !frame.isPackage) {
-                const QString name = NativePath::decode(raw);
-                frame.files.push_back(fileNode(name, joined(frame.path, name), size));
-            } else {
-                addChecked(frame.smallBytes, size);
-                ++frame.smallCount;
-            }
-        };
-        readFolder(fd, onFolder, onFile); // an unreadable folder stays in the tree, empty
-        progress.add(directFiles, directBytes, frame.path);
-        stack.push_back(std::move(frame));
-    };
-
-    // Closes the top frame and hands its node (or, inside a bundle, its totals) to the frame below.
-    const auto leave = [&] {
-        Frame frame = std::move(stack.back());
-        stack.pop_back();
-        if (frame.mergesUp) {
-            Frame& parent = stack.back();
-            addChecked(parent.smallBytes, frame.smallBytes);
-            addChecked(parent.smallCount, frame.smallCount);
-            return; // its own sub-folders merged into it the same way, so it holds no nodes
-        }
-        auto node = makeDirectory(frame.name, frame.path, std::move(frame.subdirs), std::move(frame.files),
-                                  frame.smallBytes, frame.smallCount, depth + frame.level, frame.isPackage);
-        if (stack.empty())
-            result = std::move(node);
-        else
-            stack.back().subdirs.push_back(std::move(node));
-    };
-
-    Frame root;
-    root.name = folder.name;
-    root.path = folder.path;
-    root.native = folder.native;
-    root.isPackage = folder.isPackage;
-    if (!progress.isCancelled() && !skips(folder.path))
-        enter(std::move(root));
-
-    while (!stack.empty()) {
-        Frame& top = stack.back();
-        if (top.next == top.pending.size()) {
-            leave();
-            continue;
-        }
-        if (progress.isCancelled())
-            break;
-        const QByteArray& raw = top.pending[top.next++];
-        Frame child;
-        child.name = NativePath::decode(raw);
-        child.path = joined(top.path, child.name);
-        if (skips(child.path))
-            continue;
-        child.native = joinedNative(top.native, raw.constData());
-        child.level = top.level + 1;
-        child.mergesUp = top.isPackage;
-        child.isPackage = child.mergesUp || hasPackageExtension(child.name);
-        enter(std::move(child)); // `top` may dangle from here on
-    }
-    // A cancelled walk still returns what it gathered, with every open folder closed in order.
-    while (!stack.empty())
-        leave();
-    return result ? std::move(result) : emptyFolder(folder.name, folder.path, folder.isPackage);
+    // The threads live for this scan only: between scans the scanner holds none.
+    Walk walk(*this, progress);
+    auto tree = walk.run(std::move(folder), m_services.helpers);
+    return tree ? std::move(tree) : emptyFolder(folder.name, folder.path, false);
 }
 
 } // namespace nubo

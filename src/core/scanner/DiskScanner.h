@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/scanner/FileNode.h"
-#include "core/scanner/ParallelLoop.h"
 #include "core/scanner/ScanProgress.h"
 
 #include <QSet>
@@ -19,9 +18,10 @@ class Privacy;
 /// Builds the coarse tree of sizes the space map draws: sizes are the blocks items really take on
 /// disk, small files are summed into one aggregate per folder, small folders below the root are
 /// collapsed, bundles are single blocks, symbolic links are never followed or counted and other
-/// volumes are never entered. The root's entries and theirs are listed directly and their
-/// sub-folders scanned in parallel; everything deeper is walked depth first on the thread that
-/// reached it. Holds no state of a scan beyond the call, so one scanner may serve several scans at once.
+/// volumes are never entered. Many folders are read at once, since a disk answers many requests
+/// together: threads walk depth first and share out the folders they have not started with any
+/// thread that runs dry, at every depth. Holds no state of a scan beyond the call, so one scanner
+/// may serve several scans at once.
 class DiskScanner
 {
 public:
@@ -29,6 +29,10 @@ public:
     static constexpr qint64 fileFloor = 2'097'152;
     /// A folder below the root smaller than this keeps no children.
     static constexpr qint64 collapseBelow = 4'194'304;
+    /// How many folders a scan reads at once. The count follows the disk, not the processor: a
+    /// folder tree that is not in memory is read at the speed of the requests kept in flight,
+    /// and one in memory costs no more with many threads than with few.
+    static constexpr int foldersInFlight = 24;
 
     /// True for a folder the scanner must not read (the Full Disk Access gate).
     using Gate = std::function<bool(const QString& path)>;
@@ -50,7 +54,7 @@ public:
         VolumeTest isVolume;
         /// Exact paths, of folders or files, never entered or counted.
         QStringList skipPaths = DiskScanner::skipPaths();
-        int helpers = ParallelLoop::defaultHelpers(); ///< threads besides the caller's
+        int helpers = foldersInFlight - 1; ///< threads besides the caller's
     };
 
     /// Where a scan's thread time went, summed over threads; for the benchmark.
@@ -85,11 +89,9 @@ public:
 
 private:
     struct Folder;
-    struct Frame;
+    struct Pending;
+    class Walk;
 
-    std::unique_ptr<FileNode> scanDirectory(const Folder& folder, int depth, ScanProgress& progress,
-                                            ParallelLoop& loop);
-    std::unique_ptr<FileNode> deepScan(const Folder& folder, int depth, ScanProgress& progress);
     [[nodiscard]] bool skips(const QString& path) const;
     // A skip path may name a file (a Mac's sleep image): only files of the folders that hold one
     // are compared, so the walk does not build a path per file.
