@@ -24,9 +24,9 @@ set(nubo_iconset ${CMAKE_CURRENT_BINARY_DIR}/Nubo.iconset)
 set(nubo_icns ${CMAKE_CURRENT_BINARY_DIR}/Nubo.icns)
 add_custom_command(OUTPUT ${nubo_icns}
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${nubo_iconset}
-    COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/packaging/macos/draw-icon.py --iconset ${nubo_iconset}
+    COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/packaging/icon/draw-icon.py --iconset ${nubo_iconset}
     COMMAND ${NUBO_ICONUTIL} --convert icns --output ${nubo_icns} ${nubo_iconset}
-    DEPENDS ${PROJECT_SOURCE_DIR}/packaging/macos/draw-icon.py
+    DEPENDS ${PROJECT_SOURCE_DIR}/packaging/icon/draw-icon.py
     COMMENT "Drawing the application icon"
     VERBATIM)
 target_sources(nubo PRIVATE ${nubo_icns})

@@ -12,6 +12,8 @@
 #include "app/ui/UiEngine.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
@@ -19,14 +21,60 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
+
+namespace {
+
+void nameTheProgram()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Nubo"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(NUBO_VERSION));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("nubo.app"));
+}
+
+// "--help" and "--version" print and end the program, and an unknown option is refused with one
+// line and a failure, all before any window; Qt's own options (-platform, -style…) are taken by
+// the application object first.
+void readCommandLine(const QCoreApplication& app)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Muestra qué llena el disco y libera espacio con seguridad."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(app);
+}
+
+// Whether the command line only asks for help or the version, which need no display.
+bool onlyAsks(int argc, char* argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        for (const char* option : {"-h", "--help", "--help-all", "-v", "--version"}) {
+            if (std::strcmp(argv[i], option) == 0)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
+    nameTheProgram();
+    if (onlyAsks(argc, argv)) {
+        const QCoreApplication plain(argc, argv);
+        readCommandLine(plain); // prints and ends the program
+    }
     // A widgets application: the tray icon and the platform's own menu bar are widgets classes.
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Nubo"));
-    QApplication::setOrganizationDomain(QStringLiteral("nubo.app"));
+    readCommandLine(app);
+    // One identity with the installed desktop entry: the desktop groups the windows under it and
+    // shows its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral(NUBO_IDENTIFIER));
 #ifndef Q_OS_MACOS
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral(NUBO_IDENTIFIER),
+                                                 QIcon(QStringLiteral(":/icons/" NUBO_IDENTIFIER ".png"))));
     // Fusion follows the system palette, light or dark, and looks at home on Linux desktops.
     QQuickStyle::setStyle(QStringLiteral("Fusion"));
 #endif

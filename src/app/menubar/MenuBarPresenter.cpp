@@ -34,11 +34,15 @@ MenuBarPresenter::MenuBarPresenter(QQmlEngine& engine, AppState& state, ShellCon
         });
 
     if (useTray) {
-        QIcon icon;
-        for (const int side : {16, 22, 32, 44})
-            icon.addPixmap(QPixmap::fromImage(symbols.render(QStringLiteral("wind"), QSize(side, side))));
-        // The menu bar draws a mask in its own colours, light or dark, as it does for the system's icons.
-        icon.setIsMask(true);
+        // A Linux panel shows the application's own picture, as it does for every other program;
+        // a Mac's menu bar draws a mask in its own colours, light or dark, as it does for the
+        // system's icons (an application there has no window icon of its own).
+        QIcon icon = QGuiApplication::windowIcon();
+        if (icon.isNull()) {
+            for (const int side : {16, 22, 32, 44})
+                icon.addPixmap(QPixmap::fromImage(symbols.render(QStringLiteral("wind"), QSize(side, side))));
+            icon.setIsMask(true);
+        }
         m_tray = std::make_unique<QSystemTrayIcon>(icon);
         m_tray->setToolTip(QStringLiteral("Nubo"));
         connect(m_tray.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -5,6 +5,8 @@ pixel of edge smoothing), so the icon has no image source to keep and renders cr
 
     draw-icon.py --iconset Nubo.iconset    the files iconutil turns into Nubo.icns
     draw-icon.py --size 1024 --output icon.png
+    draw-icon.py --theme DIR --name ID     a Linux icon theme's sizes, DIR/<N>x<N>/apps/ID.png
+                                           and DIR/scalable/apps/ID.svg, the same shapes in SVG
 
 Only the standard library is used, so the build needs nothing beyond the system's python3.
 """
@@ -42,6 +44,10 @@ ICONSET = (
     ("icon_256x256.png", 256), ("icon_256x256@2x.png", 512),
     ("icon_512x512.png", 512), ("icon_512x512@2x.png", 1024),
 )
+
+
+# The sizes a Linux icon theme holds for an application.
+THEME_SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 
 
 def rounded_square(x, y):
@@ -121,6 +127,31 @@ def png(size, rows):
     return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(raw, 9)) + chunk(b"IEND", b"")
 
 
+def svg():
+    """The same drawing as vector shapes: the body, its soft shadow and the cloud."""
+    (ax, ay), (bx, by), base = CLOUD_BASE
+    left = BODY_CENTRE[0] - BODY_HALF
+    top = BODY_CENTRE[1] - BODY_HALF
+    side = 2 * BODY_HALF
+
+    def rgb(colour):
+        return "#%02x%02x%02x" % colour
+
+    bumps = "".join(
+        f'<circle cx="{cx:g}" cy="{cy:g}" r="{r:g}"/>' for (cx, cy), r in CLOUD_BUMPS)
+    return f"""<svg xmlns="http://www.w3.org/2000/svg" width="{CANVAS:g}" height="{CANVAS:g}" viewBox="0 0 {CANVAS:g} {CANVAS:g}">
+<defs>
+<linearGradient id="sky" x1="0" y1="{top:g}" x2="0" y2="{top + side:g}" gradientUnits="userSpaceOnUse"><stop offset="0" stop-color="{rgb(SKY_TOP)}"/><stop offset="1" stop-color="{rgb(SKY_BOTTOM)}"/></linearGradient>
+<linearGradient id="cloud" x1="0" y1="{CLOUD_SPAN[0]:g}" x2="0" y2="{CLOUD_SPAN[1]:g}" gradientUnits="userSpaceOnUse"><stop offset="0" stop-color="{rgb(CLOUD_TOP)}"/><stop offset="1" stop-color="{rgb(CLOUD_BOTTOM)}"/></linearGradient>
+<filter id="soft" x="-10%" y="-10%" width="120%" height="120%"><feGaussianBlur stdDeviation="{SHADOW_SOFTNESS / 2:g}"/></filter>
+</defs>
+<rect x="{left:g}" y="{top + SHADOW_OFFSET:g}" width="{side:g}" height="{side:g}" rx="{BODY_RADIUS:g}" fill="#000" fill-opacity="{SHADOW_ALPHA:g}" filter="url(#soft)"/>
+<rect x="{left:g}" y="{top:g}" width="{side:g}" height="{side:g}" rx="{BODY_RADIUS:g}" fill="url(#sky)"/>
+<g fill="url(#cloud)"><rect x="{ax - base:g}" y="{ay - base:g}" width="{bx - ax + 2 * base:g}" height="{2 * base:g}" rx="{base:g}"/>{bumps}</g>
+</svg>
+""".encode()
+
+
 def write(path, data):
     temporary = path + ".part"
     with open(temporary, "wb") as out:
@@ -133,9 +164,11 @@ def main(argv):
     parser.add_argument("--iconset", help="folder to fill with the sizes iconutil expects")
     parser.add_argument("--size", type=int, default=1024, help="pixel size of a single PNG")
     parser.add_argument("--output", help="path of a single PNG")
+    parser.add_argument("--theme", help="icon theme folder to fill (hicolor layout)")
+    parser.add_argument("--name", default="nubo", help="the icon's name in the theme")
     options = parser.parse_args(argv)
-    if not options.iconset and not options.output:
-        parser.error("give --iconset or --output")
+    if not options.iconset and not options.output and not options.theme:
+        parser.error("give --iconset, --output or --theme")
     if options.size < 1 or options.size > 4096:
         parser.error("--size must be between 1 and 4096")
 
@@ -148,6 +181,14 @@ def main(argv):
             if size not in drawn:
                 drawn[size] = png(size, render(size))
             write(os.path.join(options.iconset, name), drawn[size])
+    if options.theme:
+        for size in THEME_SIZES:
+            folder = os.path.join(options.theme, f"{size}x{size}", "apps")
+            os.makedirs(folder, exist_ok=True)
+            write(os.path.join(folder, options.name + ".png"), png(size, render(size)))
+        folder = os.path.join(options.theme, "scalable", "apps")
+        os.makedirs(folder, exist_ok=True)
+        write(os.path.join(folder, options.name + ".svg"), svg())
     return 0
 
 
