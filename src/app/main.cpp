@@ -9,6 +9,7 @@
 #include "platform/VolumeCapacity.h"
 #include "app/menubar/MenuBarPresenter.h"
 #include "app/shell/NativeMenus.h"
+#include "app/shell/SignalQuit.h"
 #include "app/ui/UiEngine.h"
 
 #include <QApplication>
@@ -61,6 +62,7 @@ bool onlyAsks(int argc, char* argv[])
 
 int main(int argc, char* argv[])
 {
+    nubo::SignalQuit::catchSignals();
     nameTheProgram();
     if (onlyAsks(argc, argv)) {
         const QCoreApplication plain(argc, argv);
@@ -69,6 +71,7 @@ int main(int argc, char* argv[])
     // A widgets application: the tray icon and the platform's own menu bar are widgets classes.
     QApplication app(argc, argv);
     readCommandLine(app);
+    const nubo::SignalQuit quitOnSignal;
     // One identity with the installed desktop entry: the desktop groups the windows under it and
     // shows its icon.
     QGuiApplication::setDesktopFileName(QStringLiteral(NUBO_IDENTIFIER));

@@ -9,4 +9,4 @@ list(APPEND nubo_qml_files
     shell/FullDiskAccessCard.qml
     shell/PermissionSheet.qml
     shell/ToastView.qml)
-target_sources(nubo_ui PRIVATE shell/NativeMenus.h shell/NativeMenus.cpp)
+target_sources(nubo_ui PRIVATE shell/NativeMenus.h shell/NativeMenus.cpp shell/SignalQuit.h shell/SignalQuit.cpp)
