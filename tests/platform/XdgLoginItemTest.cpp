@@ -13,6 +13,23 @@
 
 using namespace nubo;
 
+// Installed, the program's entry is copied: its name, icon and actions stay, it starts this
+// executable, and nothing in it switches the entry off.
+TEST(XdgLoginItem, AnInstalledProgramStartsFromACopyOfItsOwnEntry)
+{
+    QTemporaryDir home;
+    const QString installed = home.path() + QStringLiteral("/app.desktop");
+    test::writeBytes(installed, "[Desktop Entry]\nName=Nubo\nIcon=app.nubo.Nubo\nExec=nubo\nTryExec=nubo\n"
+                                "Hidden=true\n\n[Desktop Action x]\nExec=nubo --x\n");
+    XdgLoginItem item(home.path(), QStringLiteral("/usr/bin/nubo"), installed);
+    ASSERT_TRUE(item.registerApp());
+    EXPECT_TRUE(item.isRegistered());
+    QFile file(item.entryPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("[Desktop Entry]\nName=Nubo\nIcon=app.nubo.Nubo\nExec=\"/usr/bin/nubo\"\n"
+                                         "X-GNOME-Autostart-enabled=true\n[Desktop Action x]\nExec=nubo --x\n"));
+}
+
 // Another copy of the program, keys of another group, a newline smuggling a line into the entry, or
 // a folder in its place (left alone) never count as this program's entry.
 TEST(XdgLoginItem, RegisteringWritesAnEntryThatStartsThisExecutableAndAnUnusableOneReadsAsOff)

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStandardPaths>
+#include <QStringList>
 
 namespace nubo {
 
@@ -20,9 +22,38 @@ constexpr qint64 kMaxEntryBytes = 64 * 1024;
 
 } // namespace
 
-XdgLoginItem::XdgLoginItem(QString home, QString executable)
-    : m_home(std::move(home)), m_executable(std::move(executable))
+XdgLoginItem::XdgLoginItem(QString home, QString executable, QString installedEntry)
+    : m_home(std::move(home)), m_executable(std::move(executable)), m_installedEntry(std::move(installedEntry))
 {
+}
+
+QString XdgLoginItem::autostartEntry(const QString& installed, const QString& exec)
+{
+    // The installed entry's name, icon and words, starting this executable; what switches an
+    // autostart entry off is left out, and it says that it is on.
+    QStringList lines;
+    bool inMainGroup = false;
+    const auto closeMainGroup = [&] {
+        lines << QStringLiteral("Exec=") + exec << QStringLiteral("X-GNOME-Autostart-enabled=true");
+    };
+    for (const QString& line : installed.split(QLatin1Char('\n'))) {
+        const QString trimmed = line.trimmed();
+        if (trimmed.startsWith(QLatin1Char('['))) {
+            if (inMainGroup)
+                closeMainGroup();
+            inMainGroup = trimmed == QLatin1String("[Desktop Entry]");
+        } else if (inMainGroup) {
+            const QString key = trimmed.section(QLatin1Char('='), 0, 0).trimmed();
+            if (key == QLatin1String("Exec") || key == QLatin1String("TryExec") || key == QLatin1String("Hidden") ||
+                key == QLatin1String("X-GNOME-Autostart-enabled"))
+                continue;
+        }
+        if (!trimmed.isEmpty())
+            lines << trimmed;
+    }
+    if (inMainGroup)
+        closeMainGroup();
+    return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
 
 QString XdgLoginItem::entryPath() const
@@ -102,13 +133,23 @@ bool XdgLoginItem::registerApp()
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    const QString entry = QStringLiteral("[Desktop Entry]\n"
-                                         "Type=Application\n"
-                                         "Name=Nubo\n"
-                                         "Exec=") +
-                          exec +
-                          QStringLiteral("\n"
-                                         "X-GNOME-Autostart-enabled=true\n");
+    QString entry;
+    QFile installed(m_installedEntry);
+    if (!m_installedEntry.isEmpty() && installed.size() <= kMaxEntryBytes && installed.open(QIODevice::ReadOnly)) {
+        const QString text = QString::fromUtf8(installed.readAll());
+        if (text.contains(QLatin1String("[Desktop Entry]")))
+            entry = autostartEntry(text, exec);
+    }
+    if (entry.isEmpty()) {
+        // Not installed (started from a build): the least an entry needs.
+        entry = QStringLiteral("[Desktop Entry]\n"
+                               "Type=Application\n"
+                               "Name=Nubo\n"
+                               "Exec=") +
+                exec +
+                QStringLiteral("\n"
+                               "X-GNOME-Autostart-enabled=true\n");
+    }
     file.write(entry.toUtf8());
     if (!file.commit())
         return false;
@@ -128,7 +169,9 @@ bool XdgLoginItem::unregisterApp()
 
 std::unique_ptr<LoginItem> makeLoginItem()
 {
-    return std::make_unique<XdgLoginItem>(Home::url(), QCoreApplication::applicationFilePath());
+    return std::make_unique<XdgLoginItem>(
+        Home::url(), QCoreApplication::applicationFilePath(),
+        QStandardPaths::locate(QStandardPaths::ApplicationsLocation, QStringLiteral(NUBO_BUNDLE_IDENTIFIER ".desktop")));
 }
 
 } // namespace nubo
