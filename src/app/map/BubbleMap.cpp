@@ -177,8 +177,6 @@ void BubbleMap::loadIcons()
     const qreal ratio = window() ? window()->devicePixelRatio() : 2.0;
     const int px = int(std::ceil(28 * std::max<qreal>(ratio, 1)));
     for (FileKind kind : FileKinds::all) {
-        if (size_t(kind) >= m_painter.icons.size())
-            continue;
         QSize got;
         m_painter.icons[size_t(kind)] = provider->requestImage(
             FileKinds::symbol(kind) + QStringLiteral("?tint=") + m_textColor.name(), &got, QSize(px, px));
@@ -277,7 +275,7 @@ void BubbleMap::setScene(std::vector<MapScene::Bubble> scene)
         BubblePainter::Bubble bubble;
         bubble.circle = from.circle;
         bubble.roleTo = roleIndex(from.role); // arriving: a new tree fades in
-        bubble.kind = colours[size_t(node->kind()) % colours.size()];
+        bubble.kind = colours[size_t(node->kind())];
         bubble.icon = int(node->kind());
         bubble.folder = node->canDrill();
         if (from.role == MapScene::Role::Child) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/format/FileKind.h"
 #include "core/layout/CirclePack.h"
 #include "models/map/MapScene.h" // MapTransform
 
@@ -36,7 +37,7 @@ public:
     };
 
     /// The icon each file kind shows in a large bubble, indexed by the kind.
-    using Icons = std::array<QImage, 11>;
+    using Icons = std::array<QImage, FileKinds::all.size()>;
 
     /// One bubble as it is painted: where it stands and stood, its roles, and what its look and
     /// label need to know. Only children carry a name.
