@@ -203,12 +203,8 @@ void BubbleMap::treeChanged()
     if (m_bubbles.empty() || !isVisible())
         return;
     if (!sameTree) {
-        m_shown = {};
-        m_leaving = std::move(old);
-        m_leaving.camera = m_to; // the old picture stays where it is while it fades
-        m_leavingOnTop = false;
-        m_crossfading = true;
-        animate(m_reflowDuration, QEasingCurve::OutCubic);
+        old.camera = m_to; // the old picture stays where it is while it fades
+        crossfade(std::move(old), false, m_reflowDuration, QEasingCurve::OutCubic);
         return;
     }
     for (size_t i = 0; i < m_bubbles.size(); ++i) {
@@ -239,18 +235,25 @@ void BubbleMap::currentMoved()
     }
     // The zoom starts from what the screen shows now, also in the middle of another zoom.
     const PackedCircle from = camera();
-    m_leaving = onScreen();
-    m_leavingOnTop = depthOf(m_current) > depthOf(next);
-    m_shown = {};
+    MapPicture leaving = onScreen();
+    const bool zoomsOut = depthOf(m_current) > depthOf(next);
     m_current = next;
     setScene(MapScene::build(m_layout, *next));
     m_hoverPainted = nullptr;
     m_from = from;
     m_to = m_layout.circle(*next);
-    m_crossfading = true;
     emit sceneChanged();
+    crossfade(std::move(leaving), zoomsOut, m_zoomDuration, QEasingCurve::InOutCubic);
+}
+
+void BubbleMap::crossfade(MapPicture leaving, bool leavingOnTop, int duration, QEasingCurve::Type easing)
+{
+    m_leaving = std::move(leaving);
+    m_leavingOnTop = leavingOnTop;
+    m_shown = {}; // the new scene's picture is painted from scratch
+    m_crossfading = true;
     repaintAll();
-    animate(m_zoomDuration, QEasingCurve::InOutCubic);
+    animate(duration, easing);
 }
 
 void BubbleMap::setScene(std::vector<MapScene::Bubble> scene)
@@ -375,7 +378,7 @@ void BubbleMap::paintShown()
     // asks for, which are small.
     refreshLooks();
     const qreal ratio = window() ? window()->devicePixelRatio() : 1.0;
-    const QSize pixels(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio)));
+    const QSize pixels = MapPicture::pixelsFor(size(), ratio);
     const PackedCircle at = camera();
     const MapTransform place(at, size(), Margin);
     const bool patch = !m_stale && m_shown.image.size() == pixels &&
@@ -389,9 +392,7 @@ void BubbleMap::paintShown()
                                       .intersected(m_shown.image.rect());
         if (!pixelRegion.isEmpty()) {
             const QPointF origin = QPointF(pixelRegion.topLeft()) / ratio;
-            QImage patchImage(pixelRegion.size(), QImage::Format_ARGB32_Premultiplied);
-            patchImage.setDevicePixelRatio(ratio);
-            patchImage.fill(Qt::transparent);
+            QImage patchImage = MapPicture::blank(pixelRegion.size(), ratio);
             {
                 QPainter painter(&patchImage);
                 painter.translate(-origin);
@@ -403,9 +404,7 @@ void BubbleMap::paintShown()
             painter.drawImage(origin, patchImage);
         }
     } else {
-        m_shown.image = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-        m_shown.image.setDevicePixelRatio(ratio);
-        m_shown.image.fill(Qt::transparent);
+        m_shown.image = MapPicture::blank(pixels, ratio);
         QPainter painter(&m_shown.image);
         m_painter.paint(painter, m_bubbles, place, m_progress, QRectF(QPointF(0, 0), size()));
     }
@@ -433,11 +432,7 @@ void BubbleMap::order()
             MapPicture picture{{}, at, 0};
             if (stop.stopRequested())
                 return picture;
-            picture.image =
-                QImage(QSize(int(std::ceil(view.width() * ratio)), int(std::ceil(view.height() * ratio))),
-                       QImage::Format_ARGB32_Premultiplied);
-            picture.image.setDevicePixelRatio(ratio);
-            picture.image.fill(Qt::transparent);
+            picture.image = MapPicture::blank(MapPicture::pixelsFor(view, ratio), ratio);
             const std::lock_guard hold(worker->lock);
             worker->painter.style = style;
             worker->painter.icons = icons;
@@ -502,18 +497,15 @@ MapPictureNode::Layers BubbleMap::layers() const
 MapPicture BubbleMap::onScreen()
 {
     if (!m_crossfading)
-        return std::move(m_shown);
+        return m_shown;
     // Interrupted in the middle of a crossfade: the two pictures as they stand become one.
     if (m_shown.image.isNull() && m_leaving.image.isNull())
         return {};
     const qreal ratio = window() ? window()->devicePixelRatio() : 1.0;
-    MapPicture picture{QImage(QSize(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio))),
-                              QImage::Format_ARGB32_Premultiplied),
-                       camera(), ++m_lastPicture};
+    MapPicture picture{MapPicture::blank(MapPicture::pixelsFor(size(), ratio), ratio), camera(),
+                       ++m_lastPicture};
     if (picture.image.isNull())
         return {};
-    picture.image.setDevicePixelRatio(ratio);
-    picture.image.fill(Qt::transparent);
     QPainter painter(&picture.image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     for (const auto& [layer, opacity] : layers()) {

@@ -115,6 +115,8 @@ private:
     void animate(int duration, QEasingCurve::Type easing);
     void loadIcons();
     void currentMoved();
+    // Shows `leaving` (what the screen showed) giving way to the new scene's picture.
+    void crossfade(MapPicture leaving, bool leavingOnTop, int duration, QEasingCurve::Type easing);
     void treeChanged();
     void hoverMoved();
     void repaintAll();
@@ -129,6 +131,7 @@ private:
     [[nodiscard]] QRectF bubbleRect(const FileNode* node, const PackedCircle& camera) const;
     // The pictures a frame shows, bottom first, each with its opacity.
     [[nodiscard]] std::array<std::pair<const MapPicture*, double>, 2> layers() const;
+    // What the screen shows now, as one picture (a crossfade in progress painted into one).
     [[nodiscard]] MapPicture onScreen();
 
     QPointer<MapModel> m_model;

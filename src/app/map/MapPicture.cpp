@@ -2,6 +2,8 @@
 
 #include "models/map/MapScene.h"
 
+#include <cmath>
+
 namespace nubo {
 
 MapPicture::Placement MapPicture::placed(const PackedCircle& now, QSizeF view, double margin) const
@@ -22,6 +24,19 @@ MapPicture::Placement MapPicture::placed(const PackedCircle& now, QSizeF view, d
     const double pixels = image.devicePixelRatio() / k;
     return {target, QRectF((target.x() - whole.x()) * pixels, (target.y() - whole.y()) * pixels,
                            target.width() * pixels, target.height() * pixels)};
+}
+
+QSize MapPicture::pixelsFor(QSizeF view, qreal ratio)
+{
+    return {int(std::ceil(view.width() * ratio)), int(std::ceil(view.height() * ratio))};
+}
+
+QImage MapPicture::blank(QSize pixels, qreal ratio)
+{
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    return image;
 }
 
 } // namespace nubo

@@ -4,6 +4,7 @@
 
 #include <QImage>
 #include <QRectF>
+#include <QSize>
 #include <QSizeF>
 
 namespace nubo {
@@ -27,6 +28,11 @@ struct MapPicture
     /// The placement under the camera `now` in a view of `view`, both fitted with `margin` the way
     /// the map fits its camera; nothing of it ever falls outside the view.
     [[nodiscard]] Placement placed(const PackedCircle& now, QSizeF view, double margin) const;
+
+    /// The pixels a view of `view` points takes at `ratio` pixels a point.
+    [[nodiscard]] static QSize pixelsFor(QSizeF view, qreal ratio);
+    /// A transparent image of `pixels` at `ratio`, to paint a picture or a part of one on.
+    [[nodiscard]] static QImage blank(QSize pixels, qreal ratio);
 };
 
 } // namespace nubo
