@@ -6,6 +6,7 @@
 // --bare walks with a bare parallel walker instead of the scanner (list folders, add up each
 // entry's blocks, nothing else): the floor that the scanner is measured against.
 #include "core/files/NativePath.h"
+#include "core/safety/SafetyRules.h"
 #include "core/scanner/DiskScanner.h"
 
 #include <QCoreApplication>
@@ -152,6 +153,7 @@ int main(int argc, char** argv)
     nubo::DiskScanner::Timings timings;
     nubo::DiskScanner::Services services;
     services.helpers = threads - 1;
+    services.skipPaths = nubo::SafetyRules::forHost().unscanned;
     nubo::DiskScanner scanner(services);
     scanner.setTimings(&timings);
 

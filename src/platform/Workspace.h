@@ -57,6 +57,18 @@ public:
         return named && !named->isEmpty() && *named != path ? *named : plain;
     }
 
+    /// Whether the system holds a folder for a volume's root (a mount point), and whether it
+    /// shows a folder as one item, a package; none where the platform has no such answer or the
+    /// path is not UTF-8. Safe from any thread: the scanner asks from its walking threads.
+    [[nodiscard]] std::optional<bool> isVolume(const QString& path) const
+    {
+        return NativePath::hasEscapedBytes(path) ? std::nullopt : systemIsVolume(path);
+    }
+    [[nodiscard]] std::optional<bool> isPackage(const QString& path) const
+    {
+        return NativePath::hasEscapedBytes(path) ? std::nullopt : systemIsPackage(path);
+    }
+
     /// Where the system's registry of applications places the application with this bundle
     /// identifier, anywhere on the machine; none when it knows no such application.
     [[nodiscard]] virtual std::optional<QString>
@@ -81,6 +93,16 @@ protected:
     /// The file manager's own name for an existing path; none where the platform has no such
     /// service. Called from any thread.
     [[nodiscard]] virtual std::optional<QString> systemDisplayName(const QString& path) const
+    {
+        (void)path;
+        return std::nullopt;
+    }
+    [[nodiscard]] virtual std::optional<bool> systemIsVolume(const QString& path) const
+    {
+        (void)path;
+        return std::nullopt;
+    }
+    [[nodiscard]] virtual std::optional<bool> systemIsPackage(const QString& path) const
     {
         (void)path;
         return std::nullopt;

@@ -70,6 +70,9 @@ SafetyRules SafetyRules::forMac()
     rules.sharedTemporaries = {QStringLiteral("/private/tmp")};
     rules.insideBundle = QStringLiteral(".photoslibrary/");
     rules.systemApplications = QStringLiteral("/System/Applications");
+    // The data volume is reached through its firmlinks; /home is the automounter's.
+    rules.unscanned = {QStringLiteral("/System/Volumes"), QStringLiteral("/Volumes"), QStringLiteral("/dev"),
+                       QStringLiteral("/net"), QStringLiteral("/home"), QStringLiteral("/private/var/vm/sleepimage")};
     return rules;
 }
 
@@ -114,6 +117,9 @@ SafetyRules SafetyRules::forLinux()
     rules.sharedTemporaries = {QStringLiteral("/tmp"), QStringLiteral("/var/tmp")};
     rules.onlyOwnItemsOutsideHomes = true;
     rules.otherVolumes = true;
+    // The kernel's and the run time's own file systems, also where a container puts them on
+    // the root's device.
+    rules.unscanned = {QStringLiteral("/proc"), QStringLiteral("/sys"), QStringLiteral("/dev"), QStringLiteral("/run")};
     return rules;
 }
 

@@ -57,6 +57,9 @@ struct SafetyRules
     QString insideBundle;
     /// Everything whose path begins with this text comes with the system.
     QString systemApplications;
+    /// Exact paths the space map never enters or counts: the system's views of other volumes and
+    /// of its own state, and files it rewrites itself.
+    QStringList unscanned;
 
     [[nodiscard]] static SafetyRules forMac();
     [[nodiscard]] static SafetyRules forLinux();

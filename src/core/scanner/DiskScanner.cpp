@@ -2,7 +2,6 @@
 
 #include "core/files/NativePath.h"
 #include "core/format/CheckedMath.h"
-#include "core/privacy/Privacy.h"
 
 #include <QElapsedTimer>
 
@@ -350,12 +349,15 @@ void DiskScanner::Walk::process(Folder folder, std::deque<Folder>& local)
         // nothing. Present but unreadable: an empty folder.
         struct stat info {};
         const bool examined = fd >= 0 ? ::fstat(fd, &info) == 0 : ::lstat(folder.native.constData(), &info) == 0;
-        if (!examined || !S_ISDIR(info.st_mode) || info.st_dev != folder.device) {
+        if (!examined || !S_ISDIR(info.st_mode) ||
+            (info.st_dev != folder.device && m_scanner.isOtherVolume(folder.path))) {
             if (fd >= 0)
                 ::close(fd);
             nothing(folder);
             return;
         }
+        // Past a firmlink, the folders below are on the volume it leads to.
+        folder.device = info.st_dev;
     }
 
     auto pending = std::make_unique<Pending>();
@@ -376,10 +378,14 @@ void DiskScanner::Walk::process(Folder folder, std::deque<Folder>& local)
             struct stat info {};
             if (::fstatat(dirFd, raw, &info, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(info.st_mode))
                 return;
-            const Services& services = m_scanner.m_services;
-            if (services.isVolume ? services.isVolume(child.path) : info.st_dev != self.device)
+            if (info.st_dev != self.device && m_scanner.isOtherVolume(child.path))
                 return;
-            child.isPackage = services.isPackage(child.path);
+            const PackageTest& isPackage = m_scanner.m_services.isPackage;
+            child.isPackage = (isPackage ? isPackage(child.path) : std::nullopt)
+                                  .value_or(hasPackageExtension(child.name));
+            // The folders a user meets first carry the file manager's names ("Descargas" for
+            // Downloads on a Mac in Spanish); below them the plain names cost nothing to ask.
+            child.name = m_scanner.m_services.displayName(child.path);
             child.device = info.st_dev;
         }
         subfolders.push_back(std::move(child));
@@ -463,37 +469,8 @@ DiskScanner::DiskScanner(Services services) : m_services(std::move(services))
         m_services.isGated = [](const QString&) { return false; };
     if (!m_services.displayName)
         m_services.displayName = lastComponent;
-    if (!m_services.isPackage)
-        m_services.isPackage = [](const QString& path) { return hasPackageExtension(lastComponent(path)); };
     for (const QString& path : std::as_const(m_services.skipPaths))
         m_skipParents.insert(path.left(std::max<qsizetype>(path.lastIndexOf(QLatin1Char('/')), 1)));
-}
-
-namespace {
-
-DiskScanner::Services gatedBy(const Privacy& privacy, DiskScanner::DisplayName displayName)
-{
-    DiskScanner::Services services;
-    services.isGated = [&privacy](const QString& path) { return privacy.isGated(path); };
-    services.displayName = std::move(displayName);
-    return services;
-}
-
-} // namespace
-
-DiskScanner::DiskScanner(const Privacy& privacy, DisplayName displayName)
-    : DiskScanner(gatedBy(privacy, std::move(displayName)))
-{
-}
-
-const QStringList& DiskScanner::skipPaths()
-{
-    static const QStringList paths = {
-        QStringLiteral("/System/Volumes"), QStringLiteral("/Volumes"), QStringLiteral("/dev"),
-        QStringLiteral("/net"),            QStringLiteral("/home"),
-        QStringLiteral("/private/var/vm/sleepimage"),
-    };
-    return paths;
 }
 
 const QSet<QString>& DiskScanner::packageExtensions()
@@ -521,6 +498,11 @@ QString DiskScanner::aggregateName(qint64 count)
 bool DiskScanner::skips(const QString& path) const
 {
     return m_services.skipPaths.contains(path) || m_services.isGated(path);
+}
+
+bool DiskScanner::isOtherVolume(const QString& path) const
+{
+    return (m_services.isVolume ? m_services.isVolume(path) : std::nullopt).value_or(true);
 }
 
 bool DiskScanner::isSkippedFile(const QString& folder, const char* name) const

@@ -10,10 +10,9 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace nubo {
-
-class Privacy;
 
 /// Builds the coarse tree of sizes the space map draws: sizes are the blocks items really take on
 /// disk, small files are summed into one aggregate per folder, small folders below the root are
@@ -36,24 +35,27 @@ public:
 
     /// True for a folder the scanner must not read (the Full Disk Access gate).
     using Gate = std::function<bool(const QString& path)>;
-    /// The name the file manager shows for the scan's root.
+    /// The name the file manager shows for a folder at the top two levels and the scan's root.
     using DisplayName = std::function<QString(const QString& path)>;
-    /// Whether the system treats a folder at the top two levels as a bundle.
-    using PackageTest = std::function<bool(const QString& path)>;
-    /// Whether a folder at the top two levels is a volume's mount point.
-    using VolumeTest = std::function<bool(const QString& path)>;
+    /// The system's word on whether a folder at the top two levels is a bundle; none leaves it
+    /// to the folder's extension.
+    using PackageTest = std::function<std::optional<bool>(const QString& path)>;
+    /// Asked only of a folder on another device than the folder that lists it: whether the system
+    /// holds it for another volume's mount point. None, or no test, makes every change of device
+    /// a volume left alone. A Mac needs the system's answer: its firmlinks (/Users, /Applications,
+    /// /usr/local, /System/Library/Caches…) lead from the system volume to the data volume
+    /// without being mount points, and a whole-disk scan that did not enter them would miss the
+    /// home folder.
+    using VolumeTest = std::function<std::optional<bool>(const QString& path)>;
 
     struct Services
     {
         Gate isGated;              ///< default: nothing is gated
         DisplayName displayName;   ///< default: the last path component
-        PackageTest isPackage;     ///< default: the folder's extension is in packageExtensions()
-        /// Default: the folder lies on another device than the folder that lists it. A Mac needs
-        /// the system's answer instead: its firmlinks (/Users, /Applications, /usr/local…) lead
-        /// from the system volume to the data volume without being mount points, and must be entered.
+        PackageTest isPackage;
         VolumeTest isVolume;
-        /// Exact paths, of folders or files, never entered or counted.
-        QStringList skipPaths = DiskScanner::skipPaths();
+        /// Exact paths, of folders or files, never entered or counted (the system's own list).
+        QStringList skipPaths;
         int helpers = foldersInFlight - 1; ///< threads besides the caller's
     };
 
@@ -67,9 +69,6 @@ public:
 
     DiskScanner();
     explicit DiskScanner(Services services);
-    /// The production set-up: the gate of `privacy`, which must outlive the scanner, and the
-    /// platform's name for the scanned folder (the last path component without one).
-    explicit DiskScanner(const Privacy& privacy, DisplayName displayName = {});
     DiskScanner(const DiskScanner&) = delete;
     DiskScanner& operator=(const DiskScanner&) = delete;
 
@@ -81,7 +80,6 @@ public:
     /// Collects where time goes in later scans; null stops it. `timings` must outlive the scans.
     void setTimings(Timings* timings) { m_timings = timings; }
 
-    [[nodiscard]] static const QStringList& skipPaths();
     /// Folder extensions the deep walk treats as bundles (exact, case-sensitive).
     [[nodiscard]] static const QSet<QString>& packageExtensions();
     /// "1 archivo pequeño", "N archivos pequeños".
@@ -93,6 +91,8 @@ private:
     class Walk;
 
     [[nodiscard]] bool skips(const QString& path) const;
+    // Asked only when a folder's device differs from its lister's.
+    [[nodiscard]] bool isOtherVolume(const QString& path) const;
     // A skip path may name a file (a Mac's sleep image): only files of the folders that hold one
     // are compared, so the walk does not build a path per file.
     [[nodiscard]] bool isSkippedFile(const QString& folder, const char* name) const;

@@ -1,6 +1,7 @@
 #include "models/app/Backends.h"
 
 #include "core/cleanup/CatalogRules.h"
+#include "core/privacy/Privacy.h"
 #include "core/shell/Shell.h"
 #include "core/shell/ShellToolRunner.h"
 
@@ -20,6 +21,19 @@ std::function<QString(const QString&)> displayNamesOf(const Workspace* workspace
     return [workspace](const QString& path) { return workspace->displayName(path); };
 }
 
+// The scanner asks the gate, and the platform for names, volumes and packages; it leaves alone
+// what the system's rules never scan.
+DiskScanner::Services scanningWith(const Privacy& privacy, const Workspace* workspace, const SafetyRules& rules)
+{
+    DiskScanner::Services services;
+    services.isGated = [&privacy](const QString& path) { return privacy.isGated(path); };
+    services.displayName = displayNamesOf(workspace);
+    services.isVolume = [workspace](const QString& path) { return workspace->isVolume(path); };
+    services.isPackage = [workspace](const QString& path) { return workspace->isPackage(path); };
+    services.skipPaths = rules.unscanned;
+    return services;
+}
+
 } // namespace
 
 Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides overrides)
@@ -28,7 +42,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_metadata(overrides.metadata ? std::move(overrides.metadata) : makeMetadata()),
       m_tools(overrides.tools ? std::move(overrides.tools) : std::make_unique<ShellToolRunner>()),
       m_safety(m_roots, overrides.safety ? *overrides.safety : SafetyRules::forHost()), m_deleter(m_safety, *m_admin),
-      m_scanner(privacy, displayNamesOf(m_workspace.get())),
+      m_scanner(scanningWith(privacy, m_workspace.get(), m_safety.rules())),
       m_naming(Naming::lookupIn(*m_workspace)),
       m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
       m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context)),

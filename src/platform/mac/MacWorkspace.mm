@@ -16,6 +16,18 @@ QString pathOf(NSURL* url)
     return url && url.isFileURL ? QString::fromNSString(url.path) : QString();
 }
 
+// A Boolean resource value of the folder at `path`, read from the file system.
+std::optional<bool> flagOf(const QString& path, NSURLResourceKey key)
+{
+    @autoreleasepool {
+        NSURL* url = [NSURL fileURLWithPath:path.toNSString() isDirectory:YES];
+        NSNumber* value = nil;
+        if (![url getResourceValue:&value forKey:key error:nil] || value == nil)
+            return std::nullopt;
+        return static_cast<bool>(value.boolValue);
+    }
+}
+
 class MacWorkspace final : public Workspace
 {
 public:
@@ -88,6 +100,18 @@ protected:
             NSString* name = [[NSFileManager defaultManager] displayNameAtPath:path.toNSString()];
             return name ? std::optional<QString>(QString::fromNSString(name)) : std::nullopt;
         }
+    }
+
+    // Asked from the scanner's threads: each answer comes from a URL made for the call and used
+    // by that thread alone. A path that cannot be read gives no answer rather than a guess.
+    std::optional<bool> systemIsVolume(const QString& path) const override
+    {
+        return flagOf(path, NSURLIsVolumeKey);
+    }
+
+    std::optional<bool> systemIsPackage(const QString& path) const override
+    {
+        return flagOf(path, NSURLIsPackageKey);
     }
 
 public:

@@ -7,10 +7,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
 #include <atomic>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <optional>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
@@ -243,24 +245,30 @@ TEST(DiskScanner, SmallFilesBecomeOneAggregateAndSmallFoldersCollapseBelowTheRoo
               std::tuple(QStringLiteral("Three"), tree.root() + QStringLiteral("/Three"), three.size(), 2));
 }
 
-TEST(DiskScanner, RootNamesPackagesAndVolumesFollowTheSystemsAnswersBesideTheWholeDisk)
+TEST(DiskScanner, RootNamesAndPackagesFollowTheSystemsAnswersBesideTheWholeDisk)
 {
     TempTree tree;
-    tree.file("Odd.bundle/a", 5 * MiB);
+    tree.file("Odd.bundle/inner/deep/a", 5 * MiB);
     tree.file("Plain/b", 5 * MiB);
-    tree.file("Mounted/c", 5 * MiB);
+    tree.file("Silent.app/c", 5 * MiB);
     DiskScanner::Services services;
-    services.isPackage = [](const QString& path) { return path.endsWith(QLatin1String("/Plain")); };
-    services.isVolume = [](const QString& path) { return path.endsWith(QLatin1String("/Mounted")); };
+    services.isPackage = [](const QString& path) -> std::optional<bool> {
+        if (path.endsWith(QLatin1String("/Silent.app")))
+            return std::nullopt;
+        return path.endsWith(QLatin1String("/Plain"));
+    };
     services.displayName = [](const QString& path) {
         return QStringLiteral("Inicio de ") + QDir(path).dirName();
     };
     const auto root = scan(tree.root(), services);
     EXPECT_EQ(root->name(), QStringLiteral("Inicio de ") + QDir(tree.root()).dirName());
+    // The file manager names the folders two levels down; deeper ones keep their own names.
+    EXPECT_EQ(std::tuple(nodeAt(*root, "/inner").name(), nodeAt(*root, "/deep").name()),
+              std::tuple(QStringLiteral("Inicio de inner"), QStringLiteral("deep")));
+    // The system's word wins over the extension either way; without one the extension decides.
     EXPECT_TRUE(nodeAt(*root, "/Plain").isPackage());
     EXPECT_FALSE(nodeAt(*root, "/Odd.bundle").isPackage());
-    EXPECT_FALSE(find(*root, QStringLiteral("/Mounted")));
-    EXPECT_EQ(root->size(), tree.expectedBytes() - blocksOf(tree.bytes("Mounted/c")));
+    EXPECT_TRUE(nodeAt(*root, "/Silent.app").isPackage());
 
     // The whole disk is "Macintosh HD" without asking. Everything below "/" is gated except the
     // mount points of other file systems, which the scanner must leave alone on its own.
@@ -278,6 +286,72 @@ TEST(DiskScanner, RootNamesPackagesAndVolumesFollowTheSystemsAnswersBesideTheWho
         GTEST_SKIP() << "/proc is not another file system here";
     for (const auto& child : disk->children())
         EXPECT_FALSE(child->isDirectory()) << child->path().toStdString();
+}
+
+// A change of device is another volume unless the system says the folder is no mount point, as a
+// Mac's firmlinks are not: then the scan goes on there, at the top levels and in the deep walk
+// alike. "/dev" (a level below "/") and "/dev/shm" (two below) stand in for firmlinks here.
+TEST(DiskScanner, AFolderOnAnotherDeviceIsEnteredOnlyWhenTheSystemSaysItIsNoVolume)
+{
+    struct stat rootInfo = {}, devInfo = {}, shmInfo = {};
+    if (::stat("/", &rootInfo) != 0 || ::stat("/dev", &devInfo) != 0 || ::stat("/dev/shm", &shmInfo) != 0 ||
+        rootInfo.st_dev == devInfo.st_dev || devInfo.st_dev == shmInfo.st_dev)
+        GTEST_SKIP() << "/dev and /dev/shm are not file systems of their own here";
+    QTemporaryDir shared(QStringLiteral("/dev/shm/nubo-scan-XXXXXX"));
+    ASSERT_TRUE(shared.isValid());
+    QFile file(shared.filePath(QStringLiteral("big")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(file.write(QByteArray(5 * MiB, 'x')) == 5 * MiB);
+    file.close();
+    const QString within = shared.path();
+
+    const struct
+    {
+        std::optional<bool> dev, shm;
+        bool devShown, fileShown;
+    } rows[] = {
+        {false, false, true, true},
+        {false, true, true, false},
+        {false, std::nullopt, true, false},
+        {std::nullopt, false, false, false},
+        {true, false, false, false},
+    };
+    for (const auto& row : rows) {
+        DiskScanner::Services services;
+        services.isGated = [&](const QString& path) {
+            return path != QLatin1String("/") && path != QLatin1String("/dev") &&
+                   path != QLatin1String("/dev/shm") && !path.startsWith(within);
+        };
+        services.isVolume = [&](const QString& path) {
+            return path == QLatin1String("/dev") ? row.dev : path == QLatin1String("/dev/shm") ? row.shm : true;
+        };
+        const auto disk = scan(QStringLiteral("/"), services);
+        const FileNode* big = find(*disk, within + QStringLiteral("/big"));
+        EXPECT_EQ(std::tuple(find(*disk, QStringLiteral("/dev")) != nullptr, big != nullptr,
+                             big ? big->size() : 0),
+                  std::tuple(row.devShown, row.fileShown, row.fileShown ? blocksOf(file.fileName()) : 0))
+            << "answers for /dev and /dev/shm: " << row.dev.value_or(2) << row.shm.value_or(2);
+    }
+
+    // Further down, folders are listed without asking, yet a change of device is still put to
+    // the system: /sys/fs/cgroup, three levels below "/", is listed only when it is no volume.
+    struct stat sysInfo = {}, cgroupInfo = {};
+    if (::stat("/sys/fs", &sysInfo) != 0 || ::stat("/sys/fs/cgroup", &cgroupInfo) != 0 ||
+        sysInfo.st_dev == rootInfo.st_dev || sysInfo.st_dev == cgroupInfo.st_dev)
+        GTEST_SKIP() << "/sys/fs/cgroup is not a file system of its own here";
+    const QString cgroup = QStringLiteral("/sys/fs/cgroup");
+    for (const std::optional<bool> answer : {std::optional<bool>(false), std::optional<bool>()}) {
+        std::atomic<bool> listed{false};
+        DiskScanner::Services services;
+        services.isGated = [&](const QString& path) {
+            listed = listed || path.startsWith(cgroup + QLatin1Char('/'));
+            return !QStringList{QStringLiteral("/"), QStringLiteral("/sys"), QStringLiteral("/sys/fs"), cgroup}
+                        .contains(path);
+        };
+        services.isVolume = [&](const QString& path) { return path == cgroup ? answer : std::optional(false); };
+        scan(QStringLiteral("/"), services);
+        EXPECT_EQ(listed, answer.has_value()) << "answer for /sys/fs/cgroup: " << answer.value_or(2);
+    }
 }
 
 // Skip paths name folders and files, at the top and in the deep walk; the gate is asked for every
@@ -320,9 +394,10 @@ TEST(DiskScanner, SkipPathsAndTheGateAreNeverEntered)
     all.isGated = [](const QString&) { return true; };
     EXPECT_EQ(facts(*scan(root, all)), std::tuple(0, 1, true, false, 0u));
 
-    nubo::Privacy withoutAccess(root, [] { return false; });
-    ScanProgress again;
-    EXPECT_EQ(DiskScanner(withoutAccess).scan(root, again)->size(),
+    const nubo::Privacy withoutAccess(root, [] { return false; });
+    DiskScanner::Services guarded;
+    guarded.isGated = [&](const QString& path) { return withoutAccess.isGated(path); };
+    EXPECT_EQ(scan(root, guarded)->size(),
               tree.expectedBytes() - blocksOf(tree.bytes("Library/Mail/big")));
 }
 
