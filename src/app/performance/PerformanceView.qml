@@ -32,9 +32,10 @@ Item {
         itemMenu.popup(at.x, at.y)
     }
 
-    onVisibleChanged: loadOnce()
-    onModelChanged: loadOnce()
-    // The stack of panes settles which one shows after creation; only the shown one loads.
+    // The stack of panes settles which one shows after creation, and newer Qt shows every pane
+    // while it does: the question waits for the event loop, so only the shown pane loads.
+    onVisibleChanged: Qt.callLater(loadOnce)
+    onModelChanged: Qt.callLater(loadOnce)
     Component.onCompleted: Qt.callLater(loadOnce)
 
     Flickable {

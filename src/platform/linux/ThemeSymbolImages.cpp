@@ -68,7 +68,8 @@ const QHash<QString, QStringList>& symbolTable()
         add("arrow.up.arrow.down", {"view-sort-descending-symbolic", "view-sort-descending"});
         add("arrow.clockwise", {"view-refresh-symbolic", "view-refresh"});
         add("lock.fill", {"system-lock-screen-symbolic", "changes-prevent-symbolic"});
-        add("checkmark.circle.fill", {"emblem-ok-symbolic", "emblem-default-symbolic", "emblem-default"});
+        add("checkmark.circle.fill",
+            {"emblem-ok-symbolic", "emblem-default-symbolic", "emblem-default", "object-select-symbolic"});
         add("exclamationmark.triangle.fill", {"dialog-warning-symbolic", "dialog-warning"});
         add("checkmark", {"object-select-symbolic", "emblem-ok-symbolic"});
         add("minus", {"list-remove-symbolic", "value-decrease-symbolic"});

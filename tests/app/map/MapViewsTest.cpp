@@ -146,6 +146,7 @@ TEST_F(MapViewsTest, WalkThroughTheMap)
     EXPECT_FALSE(goUp.isEnabled()) << "at the root there is no level above";
 
     // The hovered bubble follows the pointer at both sizes, and leaving the bubbles clears it.
+    ASSERT_TRUE(child(u"backup.tar") && child(u"Downloads"));
     map().toggleMark(child(u"backup.tar"));
     map().toggleMark(child(u"Downloads")->children().front().get());
     QTest::qWait(Settle); // the selection bar comes up

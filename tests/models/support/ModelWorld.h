@@ -67,6 +67,8 @@ protected:
     std::unique_ptr<Safety> m_safety;
     std::unique_ptr<Deleter> m_deleter;
     std::unique_ptr<DiskScanner> m_scanner;
+    /// Set, a scan of the whole disk stays running (until the test ends) while the home's scans do not.
+    std::shared_ptr<std::atomic<bool>> m_diskHeld = std::make_shared<std::atomic<bool>>(true);
     std::unique_ptr<CleanCatalog> m_catalog;
     std::unique_ptr<AppCatalog> m_apps;
     std::shared_ptr<ModelServices> m_services;
