@@ -4,6 +4,7 @@
 #include "core/cleanup/DeveloperCleaners.h"
 #include "core/cleanup/FolderCategories.h"
 #include "core/cleanup/LargeOldFiles.h"
+#include "core/cleanup/LinuxCategories.h"
 
 #include <QHash>
 
@@ -30,7 +31,7 @@ QList<CleanItem> orphans(const CleanContext& context)
     return context.orphans ? context.orphans() : QList<CleanItem>();
 }
 
-const QHash<QString, Rule>& table()
+const QHash<QString, Rule>& macTable()
 {
     static const QHash<QString, Rule> rules = {
         {QStringLiteral("caches"), &FolderCategories::caches},
@@ -55,13 +56,35 @@ const QHash<QString, Rule>& table()
     return rules;
 }
 
+// Linux has no Mail attachments, Xcode or device backups: those rows have no rule and are not shown.
+const QHash<QString, Rule>& linuxTable()
+{
+    static const QHash<QString, Rule> rules = {
+        {QStringLiteral("caches"), &FolderCategories::caches},
+        {QStringLiteral("logs"), &LinuxCategories::logs},
+        {QStringLiteral("temp"), &FolderCategories::temp},
+        {QStringLiteral("trash"), &LinuxCategories::trash},
+        {QStringLiteral("packages"), &DeveloperCleaners::packageCaches},
+        {QStringLiteral("node_modules"), &DeveloperCleaners::staleNodeModules},
+        {QStringLiteral("docker"), &CommandCleaners::dockerItems},
+        {QStringLiteral("installers"), &FolderCategories::installers},
+        {QStringLiteral("olddownloads"), &FolderCategories::oldDownloads},
+        {QStringLiteral("largeold"), &largeOld},
+        {QStringLiteral("orphans"), &LinuxCategories::orphans},
+    };
+    return rules;
+}
+
 } // namespace
 
 CleanCatalog::Rules make(std::shared_ptr<const CleanContext> context)
 {
     return [context = std::move(context)](const QString& categoryId) -> CleanCategory::Scan {
-        const Rule rule = table().value(categoryId, nullptr);
-        if (!rule || !context)
+        if (!context)
+            return {};
+        const Rule rule =
+            (context->places.system == HostSystem::Mac ? macTable() : linuxTable()).value(categoryId, nullptr);
+        if (!rule)
             return {};
         return [context, rule] { return rule(*context); };
     };

@@ -1,5 +1,7 @@
 #include "core/cleanup/CleanCatalog.h"
 
+#include <algorithm>
+
 namespace nubo {
 
 namespace {
@@ -65,6 +67,30 @@ constexpr Row kRows[] = {
      "Detectado por nombre: revisa antes de borrar."},
 };
 
+// Linux's rows, in the Mac's order: each with the subtitle that names Linux's things where the
+// Mac's names a Mac thing, or null to keep the Mac's. A row that cannot exist there is left out.
+struct LinuxRow
+{
+    const char* id;
+    const char* subtitle;
+    const char* caution;
+};
+
+constexpr LinuxRow kLinuxRows[] = {
+    {"caches", nullptr, nullptr},
+    {"logs", nullptr, nullptr},
+    {"temp", nullptr, nullptr},
+    {"trash", nullptr, nullptr},
+    {"packages", "pip, npm, pnpm, Yarn, Cargo, Go, Gradle, Maven…", nullptr},
+    {"node_modules", nullptr, nullptr},
+    {"docker", nullptr, nullptr},
+    {"installers", ".deb, .rpm, .AppImage, .run e imágenes de disco en Descargas", nullptr},
+    {"olddownloads", nullptr, nullptr},
+    {"largeold", nullptr, nullptr},
+    {"orphans", "Datos de apps de Flatpak y Snap que ya no están instaladas",
+     "Lo que guardaste dentro de esas apps se borra con ellos."},
+};
+
 CleanCategory::Scan nothing()
 {
     return [] { return QList<CleanItem>(); };
@@ -72,7 +98,7 @@ CleanCategory::Scan nothing()
 
 } // namespace
 
-CleanCatalog::CleanCatalog(Rules rules) : m_rules(std::move(rules)) {}
+CleanCatalog::CleanCatalog(Rules rules, HostSystem system) : m_rules(std::move(rules)), m_system(system) {}
 
 const QList<CleanCategory>& CleanCatalog::rows()
 {
@@ -93,10 +119,32 @@ const QList<CleanCategory>& CleanCatalog::rows()
     return table;
 }
 
+const QList<CleanCategory>& CleanCatalog::rows(HostSystem system)
+{
+    if (system == HostSystem::Mac)
+        return rows();
+    static const QList<CleanCategory> table = [] {
+        QList<CleanCategory> list;
+        for (const LinuxRow& row : kLinuxRows) {
+            const auto mac = std::find_if(rows().begin(), rows().end(), [&row](const CleanCategory& category) {
+                return category.id == QLatin1String(row.id);
+            });
+            CleanCategory category = *mac;
+            if (row.subtitle)
+                category.subtitle = QString::fromUtf8(row.subtitle);
+            if (row.caution)
+                category.caution = QString::fromUtf8(row.caution);
+            list.append(std::move(category));
+        }
+        return list;
+    }();
+    return table;
+}
+
 const QList<CleanCategory>& CleanCatalog::all() const
 {
     std::call_once(m_bound, [this] {
-        QList<CleanCategory> bound = rows();
+        QList<CleanCategory> bound = rows(m_system);
         for (CleanCategory& category : bound) {
             CleanCategory::Scan scan = m_rules ? m_rules(category.id) : CleanCategory::Scan();
             category.scan = scan ? std::move(scan) : nothing();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/cleanup/CleanCategory.h"
+#include "core/files/HostSystem.h"
 
 #include <QList>
 #include <QString>
@@ -22,7 +23,7 @@ class CleanCatalog
 public:
     using Rules = std::function<CleanCategory::Scan(const QString& categoryId)>;
 
-    explicit CleanCatalog(Rules rules = {});
+    explicit CleanCatalog(Rules rules = {}, HostSystem system = HostSystem::Mac);
     CleanCatalog(const CleanCatalog&) = delete;
     CleanCatalog& operator=(const CleanCatalog&) = delete;
 
@@ -31,9 +32,13 @@ public:
 
     /// The eighteen rows as data; each `scan` returns no items. Built once, thread-safely.
     [[nodiscard]] static const QList<CleanCategory>& rows();
+    /// The rows a system shows: the Mac's eighteen, or Linux's, which leave out what cannot exist
+    /// there (Mail, Xcode, device backups) and name Linux's things in their subtitles.
+    [[nodiscard]] static const QList<CleanCategory>& rows(HostSystem system);
 
 private:
     Rules m_rules;
+    HostSystem m_system;
     mutable std::once_flag m_bound;
     mutable QList<CleanCategory> m_all;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/cleanup/CleanItem.h"
+#include "core/cleanup/CleanPlaces.h"
 #include "core/files/SystemRoots.h"
 
 #include <QDateTime>
@@ -27,7 +28,8 @@ struct CleanContext
 {
     CleanContext(const Safety& gate, const Privacy& guard, const Naming& names, const ToolRunner& runner,
                  SystemRoots folders)
-        : safety(gate), privacy(guard), naming(names), tools(runner), roots(std::move(folders))
+        : safety(gate), privacy(guard), naming(names), tools(runner), roots(std::move(folders)),
+          places(CleanPlaces::forMac(roots.home))
     {
     }
 
@@ -36,6 +38,8 @@ struct CleanContext
     const Naming& naming;
     const ToolRunner& tools;
     SystemRoots roots;
+    /// Where this system keeps what the categories look at: the Mac's unless set.
+    CleanPlaces places;
     /// The shared temporary folders where every user leaves files; only the user's own are offered.
     QStringList sharedTemporaries{QStringLiteral("/private/tmp")};
     /// The folders the program itself writes (its cache folders under its identifier and the ones

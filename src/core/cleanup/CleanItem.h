@@ -36,6 +36,9 @@ struct CleanItem
     Action action;
     std::optional<QString> subtitle;
     std::optional<QString> appURL; ///< the application bundle the item belongs to, when known
+    /// Paths removed together with the item's own, never shown or counted apart (a trashed
+    /// file's information entry on Linux).
+    QStringList companions;
 
     CleanItem() = default;
     CleanItem(QString id, QString name, QString detail, qint64 size, Action action,

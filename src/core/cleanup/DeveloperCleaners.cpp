@@ -18,26 +18,6 @@ namespace nubo::DeveloperCleaners {
 
 namespace {
 
-struct PackageCache
-{
-    const char* name;
-    const char* folder;
-};
-
-constexpr PackageCache kPackageCaches[] = {
-    {"Homebrew", "Library/Caches/Homebrew"},
-    {"npm", ".npm/_cacache"},
-    {"pnpm", "Library/pnpm/store"},
-    {"Yarn", "Library/Caches/Yarn"},
-    {"pip", "Library/Caches/pip"},
-    {"CocoaPods", "Library/Caches/CocoaPods"},
-    {"SwiftPM", "Library/Caches/org.swift.swiftpm"},
-    {"Go", "Library/Caches/go-build"},
-    {"Gradle", ".gradle/caches"},
-    {"Bun", ".bun/install/cache"},
-    {"Cargo", ".cargo/registry/cache"},
-};
-
 constexpr int kDeepest = 8;
 
 bool isSkippedAtTop(const QByteArray& name)
@@ -145,8 +125,8 @@ private:
 QList<CleanItem> packageCaches(const CleanContext& context)
 {
     QList<CleanItem> items;
-    for (const PackageCache& cache : kPackageCaches) {
-        const QString folder = context.home(QString::fromUtf8(cache.folder));
+    for (const CleanPlaces::PackageCache& cache : context.places.packageCaches) {
+        const QString& folder = cache.folder;
         struct stat info {};
         if (::lstat(QFile::encodeName(folder).constData(), &info) != 0)
             continue;
@@ -155,7 +135,7 @@ QList<CleanItem> packageCaches(const CleanContext& context)
         const qint64 size = Location::allocatedSize(folder);
         if (size < 1)
             continue;
-        items << CleanItem::atPath(folder, context.roots.home, QString::fromUtf8(cache.name), size);
+        items << CleanItem::atPath(folder, context.roots.home, cache.name, size);
     }
     sortBySize(items);
     return items;

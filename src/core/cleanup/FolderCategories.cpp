@@ -23,24 +23,14 @@ bool isShared(const QString& folder)
 
 } // namespace
 
-const QSet<QString>& packageCacheNames()
-{
-    static const QSet<QString> names = {
-        QStringLiteral("Homebrew"),  QStringLiteral("pip"),      QStringLiteral("Yarn"),
-        QStringLiteral("CocoaPods"), QStringLiteral("org.swift.swiftpm"), QStringLiteral("go-build"),
-        QStringLiteral("pnpm"),
-    };
-    return names;
-}
-
 QList<CleanItem> caches(const CleanContext& context)
 {
-    return FolderRule(context).children(context.home(QStringLiteral("Library/Caches")), packageCacheNames());
+    return FolderRule(context).children(context.places.caches, context.places.packageCacheNames);
 }
 
 QList<CleanItem> logs(const CleanContext& context)
 {
-    return FolderRule(context).children(context.home(QStringLiteral("Library/Logs")));
+    return FolderRule(context).children(context.places.logs);
 }
 
 QList<CleanItem> temp(const CleanContext& context)
@@ -59,7 +49,7 @@ QList<CleanItem> temp(const CleanContext& context)
 
 QList<CleanItem> trash(const CleanContext& context)
 {
-    return FolderRule(context).children(context.home(QStringLiteral(".Trash")));
+    return FolderRule(context).children(context.places.trash);
 }
 
 QList<CleanItem> mail(const CleanContext& context)
@@ -97,24 +87,22 @@ QList<CleanItem> archives(const CleanContext& context)
 
 QList<CleanItem> installers(const CleanContext& context)
 {
-    QList<CleanItem> items = FolderRule(context).children(context.home(QStringLiteral("Downloads")));
-    items.removeIf([](const CleanItem& item) {
+    QList<CleanItem> items = FolderRule(context).children(context.places.downloads);
+    items.removeIf([&context](const CleanItem& item) {
         const QString path = item.url().value_or(QString());
         const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
         const qsizetype dot = path.lastIndexOf(QLatin1Char('.'));
         // A dot that begins the name (".pkg") starts no extension.
         if (dot <= slash + 1)
             return true;
-        const QString extension = path.mid(dot + 1).toLower();
-        return extension != QLatin1String("dmg") && extension != QLatin1String("pkg") &&
-               extension != QLatin1String("xip") && extension != QLatin1String("mpkg");
+        return !context.places.installerExtensions.contains(path.mid(dot + 1).toLower());
     });
     return items;
 }
 
 QList<CleanItem> oldDownloads(const CleanContext& context)
 {
-    return FolderRule(context).children(context.home(QStringLiteral("Downloads")), {}, 90, false);
+    return FolderRule(context).children(context.places.downloads, {}, 90, false);
 }
 
 QList<CleanItem> backups(const CleanContext& context)

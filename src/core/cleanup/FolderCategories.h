@@ -9,18 +9,15 @@
 
 namespace nubo::FolderCategories {
 
-/// Folders of ~/Library/Caches that belong to package managers: the package-cache category
-/// offers them, so the application caches leave them out and no folder is counted twice.
-[[nodiscard]] const QSet<QString>& packageCacheNames();
-
-/// ~/Library/Caches, less the package managers' folders and our own.
+/// The applications' caches folder (~/Library/Caches, ~/.cache), less the package managers'
+/// folders (the package-cache category offers them, so none is counted twice) and our own.
 [[nodiscard]] QList<CleanItem> caches(const CleanContext& context);
-/// ~/Library/Logs.
+/// The logs folder of the system's places (~/Library/Logs on a Mac).
 [[nodiscard]] QList<CleanItem> logs(const CleanContext& context);
 /// The per-user temporary folder (anything over 3 days old), then the shared one (the user's own
 /// entries over 3 days old), each list sorted by itself.
 [[nodiscard]] QList<CleanItem> temp(const CleanContext& context);
-/// ~/.Trash.
+/// The entries of the trash folder (~/.Trash on a Mac).
 [[nodiscard]] QList<CleanItem> trash(const CleanContext& context);
 /// The attachments Mail saved when they were opened.
 [[nodiscard]] QList<CleanItem> mail(const CleanContext& context);
@@ -32,9 +29,10 @@ namespace nubo::FolderCategories {
 [[nodiscard]] QList<CleanItem> simulatorCaches(const CleanContext& context);
 /// Every archive inside Xcode's dated archive folders, the date folders themselves never.
 [[nodiscard]] QList<CleanItem> archives(const CleanContext& context);
-/// Disk images and installer packages in ~/Downloads, whatever the case of their extension.
+/// The system's installers (disk images and installer packages on a Mac) in the download
+/// folder, whatever the case of their extension.
 [[nodiscard]] QList<CleanItem> installers(const CleanContext& context);
-/// Anything in ~/Downloads not modified in 90 days.
+/// Anything in the download folder not modified in 90 days.
 [[nodiscard]] QList<CleanItem> oldDownloads(const CleanContext& context);
 /// One item per device backup made by the Finder.
 [[nodiscard]] QList<CleanItem> backups(const CleanContext& context);

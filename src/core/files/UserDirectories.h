@@ -10,5 +10,7 @@ namespace nubo::UserDirectories {
 /// localised: "Descargas", "Imágenes"). Only absolute folders other than the home itself are
 /// given; a missing or malformed file gives none.
 [[nodiscard]] QStringList configured(const QString& home);
+/// The download folder the user's "user-dirs.dirs" names, else "Downloads" in the home.
+[[nodiscard]] QString downloads(const QString& home);
 
 } // namespace nubo::UserDirectories

@@ -1,6 +1,6 @@
 #include "core/safety/SafetyRules.h"
 
-#include <QSysInfo>
+#include "core/files/HostSystem.h"
 
 #include <initializer_list>
 
@@ -79,6 +79,7 @@ SafetyRules SafetyRules::forMac()
 SafetyRules SafetyRules::forLinux()
 {
     SafetyRules rules;
+    rules.system = HostSystem::Linux;
     rules.roots = placesOf(Base::Root, {"/", "/home", "/tmp", "/var", "/var/tmp", "/var/crash"});
     // The home itself and the XDG folders that hold what programs and the desktop keep: what is
     // inside may go item by item, the folders never.
@@ -125,7 +126,7 @@ SafetyRules SafetyRules::forLinux()
 
 SafetyRules SafetyRules::forHost()
 {
-    return QSysInfo::kernelType() == QLatin1String("darwin") ? forMac() : forLinux();
+    return runningSystem() == HostSystem::Mac ? forMac() : forLinux();
 }
 
 } // namespace nubo

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/files/HostSystem.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -37,6 +39,8 @@ struct SafetyRules
         QStringList except;
     };
 
+    /// The system these rules are for.
+    HostSystem system = HostSystem::Mac;
     /// Protected as themselves only: their items may go, they never do.
     QList<Place> roots;
     /// Folders each of whose direct entries, as listed on first use, is a protected root.

@@ -45,7 +45,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_scanner(scanningWith(privacy, m_workspace.get(), m_safety.rules())),
       m_naming(Naming::lookupIn(*m_workspace)),
       m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
-      m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context)),
+      m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context), m_safety.rules().system),
       m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata),
       m_processes(makeProcessTable()), m_accessibility(makeAccessibility()), m_loginItem(makeLoginItem()),
       m_launchItems(SystemTools::system(m_roots), *m_tools, *m_admin, m_deleter, m_naming, *m_workspace),
@@ -59,6 +59,16 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
             m_context->ownFolders << QDir::cleanPath(path);
     }
     m_context->sharedTemporaries = m_safety.rules().sharedTemporaries;
+    if (m_safety.rules().system == HostSystem::Linux) {
+        // The environment's XDG folders are the real home's; a prepared home keeps its own.
+        const bool realHome = m_roots.realHome.isEmpty();
+        const auto variable = [realHome](const char* name) {
+            const QString value = realHome ? qEnvironmentVariable(name) : QString();
+            return value.startsWith(QLatin1Char('/')) ? QDir::cleanPath(value) : QString();
+        };
+        m_context->places =
+            CleanPlaces::forLinux(m_roots.home, variable("XDG_CACHE_HOME"), variable("XDG_STATE_HOME"));
+    }
     const ToolRunner& tools = *m_tools;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };
     m_context->displayName = displayNamesOf(m_workspace.get());

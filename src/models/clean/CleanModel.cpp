@@ -492,9 +492,11 @@ void CleanModel::clean(const QStringList& categoryIds)
             QList<DeletionItem> paths;
             QList<CleanItem> commands;
             for (const CleanItem& item : chosen) {
-                if (const auto path = item.url())
+                if (const auto path = item.url()) {
                     paths.append({*path, item.size});
-                else
+                    for (const QString& companion : item.companions)
+                        paths.append({companion, 0});
+                } else
                     commands.append(item);
             }
             if (!paths.isEmpty()) {

@@ -16,8 +16,9 @@ using namespace Qt::StringLiterals;
 // the one quiet unselected row. Rows alone find nothing until rules are bound.
 TEST(CleanCatalog, RowsComeInOneBlockPerGroupAndOnlyUnselectedRowsWarn)
 {
+    for (const HostSystem system : {HostSystem::Mac, HostSystem::Linux}) {
     int lastGroup = 0;
-    for (const CleanCategory& category : CleanCatalog::rows()) {
+    for (const CleanCategory& category : CleanCatalog::rows(system)) {
         SCOPED_TRACE(category.id.toStdString());
         EXPECT_GE(static_cast<int>(category.group), lastGroup);
         lastGroup = static_cast<int>(category.group);
@@ -28,6 +29,7 @@ TEST(CleanCatalog, RowsComeInOneBlockPerGroupAndOnlyUnselectedRowsWarn)
         EXPECT_EQ(category.caution.has_value(), !category.selectedByDefault && category.id != u"installers"_s);
         ASSERT_TRUE(category.scan);
         EXPECT_TRUE(category.scan().isEmpty());
+    }
     }
     EXPECT_FALSE(CleanGroups::fromTitle(QString()));
 }

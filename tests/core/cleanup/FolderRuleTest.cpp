@@ -81,7 +81,7 @@ TEST_F(FolderRuleTest, EveryCategoryFindsItsOwnEntriesAtOnceAndGatedOnesNeedFull
     file(u"tmp-user/T/old-folder/inner/data"_s, 20000);
     file(u"elsewhere/precious/data"_s, 90000);
     age(file(u"tmp-user/T/zero"_s, 0), 4);
-    for (const QString& name : FolderCategories::packageCacheNames())
+    for (const QString& name : m_context->places.packageCacheNames)
         file(u"home/Library/Caches/"_s + name + u"/blob"_s, 4096);
     folder(u"home/.gradle/caches"_s); // empty: nothing to free
     folder(u"home/Library/Developer/Xcode/Archives/2024-03-01"_s);
@@ -158,6 +158,57 @@ TEST_F(FolderRuleTest, EveryCategoryFindsItsOwnEntriesAtOnceAndGatedOnesNeedFull
         }
     }
     EXPECT_EQ(binds.load(), CleanCatalog::rows().size());
+}
+
+// A Linux home at Linux's own places: each row finds its entries under the XDG folders and the
+// download folder the user's desktop names; a trashed file goes with its information entry; only
+// Flatpak and snap data whose application is installed nowhere counts as left behind. The Mac's
+// rows that cannot exist on Linux are not shown there.
+TEST_F(FolderRuleTest, ALinuxHomeIsCleanedAtLinuxsOwnPlaces)
+{
+    test::writeBytes(home(u".config/user-dirs.dirs"_s), "XDG_DOWNLOAD_DIR=\"$HOME/Descargas\"\n");
+    make(-1, "home/",
+         {".npm/_cacache/z", ".m2/repository/q", ".cache/pip/http/y", ".cache/thumbnails/x", ".cache/Nubo/own",
+          ".local/share/Trash/files/viejo.txt", ".local/share/Trash/files/quo\"te's", ".var/app/org.gone.App/x",
+          "snap/gone-snap/common/x", ".var/app/org.kept.App/x", ".local/share/flatpak/app/org.kept.App/current",
+          ".local/share/Trash/info/viejo.txt.trashinfo"});
+    make(10, "home/", {".local/state/app/app.log.1", ".xsession-errors.old", "crash/_usr_bin_x.1000.crash",
+                       ".local/state/app/history"});
+    make(1, "home/", {".local/state/new.log", "Descargas/tool.deb", "Descargas/app.AppImage", "Descargas/notes.txt"});
+    make(91, "home/Descargas/", {"old"});
+    const auto safety = std::make_unique<Safety>(m_roots, SafetyRules::forLinux());
+    auto context = std::make_shared<CleanContext>(*safety, *m_privacy, *m_naming, m_tools, m_roots);
+    context->places = CleanPlaces::forLinux(m_roots.home);
+    context->places.crashReports = home(u"crash"_s);
+    context->ownFolders = {home(u".cache/Nubo"_s)};
+    context->sharedTemporaries = {};
+
+    const QHash<QString, QStringList> expected = {
+        {u"caches"_s, list({"home/.cache/thumbnails"})},
+        {u"packages"_s, list({"home/.npm/_cacache", "home/.m2/repository", "home/.cache/pip"})},
+        {u"trash"_s, list({"viejo.txt", "quo\"te's"}, "home/.local/share/Trash/files/")},
+        {u"orphans"_s, list({"home/.var/app/org.gone.App", "home/snap/gone-snap"})},
+        {u"logs"_s, list({"home/.local/state/app/app.log.1", "home/.xsession-errors.old",
+                          "home/crash/_usr_bin_x.1000.crash"})},
+        {u"installers"_s, list({"tool.deb", "app.AppImage"}, "home/Descargas/")},
+        {u"olddownloads"_s, list({"home/Descargas/old"})},
+    };
+    const CleanCatalog::Rules rules = CatalogRules::make(context);
+    QStringList shown;
+    for (const CleanCategory& row : CleanCatalog::rows(HostSystem::Linux)) {
+        SCOPED_TRACE(row.id.toStdString());
+        shown << row.id;
+        ASSERT_TRUE(rules(row.id));
+        const QList<CleanItem> found = rules(row.id)();
+        EXPECT_EQ(relative(found), expected.value(row.id));
+        if (row.id == u"trash"_s && found.size() == 2) {
+            EXPECT_EQ(std::pair(found.at(0).companions, found.at(1).companions),
+                      std::pair(QStringList{home(u".local/share/Trash/info/viejo.txt.trashinfo"_s)}, QStringList()));
+        }
+    }
+    EXPECT_EQ(shown, list({"caches", "logs", "temp", "trash", "packages", "node_modules", "docker", "installers",
+                           "olddownloads", "largeold", "orphans"}));
+    EXPECT_FALSE(rules(u"deriveddata"_s));
 }
 
 TEST_F(FolderRuleTest, SharedTemporaryFolderOffersOnlyTheUsersOwnEntries)

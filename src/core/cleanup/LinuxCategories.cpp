@@ -1,0 +1,105 @@
+#include "core/cleanup/LinuxCategories.h"
+
+#include "core/cleanup/FolderRule.h"
+#include "core/files/Location.h"
+#include "core/privacy/Privacy.h"
+#include "core/safety/Safety.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <sys/stat.h>
+
+namespace nubo::LinuxCategories {
+
+namespace {
+
+bool exists(const QString& path)
+{
+    struct stat info {};
+    return ::lstat(QFile::encodeName(path).constData(), &info) == 0;
+}
+
+QString lastComponent(const QString& path)
+{
+    return path.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+}
+
+// A rotated or current log file: "app.log", "app.log.1", "app.log.2.gz".
+bool isLogName(const QString& name)
+{
+    return name.endsWith(QLatin1String(".log")) || name.contains(QLatin1String(".log."));
+}
+
+// Where Flatpak installs applications: the user's installation, the system's, and any other the
+// system's configuration names ("Path=" in /etc/flatpak/installations.d).
+QStringList flatpakInstallations(const CleanContext& context)
+{
+    QStringList folders = {context.home(QStringLiteral(".local/share/flatpak")),
+                           QStringLiteral("/var/lib/flatpak")};
+    const QDir configured(QStringLiteral("/etc/flatpak/installations.d"));
+    for (const QString& name : configured.entryList({QStringLiteral("*.conf")}, QDir::Files)) {
+        QFile file(configured.filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        while (!file.atEnd()) {
+            const QString line = QString::fromUtf8(file.readLine().trimmed());
+            if (line.startsWith(QLatin1String("Path=")))
+                folders << line.mid(5);
+        }
+    }
+    return folders;
+}
+
+} // namespace
+
+QList<CleanItem> logs(const CleanContext& context)
+{
+    const FolderRule rule(context);
+    QList<CleanItem> items = rule.children(context.places.logs, {}, 7, false, 3);
+    items.removeIf([](const CleanItem& item) { return !isLogName(lastComponent(item.id)); });
+    const QString previousSession = context.home(QStringLiteral(".xsession-errors.old"));
+    if (exists(previousSession) && !context.privacy.isGated(previousSession) &&
+        context.safety.isAllowed(previousSession)) {
+        if (const qint64 size = Location::allocatedSize(previousSession); size > 0)
+            items << CleanItem::atPath(previousSession, context.roots.home, context.nameOf(previousSession), size);
+    }
+    if (!context.places.crashReports.isEmpty())
+        items << rule.children(context.places.crashReports, {}, std::nullopt, true);
+    sortBySize(items);
+    return items;
+}
+
+QList<CleanItem> trash(const CleanContext& context)
+{
+    const QString info = context.places.trash + QStringLiteral("/info/");
+    QList<CleanItem> items = FolderRule(context).children(context.places.trash + QStringLiteral("/files"));
+    for (CleanItem& item : items) {
+        const QString entry = info + lastComponent(item.id) + QStringLiteral(".trashinfo");
+        if (exists(entry))
+            item.companions << entry;
+    }
+    return items;
+}
+
+QList<CleanItem> orphans(const CleanContext& context)
+{
+    const FolderRule rule(context);
+    const QStringList installations = flatpakInstallations(context);
+    QList<CleanItem> items = rule.children(context.home(QStringLiteral(".var/app")));
+    items.removeIf([&installations](const CleanItem& item) {
+        const QString id = lastComponent(item.id);
+        for (const QString& installation : installations) {
+            if (exists(installation + QStringLiteral("/app/") + id))
+                return true;
+        }
+        return false;
+    });
+    QList<CleanItem> snaps = rule.children(context.home(QStringLiteral("snap")));
+    snaps.removeIf([](const CleanItem& item) { return exists(QStringLiteral("/snap/") + lastComponent(item.id)); });
+    items << snaps;
+    sortBySize(items);
+    return items;
+}
+
+} // namespace nubo::LinuxCategories
