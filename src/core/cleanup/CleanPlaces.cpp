@@ -66,7 +66,6 @@ CleanPlaces CleanPlaces::forLinux(const QString& home, QString cacheHome, QStrin
         places.packageCacheNames.insert(QString::fromUtf8(folder));
     }
     places.logs = stateHome.isEmpty() ? home + QStringLiteral("/.local/state") : std::move(stateHome);
-    places.crashReports = QStringLiteral("/var/crash");
     places.trash = home + QStringLiteral("/.local/share/Trash");
     places.downloads = UserDirectories::downloads(home);
     places.installerExtensions = {QStringLiteral("deb"),      QStringLiteral("rpm"), QStringLiteral("appimage"),

@@ -29,7 +29,8 @@ struct CleanPlaces
     QList<PackageCache> packageCaches;
     /// The folder of the user's logs and crash reports.
     QString logs;
-    /// The system's folder of crash reports, where only the user's own are offered; none on a Mac.
+    /// The system's folder of crash reports, where only the user's own are offered; none unless
+    /// set from the safety rules, which protect it.
     QString crashReports;
     /// The user's trash folder.
     QString trash;

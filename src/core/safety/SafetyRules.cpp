@@ -116,6 +116,7 @@ SafetyRules SafetyRules::forLinux()
                                       "/.local/share/containers"});
 
     rules.sharedTemporaries = {QStringLiteral("/tmp"), QStringLiteral("/var/tmp")};
+    rules.crashReports = QStringLiteral("/var/crash");
     rules.onlyOwnItemsOutsideHomes = true;
     rules.otherVolumes = true;
     // The kernel's and the run time's own file systems, also where a container puts them on

@@ -51,6 +51,9 @@ struct SafetyRules
     /// Shared temporary folders where every user leaves files: the cleanup offers only the user's
     /// own entries there. They are protected roots of their own.
     QStringList sharedTemporaries;
+    /// The system's folder of crash reports, where every user's programs leave theirs and only
+    /// the user's own are offered; none where the system keeps them in the home.
+    QString crashReports;
     /// Outside the homes, only items the user owns may be selected: anything else the user could
     /// not remove would go to the administrator, and it is not the user's to remove.
     bool onlyOwnItemsOutsideHomes = false;

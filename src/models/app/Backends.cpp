@@ -68,6 +68,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
         };
         m_context->places =
             CleanPlaces::forLinux(m_roots.home, variable("XDG_CACHE_HOME"), variable("XDG_STATE_HOME"));
+        m_context->places.crashReports = m_safety.rules().crashReports;
     }
     const ToolRunner& tools = *m_tools;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };

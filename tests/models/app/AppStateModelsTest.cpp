@@ -75,40 +75,66 @@ TEST_F(AppStateModelsTest, ASafeSizeThatWouldOverflowStopsTheProgram)
         "overflow");
 }
 
-// The whole program over the prepared home: the real backends with the catalogue's own rules (fakes
-// only for the prompt, the workspace and the dates), analyse, clean what is safe, and look at the disk.
+// The whole program over a prepared Mac home and a prepared Linux home: the real backends with
+// the catalogue's own rules for that system (fakes only for the prompt, the workspace and the
+// dates), analyse, clean what is safe and the trash, and look at the disk. The Linux system's
+// shared folders are the test's own, so nothing of this machine's is ever offered.
 TEST_F(AppStateModelsTest, ASafeCleanThroughTheRealBackendsFreesExactlyTheSafeCategories)
 {
-    file(u"home/Library/Caches/com.a/blob"_s, 40'000);
-    file(u"home/Library/Caches/com.b/blob"_s, 9'000);
-    file(u"home/Library/Logs/a.log"_s, 7'000);
-    file(u"home/Downloads/setup.dmg"_s, 50'000);
-    file(u"home/Documents/thesis.txt"_s, 3'000);
-    Backends::Overrides overrides;
-    overrides.admin = std::make_unique<FakeAdminRunner>();
-    overrides.workspace = std::make_unique<FakeWorkspace>();
-    overrides.metadata = std::make_unique<FakeMetadata>();
-    overrides.safety = SafetyRules::forMac();
-    const auto backends = std::make_shared<Backends>(m_roots, m_privacy, std::move(overrides));
-    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+    SafetyRules linux = SafetyRules::forLinux();
+    linux.sharedTemporaries = {path(u"tmp"_s)};
+    linux.crashReports = path(u"crash"_s);
+    const struct
     {
+        SafetyRules rules;
+        std::initializer_list<std::pair<const char*, int>> files;
+        std::initializer_list<const char*> gone, kept;
+    } systems[] = {
+        {SafetyRules::forMac(),
+         {{"home/Library/Caches/com.a/blob", 40'000}, {"home/Library/Caches/com.b/blob", 9'000},
+          {"home/Library/Logs/a.log", 7'000}, {"home/.Trash/old.txt", 5'000}, {"home/Downloads/setup.dmg", 50'000},
+          {"home/Documents/thesis.txt", 3'000}},
+         {"home/Library/Caches/com.a", "home/Library/Caches/com.b", "home/Library/Logs/a.log", "home/.Trash/old.txt"},
+         {"home/Library/Caches", "home/Library/Logs", "home/.Trash", "home/Downloads/setup.dmg",
+          "home/Documents/thesis.txt", "Applications/Writer.app/Contents/MacOS/binary"}},
+        {linux,
+         {{"home/.cache/com.a/blob", 40'000}, {"home/.cache/com.b/blob", 9'000}, {"home/.xsession-errors.old", 7'000},
+          {"home/.local/share/Trash/files/old.txt", 5'000}, {"home/.local/share/Trash/info/old.txt.trashinfo", 100},
+          {"home/Downloads/setup.deb", 50'000}, {"home/Documents/thesis.txt", 3'000}, {"crash/mine.crash", 2'000}},
+         {"home/.cache/com.a", "home/.cache/com.b", "home/.xsession-errors.old",
+          "home/.local/share/Trash/files/old.txt", "home/.local/share/Trash/info/old.txt.trashinfo", "crash/mine.crash"},
+         {"home/.cache", "home/.local/share/Trash/files", "home/.local/share/Trash/info", "home/Downloads/setup.deb",
+          "home/Documents/thesis.txt", "Applications/Writer.app/Contents/MacOS/binary"}},
+    };
+    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+    for (const auto& system : systems) {
+        SCOPED_TRACE(system.rules.system == HostSystem::Mac ? "Mac" : "Linux");
+        for (const auto& [relative, bytes] : system.files)
+            file(QString::fromUtf8(relative), bytes);
+        Backends::Overrides overrides;
+        overrides.admin = std::make_unique<FakeAdminRunner>();
+        overrides.workspace = std::make_unique<FakeWorkspace>();
+        overrides.metadata = std::make_unique<FakeMetadata>();
+        overrides.safety = system.rules;
+        const auto backends = std::make_shared<Backends>(m_roots, m_privacy, std::move(overrides));
         AppState state({m_privacy, m_volume, std::chrono::seconds(4), backends->services()});
         state.analyze();
         ASSERT_TRUE(QTest::qWaitFor([&] { return !state.isAnalyzing(); }, 10000));
         ASSERT_EQ(state.apps()->count(), 1);
         const qint64 safe = state.safeSize();
-        EXPECT_EQ(safe, state.clean()->size(u"caches"_s) + state.clean()->size(u"logs"_s));
-        EXPECT_GE(safe, 56'000);
+        const qint64 trash = state.clean()->size(u"trash"_s);
+        EXPECT_EQ(safe, state.clean()->size(u"caches"_s) + state.clean()->size(u"logs"_s) + trash);
+        EXPECT_GE(trash, 5'000);
+        EXPECT_GE(safe, 61'000);
         EXPECT_EQ(state.clean()->totalSelected(), safe); // downloads start unselected
         state.clean()->clean(state.safeCategories());
         ASSERT_TRUE(QTest::qWaitFor([&] { return !state.clean()->isCleaning(); }, 10000));
         EXPECT_EQ(std::tuple(state.toastHeadline(), state.toastDetail(), state.totalFreedThisSession(), state.safeSize()),
                   std::tuple(Bytes::string(safe) + u" liberados"_s, QString(), safe, qint64(0)));
+        for (const char* gone : system.gone)
+            EXPECT_FALSE(exists(QString::fromUtf8(gone))) << gone;
+        for (const char* kept : system.kept)
+            EXPECT_TRUE(exists(QString::fromUtf8(kept))) << kept;
     }
     QLocale::setDefault(QLocale::c());
-    for (const char* gone : {"home/Library/Caches/com.a", "home/Library/Caches/com.b", "home/Library/Logs/a.log"})
-        EXPECT_FALSE(exists(QString::fromUtf8(gone))) << gone;
-    for (const char* kept : {"home/Library/Caches", "home/Library/Logs", "home/Downloads/setup.dmg",
-                             "home/Documents/thesis.txt", "Applications/Writer.app/Contents/MacOS/binary"})
-        EXPECT_TRUE(exists(QString::fromUtf8(kept))) << kept;
 }
