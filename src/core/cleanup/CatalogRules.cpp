@@ -56,22 +56,19 @@ const QHash<QString, Rule>& macTable()
     return rules;
 }
 
-// Linux has no Mail attachments, Xcode or device backups: those rows have no rule and are not shown.
+// Linux's rows are the Mac's rules where their shapes agree, reading Linux's places; the rows
+// Linux does not show (Mail, Xcode, device backups) have no rule there.
 const QHash<QString, Rule>& linuxTable()
 {
-    static const QHash<QString, Rule> rules = {
-        {QStringLiteral("caches"), &FolderCategories::caches},
-        {QStringLiteral("logs"), &LinuxCategories::logs},
-        {QStringLiteral("temp"), &FolderCategories::temp},
-        {QStringLiteral("trash"), &LinuxCategories::trash},
-        {QStringLiteral("packages"), &DeveloperCleaners::packageCaches},
-        {QStringLiteral("node_modules"), &DeveloperCleaners::staleNodeModules},
-        {QStringLiteral("docker"), &CommandCleaners::dockerItems},
-        {QStringLiteral("installers"), &FolderCategories::installers},
-        {QStringLiteral("olddownloads"), &FolderCategories::oldDownloads},
-        {QStringLiteral("largeold"), &largeOld},
-        {QStringLiteral("orphans"), &LinuxCategories::orphans},
-    };
+    static const QHash<QString, Rule> rules = [] {
+        QHash<QString, Rule> table;
+        for (const CleanCategory& row : CleanCatalog::rows(HostSystem::Linux))
+            table.insert(row.id, macTable().value(row.id));
+        table.insert(QStringLiteral("logs"), &LinuxCategories::logs);
+        table.insert(QStringLiteral("trash"), &LinuxCategories::trash);
+        table.insert(QStringLiteral("orphans"), &LinuxCategories::orphans);
+        return table;
+    }();
     return rules;
 }
 
