@@ -15,6 +15,9 @@ struct VolumeFigures
     std::optional<qint64> total;
     std::optional<qint64> importantUsage;
     std::optional<qint64> available;
+    /// The volume's own name as the file manager shows it ("Macintosh HD", a Linux file system's
+    /// label); missing where the volume has none.
+    std::optional<QString> name = std::nullopt;
 };
 
 /// Reads the capacity figures of a volume. Never fails: what cannot be read is missing.

@@ -23,7 +23,7 @@ Rectangle {
             spacing: Theme.spacing
             SymbolIcon { symbol: "internaldrive"; size: 16 }
             Text {
-                text: "Macintosh HD"
+                text: card.appState.diskName
                 color: Theme.textPrimary
                 font.family: Theme.fontFamily
                 font.pixelSize: Theme.fontSizeBody

@@ -27,6 +27,7 @@ DiskInfo DiskInfo::fromFigures(const VolumeFigures& figures)
     DiskInfo info;
     info.total = nonNegative(figures.total);
     info.available = nonNegative(figures.importantUsage ? figures.importantUsage : figures.available);
+    info.name = figures.name.value_or(QString()).trimmed();
     return info;
 }
 

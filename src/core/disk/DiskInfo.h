@@ -2,6 +2,8 @@
 
 #include "platform/VolumeCapacity.h"
 
+#include <QString>
+
 namespace nubo {
 
 /// Capacity and free space of the start-up volume, as the disk card and the menu-bar panel show
@@ -10,6 +12,8 @@ struct DiskInfo
 {
     qint64 total = 0;
     qint64 available = 0;
+    /// The volume's own name; empty where it has none.
+    QString name = QString();
 
     /// Bytes in use: total minus available, never below 0.
     [[nodiscard]] qint64 used() const;

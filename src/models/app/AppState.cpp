@@ -205,6 +205,11 @@ QString AppState::diskLine() const
     return ResultTexts::diskLine(m_disk.available, m_disk.total);
 }
 
+QString AppState::diskName() const
+{
+    return ResultTexts::diskName(m_disk.name);
+}
+
 QString AppState::diskTone() const
 {
     switch (ResultTexts::fullnessTone(m_disk.fraction())) {

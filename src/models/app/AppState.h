@@ -40,6 +40,7 @@ class AppState : public QObject
     Q_PROPERTY(qint64 diskAvailable READ diskAvailable NOTIFY diskChanged)
     Q_PROPERTY(double diskFraction READ diskFraction NOTIFY diskChanged)
     Q_PROPERTY(QString diskLine READ diskLine NOTIFY diskChanged)
+    Q_PROPERTY(QString diskName READ diskName NOTIFY diskChanged)
     Q_PROPERTY(QString diskTone READ diskTone NOTIFY diskChanged)
     Q_PROPERTY(bool hasFullDiskAccess READ hasFullDiskAccess NOTIFY hasFullDiskAccessChanged)
     Q_PROPERTY(
@@ -105,6 +106,7 @@ public:
     [[nodiscard]] double diskFraction() const { return m_disk.fraction(); }
     /// "<available> disponibles de <total>".
     [[nodiscard]] QString diskLine() const;
+    [[nodiscard]] QString diskName() const;
     /// "accent", "warning" or "critical", by how full the volume is.
     [[nodiscard]] QString diskTone() const;
 

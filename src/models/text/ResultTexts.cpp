@@ -51,6 +51,11 @@ QString diskLine(qint64 available, qint64 total)
     return Bytes::string(available) + QStringLiteral(" disponibles de ") + Bytes::string(total);
 }
 
+QString diskName(const QString& volumeName)
+{
+    return volumeName.isEmpty() ? QStringLiteral("Disco de inicio") : volumeName;
+}
+
 QString freedToday(qint64 freed)
 {
     if (freed < 1)

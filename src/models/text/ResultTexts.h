@@ -22,6 +22,8 @@ enum class Tone { Accent, Success, Warning, Critical };
 
 /// "<available> disponibles de <total>".
 [[nodiscard]] QString diskLine(qint64 available, qint64 total);
+/// The start-up disk's name on its card: the volume's own, else "Disco de inicio".
+[[nodiscard]] QString diskName(const QString& volumeName);
 /// "Liberado hoy: <size>", empty when nothing has been freed yet.
 [[nodiscard]] QString freedToday(qint64 freed);
 /// The tint of a fullness figure (0 to 1): accent below 0.75, warning from 0.75, critical from 0.9.

@@ -14,6 +14,8 @@ VolumeFigures StorageVolumeCapacity::figures(const QString& path) const
         figures.total = total;
     if (const qint64 available = storage.bytesAvailable(); available >= 0)
         figures.available = available;
+    if (const QString label = storage.name(); !label.trimmed().isEmpty())
+        figures.name = label;
     return figures;
 }
 

@@ -25,15 +25,19 @@ public:
             NSURL* url = [NSURL fileURLWithPath:path.toNSString()];
             NSArray<NSURLResourceKey>* keys = @[
                 NSURLVolumeTotalCapacityKey, NSURLVolumeAvailableCapacityForImportantUsageKey,
-                NSURLVolumeAvailableCapacityKey
+                NSURLVolumeAvailableCapacityKey, NSURLVolumeLocalizedNameKey
             ];
             // resourceValuesForKeys:error: answers nil on failure; a key it cannot read is absent.
             NSDictionary<NSURLResourceKey, id>* values = [url resourceValuesForKeys:keys error:nil];
             if (values == nil)
                 return {};
-            return {number(values, NSURLVolumeTotalCapacityKey),
-                    number(values, NSURLVolumeAvailableCapacityForImportantUsageKey),
-                    number(values, NSURLVolumeAvailableCapacityKey)};
+            VolumeFigures figures{number(values, NSURLVolumeTotalCapacityKey),
+                                  number(values, NSURLVolumeAvailableCapacityForImportantUsageKey),
+                                  number(values, NSURLVolumeAvailableCapacityKey)};
+            id name = values[NSURLVolumeLocalizedNameKey];
+            if ([name isKindOfClass:[NSString class]])
+                figures.name = QString::fromNSString((NSString*)name);
+            return figures;
         }
     }
 };

@@ -14,7 +14,8 @@ constexpr qint64 kHuge = std::numeric_limits<qint64>::max();
 
 // Each row: total, free counting purgeable space, plain free; then the figures, the used bytes and
 // the share. The free figure counting purgeable space wins over the plain one, and may exceed what
-// the total leaves; a broken reader's negative figures read as unreadable.
+// the total leaves; a broken reader's negative figures read as unreadable. The volume's name comes
+// without the spaces around it, and a blank one is no name.
 TEST(DiskInfoTest, FiguresGiveFreeSpaceUsedSpaceAndAShareThatStaysInRange)
 {
     const std::tuple<VolumeFigures, DiskInfo, qint64, double> cases[] = {
@@ -26,6 +27,8 @@ TEST(DiskInfoTest, FiguresGiveFreeSpaceUsedSpaceAndAShareThatStaysInRange)
         {{100, 250, std::nullopt}, {100, 250}, 0, 0.0},
         {{10, 0, 7}, {10, 0}, 10, 1.0},
         {{kHuge, std::nullopt, 0}, {kHuge, 0}, kHuge, 1.0},
+        {{500, 200, 150, QStringLiteral(" Datos ")}, {500, 200, QStringLiteral("Datos")}, 300, 0.6},
+        {{500, 200, 150, QStringLiteral("  ")}, {500, 200}, 300, 0.6},
     };
     for (const auto& [figures, expected, used, fraction] : cases) {
         FakeVolumeCapacity volume;

@@ -89,6 +89,7 @@ TEST_F(SpanishTexts, CountsAndAmountsAreSingularOnlyForOneAndNothingOrLessReadsA
          "¿Desinstalar 3 elementos (1,2 GB)?"},
         {"freed less than nothing", ResultTexts::toastHeadline(-3), "Nada que liberar"},
         {"nothing today", ResultTexts::freedToday(0), ""},
+        {"a disk without a name", ResultTexts::diskName(QString()), "Disco de inicio"},
         {"no marks", ResultTexts::mapBadge(0), ""},
         {"marks are a count, not a size", ResultTexts::mapBadge(12), "12"},
         {"negative selection", ResultTexts::cleanBadge(-1), ""},
