@@ -2,19 +2,31 @@
 
 #include "core/files/UserDirectories.h"
 
+#include <initializer_list>
 #include <utility>
 
 namespace nubo {
 
 namespace {
 
-QList<CleanPlaces::PackageCache> cachesIn(const QString& home,
+QList<CleanPlaces::PackageCache> cachesIn(const QString& base,
                                           std::initializer_list<std::pair<const char*, const char*>> table)
 {
     QList<CleanPlaces::PackageCache> caches;
     for (const auto& [name, folder] : table)
-        caches.append({QString::fromUtf8(name), home + QLatin1Char('/') + QString::fromUtf8(folder)});
+        caches.append({QString::fromUtf8(name), base + QLatin1Char('/') + QString::fromUtf8(folder)});
     return caches;
+}
+
+// The package caches kept in the applications' cache folder are named there so the caches row
+// leaves them to the packages row, and no folder is counted twice.
+void leaveToPackages(CleanPlaces& places)
+{
+    const QString prefix = places.caches + QLatin1Char('/');
+    for (const CleanPlaces::PackageCache& cache : std::as_const(places.packageCaches)) {
+        if (cache.folder.startsWith(prefix))
+            places.packageCacheNames.insert(cache.folder.mid(prefix.size()));
+    }
 }
 
 } // namespace
@@ -24,9 +36,6 @@ CleanPlaces CleanPlaces::forMac(const QString& home)
     CleanPlaces places;
     places.system = HostSystem::Mac;
     places.caches = home + QStringLiteral("/Library/Caches");
-    places.packageCacheNames = {QStringLiteral("Homebrew"), QStringLiteral("pip"),   QStringLiteral("Yarn"),
-                                QStringLiteral("CocoaPods"), QStringLiteral("org.swift.swiftpm"),
-                                QStringLiteral("go-build"), QStringLiteral("pnpm")};
     places.packageCaches = cachesIn(home, {{"Homebrew", "Library/Caches/Homebrew"},
                                            {"npm", ".npm/_cacache"},
                                            {"pnpm", "Library/pnpm/store"},
@@ -38,6 +47,9 @@ CleanPlaces CleanPlaces::forMac(const QString& home)
                                            {"Gradle", ".gradle/caches"},
                                            {"Bun", ".bun/install/cache"},
                                            {"Cargo", ".cargo/registry/cache"}});
+    leaveToPackages(places);
+    // pnpm's metadata in the caches folder belongs with its store, which the packages row offers.
+    places.packageCacheNames.insert(QStringLiteral("pnpm"));
     places.logs = home + QStringLiteral("/Library/Logs");
     places.trash = home + QStringLiteral("/.Trash");
     places.downloads = home + QStringLiteral("/Downloads");
@@ -58,13 +70,12 @@ CleanPlaces CleanPlaces::forLinux(const QString& home, QString cacheHome, QStrin
                                            {"Cargo", ".cargo/registry/cache"},
                                            {"Maven", ".m2/repository"},
                                            {"pnpm", ".local/share/pnpm/store"}});
-    for (const auto& [name, folder] : {std::pair("pip", "pip"), std::pair("Yarn", "yarn"),
-                                       std::pair("Go", "go-build"), std::pair("Composer", "composer"),
-                                       std::pair("Deno", "deno")})
-    {
-        places.packageCaches.append({QString::fromUtf8(name), places.caches + QLatin1Char('/') + QString::fromUtf8(folder)});
-        places.packageCacheNames.insert(QString::fromUtf8(folder));
-    }
+    places.packageCaches << cachesIn(places.caches, {{"pip", "pip"},
+                                                     {"Yarn", "yarn"},
+                                                     {"Go", "go-build"},
+                                                     {"Composer", "composer"},
+                                                     {"Deno", "deno"}});
+    leaveToPackages(places);
     places.logs = stateHome.isEmpty() ? home + QStringLiteral("/.local/state") : std::move(stateHome);
     places.trash = home + QStringLiteral("/.local/share/Trash");
     places.downloads = UserDirectories::downloads(home);
