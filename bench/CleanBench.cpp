@@ -218,7 +218,7 @@ int detailPage(qsizetype count)
     });
     const auto services = std::make_shared<ModelServices>(ModelServices{
         .home = roots.home, .safety = safety, .deleter = deleter, .scanner = scanner, .catalog = catalog,
-        .apps = apps, .runCommands = {}, .quit = {}, .haptics = {}});
+        .apps = apps, .runCommands = {}, .runAsAdministrator = {}, .quit = {}, .haptics = {}});
     CleanModel model(services);
     model.scan();
     while (model.isScanning())

@@ -11,6 +11,7 @@ Item {
     required property AppsModel model
     readonly property var app: model.selectedApp
     readonly property var rows: model.removalRows
+    readonly property string originTag: app.originTag !== undefined ? app.originTag : ""
 
     ColumnLayout {
         anchors.fill: parent
@@ -52,7 +53,7 @@ Item {
                         textFormat: Text.PlainText
                     }
                     Text {
-                        visible: detail.app.isStore === true && detail.app.versionLine !== undefined
+                        visible: detail.originTag.length > 0 && detail.app.versionLine !== undefined
                                  && detail.app.versionLine.length > 0
                         text: "·"
                         color: Theme.textSecondary
@@ -61,8 +62,8 @@ Item {
                     }
                     AppTag {
                         objectName: "storeTag"
-                        visible: detail.app.isStore === true
-                        text: "App Store"
+                        visible: detail.originTag.length > 0
+                        text: detail.originTag
                         tint: Theme.accent
                     }
                     AppTag {
@@ -77,7 +78,7 @@ Item {
 
         Text {
             Layout.fillWidth: true
-            text: "Incluye la app y los archivos que ha dejado en la Biblioteca. Desmarca lo que quieras conservar."
+            text: detail.model.removalNote
             color: Theme.textSecondary
             font.family: Theme.fontFamily
             font.pixelSize: Theme.fontSizeBody
@@ -139,6 +140,23 @@ Item {
                 spacing: Theme.spacingSmall
                 RowLayout {
                     Layout.fillWidth: true
+                    visible: detail.model.removalRefusal.length > 0
+                    spacing: Theme.spacingSmall + 2
+                    SymbolIcon { symbol: "info.circle"; size: 12; tint: Theme.textSecondary }
+                    Text {
+                        objectName: "removalRefusal"
+                        Layout.fillWidth: true
+                        text: detail.model.removalRefusal
+                        color: Theme.textPrimary
+                        font.family: Theme.fontFamily
+                        font.pixelSize: Theme.fontSizeCaption
+                        wrapMode: Text.WordWrap
+                        textFormat: Text.PlainText
+                    }
+                }
+                RowLayout {
+                    Layout.fillWidth: true
+                    visible: detail.model.removalRefusal.length === 0
                     spacing: Theme.spacingSmall + 2
                     SymbolIcon { symbol: "exclamationmark.triangle.fill"; size: 12; tint: Theme.orange }
                     Text {
@@ -152,6 +170,7 @@ Item {
                 }
                 RowLayout {
                     Layout.fillWidth: true
+                    visible: detail.model.removalRefusal.length === 0
                     spacing: Theme.spacingSmall + 2
                     SymbolIcon { symbol: "lock.fill"; size: 12; tint: Theme.textSecondary }
                     Text {
@@ -175,7 +194,7 @@ Item {
                 text: detail.model.uninstallLabel
                 symbol: "trash.fill"
                 role: "destructive"
-                enabled: !detail.model.isRemoving && detail.rows.length > 0
+                enabled: !detail.model.isRemoving && detail.model.removalCount > 0
                 onClicked: confirmation.open()
             }
         }

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <algorithm>
 #include <sys/stat.h>
 
@@ -43,6 +44,23 @@ AppCatalog::AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& p
 {
 }
 
+AppCatalog::AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& privacy, const Workspace& workspace,
+                       const Metadata& metadata, DesktopPlaces places, const ToolRunner& tools)
+    : AppCatalog(std::move(roots), safety, privacy, workspace, metadata)
+{
+    m_tools = &tools;
+    // Names are read in the interface's language, in the user's own variant of it when it is one.
+    const QLocale user;
+    m_desktop.emplace(std::move(places), m_roots.home, safety, privacy, metadata, tools,
+                      user.language() == QLocale::Spanish ? user.name() : QStringLiteral("es"));
+}
+
+AppRemoval AppCatalog::confirmedRemoval(const InstalledApp& app) const
+{
+    const AppRemoval plan = removalPlan(app);
+    return m_tools ? AppRemoval::confirmed(plan, app, *m_tools) : plan;
+}
+
 QStringList AppCatalog::searchRoots() const
 {
     return {m_roots.applications, m_roots.userApplications()};
@@ -50,6 +68,8 @@ QStringList AppCatalog::searchRoots() const
 
 QList<InstalledApp> AppCatalog::load() const
 {
+    if (m_desktop)
+        return m_desktop->load();
     QList<InstalledApp> apps;
     for (const QString& root : searchRoots()) {
         BundleWalk::walk(NativePath::encode(root), kLoadDepth, false, [&](const BundleWalk::Entry& entry) {
@@ -80,6 +100,7 @@ std::optional<InstalledApp> AppCatalog::describe(const QString& url) const
 
     InstalledApp app;
     app.url = url;
+    app.payload = url;
     // The name shown is the bundle's file name, as the Finder shows it: a bundle stored as
     // Foo.app reads Foo whatever display name it declares. The declared names only serve a
     // bundle whose file name is nothing but the extension.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/apps/AppRemoval.h"
+#include "core/apps/DesktopApps.h"
 #include "core/apps/InstalledApp.h"
 #include "core/cleanup/CleanItem.h"
 #include "core/files/SystemRoots.h"
@@ -16,8 +18,12 @@ namespace nubo {
 class Metadata;
 class Privacy;
 class Safety;
+class ToolRunner;
 
-/// Finds the applications the user can remove and what they leave behind.
+/// Finds the applications the user can remove and what they leave behind, and how each one is
+/// removed. On a Mac the applications are bundles; built with a desktop's places, they are the
+/// desktop entries of a Linux desktop (see `DesktopApps`), and the rest of this description
+/// speaks of the Mac.
 ///
 /// The installed half lists the ".app" bundles of the applications folders and describes each
 /// one (`load`, `describe`) and finds an application's running process (`runningInstance`). The
@@ -33,6 +39,10 @@ class AppCatalog
 public:
     AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& privacy, const Workspace& workspace,
                const Metadata& metadata);
+    /// The catalogue of a Linux desktop: the applications are the desktop entries found through
+    /// `places`, and `tools` asks their packaging.
+    AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& privacy, const Workspace& workspace,
+               const Metadata& metadata, DesktopPlaces places, const ToolRunner& tools);
 
     /// Where applications are looked for, in order: "/Applications", then ~/Applications.
     [[nodiscard]] QStringList searchRoots() const;
@@ -54,8 +64,13 @@ public:
     [[nodiscard]] QList<CleanItem> leftovers(const InstalledApp& app) const;
 
     /// Identifier-named data in the user's Library whose application is not installed, largest
-    /// first; empty items are left out.
+    /// first; empty items are left out. None on a desktop, whose cleanup finds its own.
     [[nodiscard]] QList<CleanItem> orphanedLeftovers() const;
+
+    /// How `app` would be removed, from what is known of it; instant.
+    [[nodiscard]] AppRemoval removalPlan(const InstalledApp& app) const { return AppRemoval::of(app, m_roots.home); }
+    /// The plan once the packaging has said what the removal would take; blocks on the tool.
+    [[nodiscard]] AppRemoval confirmedRemoval(const InstalledApp& app) const;
 
 private:
     [[nodiscard]] bool otherAppOwns(const QString& entryName, const InstalledApp& besides) const;
@@ -66,6 +81,8 @@ private:
     const Privacy& m_privacy;
     const Workspace& m_workspace;
     const Metadata& m_metadata;
+    const ToolRunner* m_tools = nullptr;
+    std::optional<DesktopApps> m_desktop;
 };
 
 } // namespace nubo

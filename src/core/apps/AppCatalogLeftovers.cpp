@@ -134,6 +134,8 @@ bool AppCatalog::otherAppOwns(const QString& entryName, const InstalledApp& besi
 
 QList<CleanItem> AppCatalog::leftovers(const InstalledApp& app) const
 {
+    if (m_desktop)
+        return m_desktop->leftovers(app);
     const LeftoverKeys keys = LeftoverKeys::of(app);
     QList<CleanItem> result;
     QSet<QString> taken;
@@ -228,6 +230,8 @@ QSet<QString> AppCatalog::installedIdentifiers() const
 
 QList<CleanItem> AppCatalog::orphanedLeftovers() const
 {
+    if (m_desktop)
+        return {};
     const QSet<QString> installed = installedIdentifiers();
     // Sorted, so "some installed identifier begins with the candidate and a dot" is one binary search.
     QStringList sortedInstalled(installed.cbegin(), installed.cend());

@@ -1,11 +1,11 @@
 #include "core/cleanup/LinuxCategories.h"
 
+#include "core/apps/DesktopPlaces.h"
 #include "core/cleanup/FolderRule.h"
 #include "core/files/Location.h"
 #include "core/privacy/Privacy.h"
 #include "core/safety/Safety.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <sys/stat.h>
@@ -29,26 +29,6 @@ QString lastComponent(const QString& path)
 bool isLogName(const QString& name)
 {
     return name.endsWith(QLatin1String(".log")) || name.contains(QLatin1String(".log."));
-}
-
-// Where Flatpak installs applications: the user's installation, the system's, and any other the
-// system's configuration names ("Path=" in /etc/flatpak/installations.d).
-QStringList flatpakInstallations(const CleanContext& context)
-{
-    QStringList folders = {context.home(QStringLiteral(".local/share/flatpak")),
-                           QStringLiteral("/var/lib/flatpak")};
-    const QDir configured(QStringLiteral("/etc/flatpak/installations.d"));
-    for (const QString& name : configured.entryList({QStringLiteral("*.conf")}, QDir::Files)) {
-        QFile file(configured.filePath(name));
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        while (!file.atEnd()) {
-            const QString line = QString::fromUtf8(file.readLine().trimmed());
-            if (line.startsWith(QLatin1String("Path=")))
-                folders << line.mid(5);
-        }
-    }
-    return folders;
 }
 
 } // namespace
@@ -85,7 +65,7 @@ QList<CleanItem> trash(const CleanContext& context)
 QList<CleanItem> orphans(const CleanContext& context)
 {
     const FolderRule rule(context);
-    const QStringList installations = flatpakInstallations(context);
+    const QStringList installations = DesktopPlaces::flatpakInstallationsOf(context.roots.home);
     QList<CleanItem> items = rule.children(context.home(QStringLiteral(".var/app")));
     items.removeIf([&installations](const CleanItem& item) {
         const QString id = lastComponent(item.id);

@@ -1,5 +1,6 @@
 #include "models/app/Backends.h"
 
+#include "core/admin/Admin.h"
 #include "core/cleanup/CatalogRules.h"
 #include "core/privacy/Privacy.h"
 #include "core/shell/Shell.h"
@@ -34,6 +35,26 @@ DiskScanner::Services scanningWith(const Privacy& privacy, const Workspace* work
     return services;
 }
 
+// The environment's XDG folders are the real home's; a prepared home keeps its own.
+std::function<QString(const char*)> environmentOf(const SystemRoots& roots)
+{
+    return [realHome = roots.realHome.isEmpty()](const char* name) {
+        const QString value = realHome ? qEnvironmentVariable(name) : QString();
+        return value.startsWith(QLatin1Char('/')) ? QDir::cleanPath(value) : QString();
+    };
+}
+
+// A Mac's applications are its bundles; a Linux desktop's are its desktop entries.
+AppCatalog catalogueOf(const SystemRoots& roots, const Safety& safety, const Privacy& privacy,
+                       const Workspace& workspace, const Metadata& metadata, const ToolRunner& tools,
+                       std::optional<DesktopPlaces> desktop)
+{
+    if (safety.rules().system == HostSystem::Mac)
+        return AppCatalog(roots, safety, privacy, workspace, metadata);
+    return AppCatalog(roots, safety, privacy, workspace, metadata,
+                      desktop ? std::move(*desktop) : DesktopPlaces::forHome(roots.home, environmentOf(roots)), tools);
+}
+
 } // namespace
 
 Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides overrides)
@@ -46,7 +67,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
       m_naming(Naming::lookupIn(*m_workspace)),
       m_context(std::make_shared<CleanContext>(m_safety, privacy, m_naming, *m_tools, m_roots)),
       m_catalog(overrides.rules ? std::move(overrides.rules) : CatalogRules::make(m_context), m_safety.rules().system),
-      m_apps(m_roots, m_safety, privacy, *m_workspace, *m_metadata),
+      m_apps(catalogueOf(m_roots, m_safety, privacy, *m_workspace, *m_metadata, *m_tools, std::move(overrides.desktop))),
       m_processes(makeProcessTable()), m_accessibility(makeAccessibility()), m_loginItem(makeLoginItem()),
       m_launchItems(SystemTools::system(m_roots), *m_tools, *m_admin, m_deleter, m_naming, *m_workspace),
       m_maintenance(SystemTools::system(m_roots), *m_tools, *m_admin)
@@ -60,17 +81,13 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
     }
     m_context->sharedTemporaries = m_safety.rules().sharedTemporaries;
     if (m_safety.rules().system == HostSystem::Linux) {
-        // The environment's XDG folders are the real home's; a prepared home keeps its own.
-        const bool realHome = m_roots.realHome.isEmpty();
-        const auto variable = [realHome](const char* name) {
-            const QString value = realHome ? qEnvironmentVariable(name) : QString();
-            return value.startsWith(QLatin1Char('/')) ? QDir::cleanPath(value) : QString();
-        };
+        const auto variable = environmentOf(m_roots);
         m_context->places =
             CleanPlaces::forLinux(m_roots.home, variable("XDG_CACHE_HOME"), variable("XDG_STATE_HOME"));
         m_context->places.crashReports = m_safety.rules().crashReports;
     }
     const ToolRunner& tools = *m_tools;
+    AdminRunner& admin = *m_admin;
     m_context->findTool = [](const QString& name) { return Shell::which(name); };
     m_context->displayName = displayNamesOf(m_workspace.get());
     m_context->orphans = [this] { return m_apps.orphanedLeftovers(); };
@@ -91,6 +108,7 @@ Backends::Backends(SystemRoots roots, const Privacy& privacy, Overrides override
         .apps = m_apps,
         .runCommands = [&tools](const QList<CleanItem>& items,
                                 StopToken stop) { return CommandCleaners::runCommands(tools, items, stop); },
+        .runAsAdministrator = [&admin](const QString& commandLine) { return Admin::run(admin, commandLine); },
         .quit = overrides.quit ? std::move(overrides.quit) : std::move(quit),
         .haptics = {},
         .workspace = m_workspace.get(),

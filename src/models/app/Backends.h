@@ -47,6 +47,8 @@ public:
         ModelServices::Quitter quit;
         /// What the gate protects; by default the rules of the system we run on.
         std::optional<SafetyRules> safety;
+        /// Where a Linux desktop's applications are found; by default the session's XDG folders.
+        std::optional<DesktopPlaces> desktop;
     };
 
     /// `privacy` gates what the scanner and the catalogue read; it must outlive the backends.

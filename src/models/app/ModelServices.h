@@ -38,6 +38,9 @@ struct ModelServices
     /// Runs the command items of a clean one after another; blocking, called from background work.
     /// Asked to stop, it ends the running command and leaves the rest.
     using CommandRunner = std::function<CommandOutcome(const QList<CleanItem>& items, StopToken stop)>;
+    /// Runs one shell command line as the administrator, behind one password prompt; true when it
+    /// ran and succeeded. Blocking, called from background work.
+    using AdministratorRun = std::function<bool(const QString& commandLine)>;
     /// Asks a running application to quit, politely (never forced). Called from background work.
     using Quitter = std::function<void(const RunningApplication& app)>;
 
@@ -48,6 +51,7 @@ struct ModelServices
     const CleanCatalog& catalog;
     const AppCatalog& apps;
     CommandRunner runCommands;
+    AdministratorRun runAsAdministrator;
     Quitter quit;
     Haptics haptics;
     /// How often the map copies a running scan's counts.

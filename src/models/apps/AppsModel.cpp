@@ -2,6 +2,7 @@
 
 #include "core/apps/AppCatalog.h"
 #include "core/deletion/Deleter.h"
+#include "core/safety/Safety.h"
 #include "core/files/Location.h"
 #include "core/files/NativePath.h"
 #include "core/format/Bytes.h"
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <optional>
 #include <thread>
+#include <variant>
 #include <vector>
 #include <sys/stat.h>
 
@@ -48,6 +50,12 @@ struct UninstallOutcome
     qint64 freed = 0;
     qint64 failures = 0;
     bool bundleGone = false;
+};
+
+struct LeftoversFound
+{
+    QList<CleanItem> leftovers;
+    AppRemoval removal;
 };
 
 } // namespace
@@ -174,10 +182,11 @@ QString AppsModel::selectedName() const
 QList<CleanItem> AppsModel::removalItems() const
 {
     const auto app = selected();
-    if (!app)
+    if (!app || !m_removal.item)
         return {};
-    QList<CleanItem> items{CleanItem(app->url, app->name, Location::tildePath(app->url, m_services->home),
-                                     app->size.value_or(0), CleanItem::Remove{app->url})};
+    QList<CleanItem> items{*m_removal.item};
+    // The size is the one measured since the plan was made.
+    items.first().size = app->size.value_or(0);
     for (const CleanItem& item : m_leftovers) {
         if (!m_excluded.contains(item.id))
             items.append(item);
@@ -253,6 +262,7 @@ QVariantMap AppsModel::selectedApp() const
         {QStringLiteral("hue"), AppsTexts::tileHue(app->name)},
         {QStringLiteral("versionLine"), AppsTexts::versionLine(app->version)},
         {QStringLiteral("isStore"), app->isStore},
+        {QStringLiteral("originTag"), AppsTexts::originTag(*app)},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(*app->size) : QString()},
         {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services->home))},
     };
@@ -280,7 +290,7 @@ QVariantList AppsModel::removalRows() const
         {QStringLiteral("id"), app->url},
         {QStringLiteral("label"), AppsTexts::removalLabel(app->name, true)},
         {QStringLiteral("symbol"), AppsTexts::removalSymbol(app->name, true)},
-        {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services->home))},
+        {QStringLiteral("detail"), CleanTexts::oneLine(AppsTexts::removalDetail(*app, m_services->home))},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(bundleSize) : QString()},
         {QStringLiteral("ticked"), true},
         {QStringLiteral("locked"), true},
@@ -302,6 +312,17 @@ QVariantList AppsModel::removalRows() const
 QString AppsModel::uninstallLabel() const
 {
     return AppsTexts::uninstallLabel(removalSize());
+}
+
+QString AppsModel::removalRefusal() const
+{
+    const auto app = selected();
+    return app ? AppsTexts::refusal(m_removal, *app) : QString();
+}
+
+QString AppsModel::removalNote() const
+{
+    return AppsTexts::removalNote(m_services->safety.rules().system);
 }
 
 void AppsModel::setLoading(bool loading)
@@ -361,25 +382,27 @@ void AppsModel::load()
             emit visibleChanged();
             emit selectionChanged();
             emit removalChanged();
-            QStringList urls;
-            for (const InstalledApp& app : m_apps)
-                urls.append(app.url);
-            measure(urls);
+            Payloads payloads;
+            for (const InstalledApp& app : m_apps) {
+                if (!app.payload.isEmpty())
+                    payloads.append({app.url, app.payload});
+            }
+            measure(payloads);
         },
         [this] { setLoading(false); });
 }
 
-void AppsModel::measure(QStringList urls)
+void AppsModel::measure(Payloads payloads)
 {
     // A few bundles at a time, one batch after another, so sizes show as they come; the bundles
     // of a batch are walked side by side, since a disk answers several requests at once.
     constexpr qsizetype kBatch = 8;
-    if (urls.isEmpty()) {
+    if (payloads.isEmpty()) {
         setSizesLoaded(true);
         return;
     }
-    const QStringList batch = urls.mid(0, kBatch);
-    urls.remove(0, batch.size());
+    const Payloads batch = payloads.mid(0, kBatch);
+    payloads.remove(0, batch.size());
     m_jobs.start(
         QStringLiteral("sizes"),
         [batch](StopToken stop) {
@@ -387,21 +410,21 @@ void AppsModel::measure(QStringList urls)
             ParallelLoop loop(int(std::min<qsizetype>(ParallelLoop::defaultHelpers(), batch.size() - 1)));
             loop.forEach(batch.size(), [&batch, &measured, &stop](qsizetype i) {
                 if (!stop.stopRequested())
-                    measured[size_t(i)] = Location::allocatedSize(batch[i], stop);
+                    measured[size_t(i)] = Location::allocatedSize(batch[i].second, stop);
             });
             QHash<QString, qint64> sizes;
             // A size cut short by a stop is not the bundle's size: only whole walks are kept.
             for (qsizetype i = 0; i < batch.size() && !stop.stopRequested(); ++i) {
                 if (measured[size_t(i)])
-                    sizes.insert(batch[i], *measured[size_t(i)]);
+                    sizes.insert(batch[i].first, *measured[size_t(i)]);
             }
             return sizes;
         },
-        [this, urls](const QHash<QString, qint64>& sizes) {
+        [this, payloads](const QHash<QString, qint64>& sizes) {
             storeSizes(sizes);
-            measure(urls);
+            measure(payloads);
         },
-        [this, urls] { measure(urls); });
+        [this, payloads] { measure(payloads); });
 }
 
 void AppsModel::storeSizes(const QHash<QString, qint64>& sizes)
@@ -430,10 +453,11 @@ void AppsModel::select(const QString& url)
     m_selection = url;
     m_leftovers.clear();
     m_excluded.clear();
+    const auto app = selected();
+    m_removal = app ? m_services->apps.removalPlan(*app) : AppRemoval();
     if (changed)
         emit selectionChanged();
     emit removalChanged();
-    const auto app = selected();
     if (!app) {
         setLeftoversLoading(false);
         return;
@@ -442,9 +466,12 @@ void AppsModel::select(const QString& url)
     // A search for an application no longer chosen is replaced by this one.
     m_jobs.start(
         QStringLiteral("leftovers"),
-        [services = m_services, app = *app](StopToken) { return services->apps.leftovers(app); },
-        [this](const QList<CleanItem>& found) {
-            m_leftovers = found;
+        [services = m_services, app = *app](StopToken) {
+            return LeftoversFound{services->apps.leftovers(app), services->apps.confirmedRemoval(app)};
+        },
+        [this](const LeftoversFound& found) {
+            m_leftovers = found.leftovers;
+            m_removal = found.removal;
             setLeftoversLoading(false);
             emit removalChanged();
         },
@@ -468,20 +495,29 @@ void AppsModel::uninstall()
 {
     const auto app = selected();
     // Until the leftovers have landed, what would go is not known yet.
-    if (!app || m_isRemoving || m_leftoversLoading)
+    if (!app || m_isRemoving || m_leftoversLoading || !m_removal.item)
         return;
     setRemoving(true);
     QList<DeletionItem> items;
     for (const CleanItem& item : removalItems()) {
         if (const auto path = item.url())
             items.append({*path, item.size});
+        for (const QString& companion : item.companions)
+            items.append({companion, 0});
     }
+    // A packaging command removes the application itself; the deleter the rest.
+    std::optional<CleanItem> command;
+    if (std::holds_alternative<CleanItem::Command>(m_removal.item->action)) {
+        command = removalItems().constFirst();
+    }
+    const bool asAdministrator = m_removal.asAdministrator;
+    const QString commandLine = m_removal.commandLine();
     // A list read while the application is being removed may bring it back: it is read again
     // once the removal has landed.
     m_jobs.stop(QStringLiteral("apps"));
     m_jobs.start(
         QStringLiteral("uninstall"),
-        [services = m_services, app = *app, items](StopToken stop) {
+        [services = m_services, app = *app, items, command, asAdministrator, commandLine](StopToken stop) {
             if (const auto running = services->apps.runningInstance(app)) {
                 if (services->quit)
                     services->quit(*running);
@@ -494,8 +530,23 @@ void AppsModel::uninstall()
                     std::this_thread::sleep_for(services->quitPollInterval);
                 }
             }
+            qint64 freed = 0;
+            if (command) {
+                bool removed = false;
+                if (asAdministrator) {
+                    removed = services->runAsAdministrator && services->runAsAdministrator(commandLine);
+                    freed = removed ? command->size : 0;
+                } else if (services->runCommands) {
+                    const CommandOutcome outcome = services->runCommands({*command}, stop);
+                    removed = outcome.failed.isEmpty() && outcome.done.contains(command->id);
+                    freed = outcome.freed;
+                }
+                // What the application keeps in the user's folders stays while it is installed.
+                if (!removed)
+                    return UninstallOutcome{0, 1, !exists(app.url)};
+            }
             const DeletionResult result = services->deleter.deleteItems(items, true, stop);
-            return UninstallOutcome{result.freed, result.failed.size(), !exists(app.url)};
+            return UninstallOutcome{checkedAdd(freed, result.freed), result.failed.size(), !exists(app.url)};
         },
         [this, app = *app](const UninstallOutcome& outcome) {
             finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
@@ -519,6 +570,7 @@ void AppsModel::finishUninstall(const InstalledApp& app, qint64 freed, qint64 fa
             m_selection.clear();
             m_leftovers.clear();
             m_excluded.clear();
+            m_removal = AppRemoval();
             emit selectionChanged();
         }
         emit appsChanged();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/apps/AppRemoval.h"
 #include "core/apps/InstalledApp.h"
 #include "core/cleanup/CleanItem.h"
 #include "models/app/Jobs.h"
@@ -16,6 +17,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace nubo {
 
@@ -66,6 +68,10 @@ class AppsModel : public QObject
     Q_PROPERTY(QVariantList removalRows READ removalRows NOTIFY removalChanged)
     Q_PROPERTY(int removalCount READ removalCount NOTIFY removalChanged)
     Q_PROPERTY(QString uninstallLabel READ uninstallLabel NOTIFY removalChanged)
+    /// Why the chosen application cannot be removed here; empty when it can.
+    Q_PROPERTY(QString removalRefusal READ removalRefusal NOTIFY removalChanged)
+    /// What the removal list holds, in the words of the system it runs on.
+    Q_PROPERTY(QString removalNote READ removalNote CONSTANT)
 
 public:
     /// The three orders, in the order the picker shows them: "Nombre", "Tamaño", "Último uso".
@@ -117,7 +123,11 @@ public:
     [[nodiscard]] QVariantList leftoverMaps() const;
     [[nodiscard]] bool leftoversLoading() const { return m_leftoversLoading; }
     [[nodiscard]] const QSet<QString>& excluded() const { return m_excluded; }
-    /// The bundle itself first, then every leftover still ticked; nothing without a selection.
+    /// How the chosen application is removed; the plan without a tool's word until the leftovers
+    /// have landed.
+    [[nodiscard]] const AppRemoval& removal() const { return m_removal; }
+    /// The application itself first (its bundle, program or packaging command), then every
+    /// leftover still ticked; nothing without a selection or when it cannot be removed.
     [[nodiscard]] QList<CleanItem> removalItems() const;
     [[nodiscard]] QVariantList removalMaps() const;
     [[nodiscard]] qint64 removalSize() const;
@@ -130,6 +140,8 @@ public:
     [[nodiscard]] QVariantList removalRows() const;
     [[nodiscard]] int removalCount() const { return int(removalItems().size()); }
     [[nodiscard]] QString uninstallLabel() const;
+    [[nodiscard]] QString removalRefusal() const;
+    [[nodiscard]] QString removalNote() const;
 
     /// Lists the applications, then measures their bundles in the background.
     Q_INVOKABLE void load();
@@ -146,8 +158,9 @@ public:
     /// Unticks a leftover, or ticks it again.
     Q_INVOKABLE void toggle(const QString& itemId);
     /// Removes the selected application and its ticked leftovers: a running copy is asked to quit
-    /// first and given about three seconds. The application leaves the list only when its bundle
-    /// is really gone.
+    /// first and given about three seconds. A packaging command runs before anything is deleted,
+    /// and when it fails the leftovers stay with the application. The application leaves the list
+    /// only when its bundle or desktop entry is really gone.
     Q_INVOKABLE void uninstall();
 
 signals:
@@ -170,7 +183,9 @@ private:
     void setSizesLoaded(bool loaded);
     void setLeftoversLoading(bool loading);
     void setRemoving(bool removing);
-    void measure(QStringList urls);
+    /// Each application's identity with the path its size is measured on.
+    using Payloads = QList<std::pair<QString, QString>>;
+    void measure(Payloads payloads);
     void storeSizes(const QHash<QString, qint64>& sizes);
     void finishUninstall(const InstalledApp& app, qint64 freed, qint64 failures, bool bundleGone);
 
@@ -183,6 +198,7 @@ private:
     QString m_query;
     QString m_selection;
     QList<CleanItem> m_leftovers;
+    AppRemoval m_removal;
     bool m_leftoversLoading = false;
     QSet<QString> m_excluded;
     bool m_isRemoving = false;

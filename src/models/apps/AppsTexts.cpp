@@ -1,5 +1,6 @@
 #include "models/apps/AppsTexts.h"
 
+#include "core/files/Location.h"
 #include "core/format/Bytes.h"
 #include "models/text/Counts.h"
 
@@ -32,6 +33,13 @@ const QHash<QString, FolderLook>& folderLooks()
         {QStringLiteral("LaunchAgents"), {"Arranque automático", "bolt.fill"}},
         {QStringLiteral("PrivilegedHelperTools"), {"Herramienta auxiliar", "gearshape.fill"}},
         {QStringLiteral("Application Scripts"), {"Scripts", "doc.text"}},
+        // A Linux home's folders.
+        {QStringLiteral(".config"), {"Configuración", "gearshape.fill"}},
+        {QStringLiteral(".local/share"), {"Datos de la app", "folder.fill"}},
+        {QStringLiteral(".cache"), {"Cachés", "internaldrive.fill"}},
+        {QStringLiteral(".var/app"), {"Datos de Flatpak", "shippingbox.fill"}},
+        {QStringLiteral("snap"), {"Datos de Snap", "shippingbox.fill"}},
+        {QStringLiteral("applications"), {"Lanzador propio", "doc.text"}},
     };
     return looks;
 }
@@ -86,6 +94,77 @@ QString removalSymbol(const QString& itemName, bool isBundle)
         return QStringLiteral("bolt.fill");
     const auto look = folderLooks().constFind(itemName);
     return look == folderLooks().cend() ? QStringLiteral("folder.fill") : QString::fromLatin1(look->symbol);
+}
+
+QString removalDetail(const InstalledApp& app, const QString& home)
+{
+    switch (app.origin) {
+    case AppOrigin::Flatpak:
+        return QStringLiteral("flatpak uninstall ") + app.package;
+    case AppOrigin::Snap:
+        return QStringLiteral("snap remove ") + app.package;
+    case AppOrigin::Package:
+        return QStringLiteral("apt-get remove ") + app.package;
+    case AppOrigin::AppImage:
+    case AppOrigin::Own:
+        return Location::tildePath(app.payload.isEmpty() ? app.url : app.payload, home);
+    case AppOrigin::Bundle:
+    case AppOrigin::Unmanaged:
+        break;
+    }
+    return Location::tildePath(app.url, home);
+}
+
+QString originTag(const InstalledApp& app)
+{
+    switch (app.origin) {
+    case AppOrigin::Bundle:
+        return app.isStore ? QStringLiteral("App Store") : QString();
+    case AppOrigin::Flatpak:
+        return QStringLiteral("Flatpak");
+    case AppOrigin::Snap:
+        return QStringLiteral("Snap");
+    case AppOrigin::AppImage:
+        return QStringLiteral("AppImage");
+    case AppOrigin::Package:
+        return QStringLiteral("Paquete del sistema");
+    case AppOrigin::Own:
+        return QStringLiteral("Instalada por ti");
+    case AppOrigin::Unmanaged:
+        break;
+    }
+    return {};
+}
+
+QString removalNote(HostSystem system)
+{
+    return system == HostSystem::Mac
+               ? QStringLiteral("Incluye la app y los archivos que ha dejado en la Biblioteca. Desmarca lo que "
+                                "quieras conservar.")
+               : QStringLiteral("Incluye la app y los archivos que ha dejado en tu carpeta personal. Desmarca lo "
+                                "que quieras conservar.");
+}
+
+QString refusal(const AppRemoval& removal, const InstalledApp& app)
+{
+    switch (removal.refusal) {
+    case AppRemoval::Refusal::None:
+        return {};
+    case AppRemoval::Refusal::NotPackaged:
+        return QStringLiteral("Nubo no la desinstala: no la instaló ningún gestor de paquetes que conozca.");
+    case AppRemoval::Refusal::TakesOthers: {
+        // A long list is cut short: the first few name the kind of thing that would go.
+        constexpr qsizetype kNamed = 4;
+        QStringList named = removal.others.mid(0, removal.others.size() > kNamed + 1 ? kNamed : kNamed + 1);
+        if (named.size() < removal.others.size())
+            named << Counts::number(removal.others.size() - named.size()) + QStringLiteral(" más");
+        return QStringLiteral("Nubo no la desinstala: quitar el paquete %1 quitaría también %2.")
+            .arg(app.package, QLocale(QLocale::Spanish, QLocale::Spain).createSeparatedList(named));
+    }
+    case AppRemoval::Refusal::PackagingSilent:
+        return QStringLiteral("Nubo no la desinstala: el gestor de paquetes no ha dicho qué se quitaría con ella.");
+    }
+    return {};
 }
 
 QString uninstallLabel(qint64 removalSize)

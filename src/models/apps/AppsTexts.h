@@ -1,5 +1,9 @@
 #pragma once
 
+#include "core/apps/AppRemoval.h"
+#include "core/apps/InstalledApp.h"
+#include "core/files/HostSystem.h"
+
 #include <QDateTime>
 #include <QString>
 #include <optional>
@@ -23,6 +27,16 @@ namespace nubo::AppsTexts {
 [[nodiscard]] QString removalLabel(const QString& itemName, bool isBundle);
 /// The symbol drawn beside a removal line, by the same folder.
 [[nodiscard]] QString removalSymbol(const QString& itemName, bool isBundle);
+/// The detail of the application's own removal line: the packaging's command that removes it
+/// ("flatpak uninstall org.gnome.Maps", "apt-get remove vim"), or the path deleted, in tilde form.
+[[nodiscard]] QString removalDetail(const InstalledApp& app, const QString& home);
+/// The tag beside the version that says where the application came from: "App Store", "Flatpak",
+/// "Snap", "AppImage", "Paquete del sistema", "Instalada por ti"; empty for an ordinary bundle.
+[[nodiscard]] QString originTag(const InstalledApp& app);
+/// Above the removal list: what it holds, naming the system's folder for what apps leave.
+[[nodiscard]] QString removalNote(HostSystem system);
+/// Why `app` is not offered for removal, in a sentence; empty when it is.
+[[nodiscard]] QString refusal(const AppRemoval& removal, const InstalledApp& app);
 /// The uninstall button: "Desinstalar" and what it frees ("Desinstalar · 1,2 GB").
 [[nodiscard]] QString uninstallLabel(qint64 removalSize);
 /// The letter of the tile drawn for an application the platform gives no icon for: the first

@@ -1,6 +1,7 @@
 #include "../support/ModelWorld.h"
 #include "core/format/Bytes.h"
 #include "models/app/Backends.h"
+#include "support/DesktopHome.h"
 
 #include <QLocale>
 #include <QSignalSpy>
@@ -116,6 +117,13 @@ TEST_F(AppStateModelsTest, ASafeCleanThroughTheRealBackendsFreesExactlyTheSafeCa
         overrides.workspace = std::make_unique<FakeWorkspace>();
         overrides.metadata = std::make_unique<FakeMetadata>();
         overrides.safety = system.rules;
+        if (system.rules.system == HostSystem::Linux) {
+            // The desktop's one application is the user's own program.
+            const DesktopHome desktop(m_dir.path());
+            desktop.entry(desktop.places().userData, u"writer.desktop"_s,
+                          u"Name=Writer\nExec="_s + desktop.program(path(u"home/bin/writer"_s)));
+            overrides.desktop = desktop.places();
+        }
         const auto backends = std::make_shared<Backends>(m_roots, m_privacy, std::move(overrides));
         AppState state({m_privacy, m_volume, std::chrono::seconds(4), backends->services()});
         state.analyze();

@@ -246,3 +246,88 @@ TEST(AppsOrder, AnUnknownLastUseIsTheDistantPastAndSystemAppsAreNeverUnused)
     // Exactly 90 days is not yet unused; a second more is.
     EXPECT_EQ(joined(AppsModel::unusedOf(list, now)), QStringLiteral("Alpha Delta"));
 }
+
+namespace {
+
+// A Linux desktop with a Flatpak of the user's and a distribution package, each with data in
+// the home; the package manager answers as apt-get and dpkg-query really do.
+class LinuxAppsModelTest : public ModelWorld
+{
+protected:
+    LinuxAppsModelTest() { m_system = HostSystem::Linux; }
+    void SetUp() override
+    {
+        ModelWorld::SetUp();
+        m_desktop->flatpak(u"org.gnome.Maps"_s, u"Mapas"_s, false);
+        file(u"home/.var/app/org.gnome.Maps/data"_s, 8'000);
+        const QString entry = m_desktop->entry(m_desktop->systemData(), u"obconf.desktop"_s, u"Name=Obconf\nExec=obconf"_s);
+        file(u"home/.config/obconf/rc.xml"_s, 3'000);
+        m_tools.answer(u"dpkg-query"_s, {u"-S"_s, entry}, {0, u"obconf: "_s + entry});
+        m_tools.answer(u"apt-get"_s, {u"-s"_s, u"remove"_s, u"obconf"_s},
+                       {0, u"The following packages will be REMOVED:\n  obconf\nRemv obconf [1:2.0.4]\n"_s});
+    }
+
+    AppsModel& apps() { return *state().apps(); }
+    void choose(const QString& name)
+    {
+        apps().load();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return apps().sizesLoaded(); }, 10000));
+        const auto found = std::ranges::find(apps().apps(), name, &InstalledApp::name);
+        ASSERT_NE(found, apps().apps().end());
+        apps().select(found->url);
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().leftoversLoading(); }, 10000));
+    }
+};
+
+} // namespace
+
+// The packaging removes the application first; its data goes only once it has, and a removal
+// the packaging or the administrator refused leaves every file where it was.
+TEST_F(LinuxAppsModelTest, ThePackagingRemovesTheAppFirstAndItsDataOnlyGoesOnceItHas)
+{
+    const struct
+    {
+        const char* app;
+        bool succeeds;
+        const char* data;
+        QString detail;
+        QStringList adminLines;
+    } cases[] = {
+        {"Mapas", false, "home/.var/app/org.gnome.Maps", u"flatpak uninstall org.gnome.Maps"_s, {}},
+        {"Mapas", true, "home/.var/app/org.gnome.Maps", u"flatpak uninstall org.gnome.Maps"_s, {}},
+        {"Obconf", false, "home/.config/obconf", u"apt-get remove obconf"_s, {u"'apt-get' 'remove' '-y' 'obconf'"_s}},
+        {"Obconf", true, "home/.config/obconf", u"apt-get remove obconf"_s, {u"'apt-get' 'remove' '-y' 'obconf'"_s}},
+    };
+    for (const auto& step : cases) {
+        SCOPED_TRACE(std::string(step.app) + (step.succeeds ? " removed" : " refused"));
+        m_commandsRun.clear();
+        m_failingCommands = step.succeeds ? QStringList() : QStringList{m_desktop->flatpakExports(false) +
+                                                                        u"/applications/org.gnome.Maps.desktop"_s};
+        m_adminSucceeds = step.succeeds;
+        choose(QString::fromUtf8(step.app));
+        EXPECT_EQ(apps().removalRows().value(0).toMap().value(u"detail"_s).toString(), step.detail);
+        EXPECT_EQ(apps().removalCount(), 2);
+        const qsizetype adminBefore = adminCommands().size();
+        apps().uninstall();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !apps().isRemoving(); }, 15000));
+        EXPECT_EQ(adminCommands().mid(adminBefore), step.adminLines);
+        EXPECT_EQ(m_commandsRun.size(), step.adminLines.isEmpty() ? 1 : 0);
+        EXPECT_EQ(exists(QString::fromUtf8(step.data)), !step.succeeds);
+        EXPECT_EQ(state().toast()->failures, step.succeeds ? 0 : 1);
+    }
+}
+
+// A package that would take others with it is not offered, and the detail says which.
+TEST_F(LinuxAppsModelTest, APackageThatWouldTakeOthersIsNotOfferedAndTheDetailSaysWhy)
+{
+    m_tools.answer(u"apt-get"_s, {u"-s"_s, u"remove"_s, u"obconf"_s},
+                   {0, u"Remv openbox [3.6]\nRemv obconf [1:2.0.4]\nRemv lxde [11]\n"_s});
+    choose(u"Obconf"_s);
+    EXPECT_EQ(apps().removalRefusal(),
+              u"Nubo no la desinstala: quitar el paquete obconf quitaría también openbox y lxde."_s);
+    EXPECT_EQ(apps().removalCount(), 0);
+    apps().uninstall();
+    EXPECT_FALSE(apps().isRemoving());
+    EXPECT_TRUE(adminCommands().isEmpty());
+    EXPECT_TRUE(exists(u"home/.config/obconf/rc.xml"_s));
+}

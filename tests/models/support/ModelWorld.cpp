@@ -18,7 +18,10 @@ void ModelWorld::SetUp()
                           path(QStringLiteral("tmp")), path(QStringLiteral("Applications")),
                           path(QStringLiteral("System/Applications"))};
     m_volume.answer = {1'000'000'000'000, 250'000'000'000, 200'000'000'000};
-    m_safety = std::make_unique<Safety>(m_roots, SafetyRules::forMac());
+    SafetyRules rules = m_system == HostSystem::Mac ? SafetyRules::forMac() : SafetyRules::forLinux();
+    if (m_system == HostSystem::Linux)
+        rules.sharedTemporaries = {m_roots.temporary};
+    m_safety = std::make_unique<Safety>(m_roots, rules);
     m_deleter = std::make_unique<Deleter>(*m_safety, m_admin);
     DiskScanner::Services scanning;
     // A whole-disk scan waits two levels below the disk's root while the disk is held, so a test
@@ -41,7 +44,13 @@ void ModelWorld::SetUp()
             return scan ? scan() : QList<CleanItem>();
         });
     });
-    m_apps = std::make_unique<AppCatalog>(m_roots, *m_safety, m_privacy, m_workspace, m_metadata);
+    if (m_system == HostSystem::Mac) {
+        m_apps = std::make_unique<AppCatalog>(m_roots, *m_safety, m_privacy, m_workspace, m_metadata);
+    } else {
+        m_desktop.emplace(m_dir.path());
+        m_apps = std::make_unique<AppCatalog>(m_roots, *m_safety, m_privacy, m_workspace, m_metadata,
+                                              m_desktop->places(), m_tools);
+    }
     m_services = std::make_shared<ModelServices>(ModelServices{
         .home = m_roots.home,
         .safety = *m_safety,
@@ -72,6 +81,12 @@ void ModelWorld::SetUp()
                 }
                 return outcome;
             },
+        .runAsAdministrator =
+            [this](const QString& commandLine) {
+                const std::lock_guard lock(m_adminLock);
+                m_adminCommands.append(commandLine);
+                return m_adminSucceeds.load();
+            },
         .quit =
             [this](const RunningApplication& app) {
                 ++m_quitRequests;
@@ -84,6 +99,12 @@ void ModelWorld::SetUp()
         .quitPolls = 30,
         .workspace = &m_workspace,
     });
+}
+
+QStringList ModelWorld::adminCommands() const
+{
+    const std::lock_guard lock(m_adminLock);
+    return m_adminCommands;
 }
 
 void ModelWorld::TearDown()

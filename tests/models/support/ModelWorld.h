@@ -14,6 +14,8 @@
 #include "platform/fake/FakeMetadata.h"
 #include "platform/fake/FakeVolumeCapacity.h"
 #include "platform/fake/FakeWorkspace.h"
+#include "platform/fake/ScriptedToolRunner.h"
+#include "support/DesktopHome.h"
 
 #include <QHash>
 #include <QTemporaryDir>
@@ -58,6 +60,11 @@ protected:
     AppState& state();
 
     QTemporaryDir m_dir;
+    /// Set before SetUp, the world is a Linux desktop: Linux's safety rules, and applications
+    /// that are the desktop entries of `m_desktop`, whose packaging answers through `m_tools`.
+    HostSystem m_system = HostSystem::Mac;
+    std::optional<DesktopHome> m_desktop;
+    ScriptedToolRunner m_tools;
     SystemRoots m_roots;
     Privacy m_privacy{QStringLiteral("/nowhere"), [] { return true; }};
     FakeAdminRunner m_admin;
@@ -82,6 +89,9 @@ protected:
     /// Read while a clean runs; the list itself only once it has landed.
     std::atomic<int> m_commandsStarted = 0;
     QStringList m_failingCommands;
+    /// The command lines run as the administrator, and whether the administrator's run succeeds.
+    QStringList adminCommands() const;
+    std::atomic<bool> m_adminSucceeds = true;
     QStringList m_heldCommands;
     /// Running applications the quitter has been asked to stop, and whether it lets them go.
     std::atomic<int> m_quitRequests = 0;
@@ -89,6 +99,10 @@ protected:
     std::atomic<bool> m_quitStaysListed = false; ///< an application that quit stays listed, ended
     std::atomic<int> m_feedback = 0;
     QStringList m_pinned;
+
+private:
+    mutable std::mutex m_adminLock;
+    QStringList m_adminCommands;
 };
 
 /// Every category id of the catalogue whose items start selected, or not.
