@@ -3,6 +3,10 @@ import QtQuick.Layouts
 
 // The detail side before an application is chosen: what the uninstaller does.
 Item {
+    id: empty
+
+    property string explanation
+
     ColumnLayout {
         anchors.centerIn: parent
         width: Math.min(parent.width - Theme.spacingHuge * 2, 420)
@@ -28,7 +32,7 @@ Item {
         Text {
             Layout.fillWidth: true
             horizontalAlignment: Text.AlignHCenter
-            text: "Nubo encuentra la app y todo lo que deja repartido por el Mac: datos, cachés, preferencias, contenedores y agentes de inicio."
+            text: empty.explanation
             color: Theme.textSecondary
             font.family: Theme.fontFamily
             font.pixelSize: Theme.fontSizeBody

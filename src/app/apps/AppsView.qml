@@ -139,6 +139,7 @@ Item {
             AppsEmptyDetail {
                 objectName: "appsEmptyDetail"
                 anchors.fill: parent
+                explanation: view.model !== null ? view.model.emptyNote : ""
                 visible: view.model === null || view.model.selection.length === 0
             }
             AppDetail {

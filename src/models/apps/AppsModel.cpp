@@ -311,7 +311,7 @@ QVariantList AppsModel::removalRows() const
 
 QString AppsModel::uninstallLabel() const
 {
-    return AppsTexts::uninstallLabel(removalSize());
+    return AppsTexts::uninstallLabel(m_removal.item ? std::optional(removalSize()) : std::nullopt);
 }
 
 QString AppsModel::removalRefusal() const
@@ -323,6 +323,11 @@ QString AppsModel::removalRefusal() const
 QString AppsModel::removalNote() const
 {
     return AppsTexts::removalNote(m_services->safety.rules().system);
+}
+
+QString AppsModel::emptyNote() const
+{
+    return AppsTexts::emptyNote(m_services->safety.rules().system);
 }
 
 void AppsModel::setLoading(bool loading)

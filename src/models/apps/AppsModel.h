@@ -72,6 +72,8 @@ class AppsModel : public QObject
     Q_PROPERTY(QString removalRefusal READ removalRefusal NOTIFY removalChanged)
     /// What the removal list holds, in the words of the system it runs on.
     Q_PROPERTY(QString removalNote READ removalNote CONSTANT)
+    /// What the uninstaller finds, before an application is chosen.
+    Q_PROPERTY(QString emptyNote READ emptyNote CONSTANT)
 
 public:
     /// The three orders, in the order the picker shows them: "Nombre", "Tamaño", "Último uso".
@@ -142,6 +144,7 @@ public:
     [[nodiscard]] QString uninstallLabel() const;
     [[nodiscard]] QString removalRefusal() const;
     [[nodiscard]] QString removalNote() const;
+    [[nodiscard]] QString emptyNote() const;
 
     /// Lists the applications, then measures their bundles in the background.
     Q_INVOKABLE void load();

@@ -145,6 +145,16 @@ QString removalNote(HostSystem system)
                                 "que quieras conservar.");
 }
 
+QString emptyNote(HostSystem system)
+{
+    return system == HostSystem::Mac
+               ? QStringLiteral("Nubo encuentra la app y todo lo que deja repartido por el Mac: datos, cachés, "
+                                "preferencias, contenedores y agentes de inicio.")
+               : QStringLiteral("Nubo encuentra la app y todo lo que deja en tu carpeta personal: configuración, "
+                                "datos y cachés. Las apps de Flatpak, Snap y del sistema se quitan con su propio "
+                                "instalador.");
+}
+
 QString refusal(const AppRemoval& removal, const InstalledApp& app)
 {
     switch (removal.refusal) {
@@ -167,9 +177,11 @@ QString refusal(const AppRemoval& removal, const InstalledApp& app)
     return {};
 }
 
-QString uninstallLabel(qint64 removalSize)
+QString uninstallLabel(std::optional<qint64> removalSize)
 {
-    return QStringLiteral("Desinstalar · ") + Bytes::string(removalSize);
+    if (!removalSize)
+        return QStringLiteral("Desinstalar");
+    return QStringLiteral("Desinstalar · ") + Bytes::string(*removalSize);
 }
 
 QString initial(const QString& name)

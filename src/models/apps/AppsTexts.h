@@ -35,10 +35,13 @@ namespace nubo::AppsTexts {
 [[nodiscard]] QString originTag(const InstalledApp& app);
 /// Above the removal list: what it holds, naming the system's folder for what apps leave.
 [[nodiscard]] QString removalNote(HostSystem system);
+/// Before an application is chosen: what the uninstaller finds, in the system's words.
+[[nodiscard]] QString emptyNote(HostSystem system);
 /// Why `app` is not offered for removal, in a sentence; empty when it is.
 [[nodiscard]] QString refusal(const AppRemoval& removal, const InstalledApp& app);
-/// The uninstall button: "Desinstalar" and what it frees ("Desinstalar · 1,2 GB").
-[[nodiscard]] QString uninstallLabel(qint64 removalSize);
+/// The uninstall button: "Desinstalar" and what it frees ("Desinstalar · 1,2 GB"); just
+/// "Desinstalar" when nothing can be removed.
+[[nodiscard]] QString uninstallLabel(std::optional<qint64> removalSize);
 /// The letter of the tile drawn for an application the platform gives no icon for: the first
 /// letter or digit of its name, in capitals; "?" when it has none.
 [[nodiscard]] QString initial(const QString& name);

@@ -168,3 +168,54 @@ TEST_F(AppsViewsTest, WalkThroughTheScreen)
     EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 4);
     EXPECT_TRUE(state().hasToast());
 }
+
+namespace {
+
+// The apps screen on a Linux desktop: a Flatpak with data in the home, an AppImage of the user's,
+// and a distribution package that cannot go without taking others.
+class LinuxAppsViewsTest : public UiWorld
+{
+protected:
+    LinuxAppsViewsTest() { m_system = HostSystem::Linux; }
+};
+
+} // namespace
+
+TEST_F(LinuxAppsViewsTest, APackageThatWouldTakeOthersShowsWhyAndCannotBeUninstalled)
+{
+    m_desktop->flatpak(QStringLiteral("org.gnome.Maps"), QStringLiteral("Mapas"), false);
+    file(QStringLiteral("home/.var/app/org.gnome.Maps/data"), 80'000);
+    file(QStringLiteral("home/.config/org.gnome.Maps/settings"), 2'000);
+    const QString image = m_desktop->program(path(QStringLiteral("home/Aplicaciones/Editor.AppImage")), 90'000);
+    m_desktop->entry(m_desktop->places().userData, QStringLiteral("editor.desktop"),
+                     QStringLiteral("Name=Editor\nExec=") + image + QStringLiteral("\nX-AppImage-Version=2.1"));
+    const QString entry = m_desktop->entry(m_desktop->systemData(), QStringLiteral("obconf.desktop"),
+                                           QStringLiteral("Name=Openbox Configuration\nName[es]=Configuración de Openbox\nExec=obconf"));
+    m_tools.answer(QStringLiteral("dpkg-query"), {QStringLiteral("-S"), entry}, {0, QStringLiteral("obconf: ") + entry});
+    m_tools.answer(QStringLiteral("apt-get"), {QStringLiteral("-s"), QStringLiteral("remove"), QStringLiteral("obconf")},
+                   {0, QStringLiteral("Remv obconf [1:2.0.4]\nRemv openbox-menu [0.8]\n")});
+
+    // Seen in the dark appearance, the light one being the Mac screen's above.
+    const QPalette light = QGuiApplication::palette();
+    QGuiApplication::setPalette(darkPalette());
+    QQuickWindow& window = mainWindow();
+    state().setSection(QStringLiteral("apps"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return state().apps()->sizesLoaded(); }, 10000));
+    QTest::qWait(Settle);
+    EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 3);
+    snapshots(window, QStringLiteral("apps-linux-list"));
+
+    for (const QString& name : {QStringLiteral("Mapas"), QStringLiteral("Configuración de Openbox")}) {
+        for (QQuickItem* row : visibleNamed(window, QStringLiteral("appRow"))) {
+            if (row->property("app").toMap().value(QStringLiteral("name")).toString() == name)
+                click(*row);
+        }
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !state().apps()->leftoversLoading(); }, 10000));
+        QTest::qWait(Settle);
+        snapshots(window, name == QStringLiteral("Mapas") ? QStringLiteral("apps-linux-flatpak")
+                                                           : QStringLiteral("apps-linux-refused"));
+    }
+    EXPECT_TRUE(named(window, QStringLiteral("removalRefusal")).isVisible());
+    EXPECT_FALSE(named(window, QStringLiteral("uninstallButton")).isEnabled());
+    QGuiApplication::setPalette(light);
+}

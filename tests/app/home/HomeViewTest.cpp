@@ -114,12 +114,7 @@ TEST_F(HomeViewTest, WithNothingToRecommendTheScreenSaysSo)
 TEST_F(HomeViewTest, FollowsADarkSystemAppearance)
 {
     const QPalette light = QGuiApplication::palette();
-    QPalette dark = light;
-    for (const auto& [role, colour] : {std::pair{QPalette::Window, 0x1E1E1E}, {QPalette::WindowText, 0xF5F5F7},
-                                       {QPalette::Base, 0x2C2C2E}, {QPalette::Text, 0xF5F5F7},
-                                       {QPalette::Button, 0x3A3A3C}, {QPalette::ButtonText, 0xF5F5F7}})
-        dark.setColor(role, QColor(QRgb(colour)));
-    QGuiApplication::setPalette(dark);
+    QGuiApplication::setPalette(darkPalette());
     QQuickWindow& window = mainWindow();
     analyseFromTheScreen(window);
     const QImage image = snapshot(window, DefaultSize, QStringLiteral("home-dark-default"));

@@ -2,13 +2,16 @@
 
 #include "app/ui/UiEngine.h"
 
+#include <QColor>
 #include <QDir>
+#include <QGuiApplication>
 #include <QLocale>
 #include <QQmlComponent>
 #include <QSet>
 #include <QTest>
 
 #include <algorithm>
+#include <utility>
 
 namespace nubo::test {
 
@@ -230,6 +233,20 @@ int distinctColours(const QImage& image)
             colours.insert(image.pixel(x, y));
     }
     return int(colours.size());
+}
+
+} // namespace nubo::test
+
+namespace nubo::test {
+
+QPalette UiWorld::darkPalette()
+{
+    QPalette dark = QGuiApplication::palette();
+    for (const auto& [role, colour] : {std::pair{QPalette::Window, 0x1E1E1E}, {QPalette::WindowText, 0xF5F5F7},
+                                       {QPalette::Base, 0x2C2C2E}, {QPalette::Text, 0xF5F5F7},
+                                       {QPalette::Button, 0x3A3A3C}, {QPalette::ButtonText, 0xF5F5F7}})
+        dark.setColor(role, QColor(QRgb(colour)));
+    return dark;
 }
 
 } // namespace nubo::test

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
+#include <QPalette>
 #include <QQuickWindow>
 #include <QSize>
 #include <QVariantMap>
@@ -64,6 +65,8 @@ protected:
     QImage snapshot(QQuickWindow& window, QSize size, const QString& name);
     /// `<name>-default.png` and `<name>-minimum.png` at the window's two sizes.
     void snapshots(QQuickWindow& window, const QString& name);
+    /// The system's palette as a dark appearance sets it, from the light one.
+    static QPalette darkPalette();
 
     std::unique_ptr<QQmlApplicationEngine> m_engine;
 

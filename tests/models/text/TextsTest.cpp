@@ -182,6 +182,26 @@ TEST_F(SpanishTexts, OddOrMissingNamesStillReadAsOneSensibleLine)
     EXPECT_DOUBLE_EQ(AppsTexts::tileHue(QString()), 61.0 / 360.0);
 }
 
+// A Linux user never reads of the Mac's places; a long list of packages reads as a sentence.
+TEST_F(SpanishTexts, TheAppsWordsFollowTheSystemAndARefusalNamesAFewPackages)
+{
+    for (const QString& text : {AppsTexts::removalNote(HostSystem::Linux), AppsTexts::emptyNote(HostSystem::Linux)}) {
+        for (const char* macWord : {"Mac", "Biblioteca", "Finder", "App Store"})
+            EXPECT_FALSE(text.contains(QString::fromUtf8(macWord))) << text.toStdString();
+    }
+    EXPECT_TRUE(AppsTexts::removalNote(HostSystem::Mac).contains(u"Biblioteca"_s));
+    InstalledApp package;
+    package.package = u"obconf"_s;
+    AppRemoval removal;
+    removal.refusal = AppRemoval::Refusal::TakesOthers;
+    removal.others = {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s, u"f"_s, u"g"_s};
+    EXPECT_EQ(AppsTexts::refusal(removal, package),
+              u"Nubo no la desinstala: quitar el paquete obconf quitaría también a, b, c, d y 3 más."_s);
+    removal.others = {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s};
+    EXPECT_TRUE(AppsTexts::refusal(removal, package).endsWith(u"a, b, c, d y e."_s));
+    EXPECT_EQ(AppsTexts::uninstallLabel(std::nullopt), u"Desinstalar"_s);
+}
+
 TEST_F(SpanishTexts, LeftoverFoldersAreNamedOnlyOnAnExactMatchAndTheBundleAlwaysWins)
 {
     const QString caches = u"Caches"_s;
