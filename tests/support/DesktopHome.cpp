@@ -17,6 +17,7 @@ DesktopHome::DesktopHome(const QString& root) : m_root(root), m_home(root + QStr
     m_places.snapFiles = at(QStringLiteral("var/lib/snapd/snaps"));
     m_places.snapMounts = at(QStringLiteral("snap"));
     m_places.programFolders = {at(QStringLiteral("usr/bin"))};
+    m_places.toolFolders = {at(QStringLiteral("tools"))};
     m_places.dataFolders = {m_places.userData, systemData(), flatpakExports(false), flatpakExports(true),
                             m_places.snapEntries};
     for (const QString& folder : m_places.dataFolders)
@@ -42,6 +43,11 @@ QString DesktopHome::program(const QString& path, qint64 bytes) const
     writeFile(QFile::encodeName(path), bytes);
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return path;
+}
+
+QString DesktopHome::tool(const QString& name) const
+{
+    return program(at(QStringLiteral("tools/") + name), 10);
 }
 
 QString DesktopHome::flatpak(const QString& id, const QString& name, bool systemWide) const

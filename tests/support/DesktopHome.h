@@ -29,6 +29,9 @@ public:
     QString entry(const QString& dataFolder, const QString& id, const QString& keys) const;
     /// An executable file of `bytes` bytes; returns its path.
     QString program(const QString& path, qint64 bytes = 4096) const;
+    /// A stand-in for a packaging tool in the tool folder (its answers are a scripted runner's);
+    /// returns its full path, as the code names it.
+    QString tool(const QString& name) const;
     /// A Flatpak deployed in an installation, with its exported entry naming it.
     QString flatpak(const QString& id, const QString& name, bool systemWide) const;
 

@@ -55,6 +55,11 @@ AppCatalog::AppCatalog(SystemRoots roots, const Safety& safety, const Privacy& p
                       user.language() == QLocale::Spanish ? user.name() : QStringLiteral("es"));
 }
 
+AppRemoval AppCatalog::removalPlan(const InstalledApp& app) const
+{
+    return AppRemoval::of(app, m_roots.home, m_desktop ? m_desktop->places().toolFolders : QStringList());
+}
+
 AppRemoval AppCatalog::confirmedRemoval(const InstalledApp& app) const
 {
     const AppRemoval plan = removalPlan(app);

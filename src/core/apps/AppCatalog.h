@@ -68,7 +68,7 @@ public:
     [[nodiscard]] QList<CleanItem> orphanedLeftovers() const;
 
     /// How `app` would be removed, from what is known of it; instant.
-    [[nodiscard]] AppRemoval removalPlan(const InstalledApp& app) const { return AppRemoval::of(app, m_roots.home); }
+    [[nodiscard]] AppRemoval removalPlan(const InstalledApp& app) const;
     /// The plan once the packaging has said what the removal would take; blocks on the tool.
     [[nodiscard]] AppRemoval confirmedRemoval(const InstalledApp& app) const;
 

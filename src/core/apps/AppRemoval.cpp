@@ -3,6 +3,7 @@
 #include "core/admin/ShellQuote.h"
 #include "core/apps/PackagingOutput.h"
 #include "core/files/Location.h"
+#include "core/shell/Shell.h"
 #include "core/shell/ToolRunner.h"
 
 #include <chrono>
@@ -13,12 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-CleanItem commandItem(const InstalledApp& app, const QString& home, const QString& program, QStringList arguments)
-{
-    return CleanItem(app.url, app.name, Location::tildePath(app.url, home), app.size.value_or(0),
-                     CleanItem::Command{program, std::move(arguments)});
-}
-
 AppRemoval refused(AppRemoval::Refusal why, QStringList others = {})
 {
     AppRemoval removal;
@@ -27,9 +22,23 @@ AppRemoval refused(AppRemoval::Refusal why, QStringList others = {})
     return removal;
 }
 
+// The packaging's command, by the tool's full path; a missing tool is a refusal, never a guess.
+AppRemoval commandFor(const InstalledApp& app, const QString& home, const QStringList& toolFolders,
+                      const QString& tool, QStringList arguments, bool asAdministrator)
+{
+    const std::optional<QString> program = Shell::which(tool, toolFolders);
+    if (!program)
+        return refused(AppRemoval::Refusal::ToolMissing, {tool});
+    AppRemoval removal;
+    removal.item = CleanItem(app.url, app.name, Location::tildePath(app.url, home), app.size.value_or(0),
+                             CleanItem::Command{*program, std::move(arguments)});
+    removal.asAdministrator = asAdministrator;
+    return removal;
+}
+
 } // namespace
 
-AppRemoval AppRemoval::of(const InstalledApp& app, const QString& home)
+AppRemoval AppRemoval::of(const InstalledApp& app, const QString& home, const QStringList& toolFolders)
 {
     AppRemoval removal;
     const bool namedPlainly = PackagingOutput::isPlainName(app.package);
@@ -52,25 +61,20 @@ AppRemoval AppRemoval::of(const InstalledApp& app, const QString& home)
     case AppOrigin::Flatpak:
         if (!namedPlainly)
             return refused(Refusal::NotPackaged);
-        removal.item = commandItem(app, home, QStringLiteral("flatpak"),
-                                   {QStringLiteral("uninstall"),
-                                    app.systemWide ? QStringLiteral("--system") : QStringLiteral("--user"),
-                                    QStringLiteral("--noninteractive"), QStringLiteral("-y"), app.package});
-        removal.asAdministrator = app.systemWide;
-        return removal;
+        return commandFor(app, home, toolFolders, QStringLiteral("flatpak"),
+                          {QStringLiteral("uninstall"),
+                           app.systemWide ? QStringLiteral("--system") : QStringLiteral("--user"),
+                           QStringLiteral("--noninteractive"), QStringLiteral("-y"), app.package},
+                          app.systemWide);
     case AppOrigin::Snap:
         if (!namedPlainly)
             return refused(Refusal::NotPackaged);
-        removal.item = commandItem(app, home, QStringLiteral("snap"), {QStringLiteral("remove"), app.package});
-        removal.asAdministrator = true;
-        return removal;
+        return commandFor(app, home, toolFolders, QStringLiteral("snap"), {QStringLiteral("remove"), app.package}, true);
     case AppOrigin::Package:
         if (!namedPlainly)
             return refused(Refusal::NotPackaged);
-        removal.item = commandItem(app, home, QStringLiteral("apt-get"),
-                                   {QStringLiteral("remove"), QStringLiteral("-y"), app.package});
-        removal.asAdministrator = true;
-        return removal;
+        return commandFor(app, home, toolFolders, QStringLiteral("apt-get"),
+                          {QStringLiteral("remove"), QStringLiteral("-y"), app.package}, true);
     case AppOrigin::Unmanaged:
         break;
     }
@@ -83,8 +87,8 @@ AppRemoval AppRemoval::confirmed(AppRemoval plan, const InstalledApp& app, const
         return plan;
     // The simulation needs no rights and changes nothing; it lists every package the real
     // removal would take, dependants included.
-    const ShellResult simulated =
-        tools.run(QStringLiteral("apt-get"), {QStringLiteral("-s"), QStringLiteral("remove"), app.package}, 60s);
+    const ShellResult simulated = tools.run(std::get<CleanItem::Command>(plan.item->action).program,
+                                            {QStringLiteral("-s"), QStringLiteral("remove"), app.package}, 60s);
     const QStringList removed = PackagingOutput::removals(simulated.output);
     if (simulated.status != 0 || !removed.contains(app.package))
         return refused(Refusal::PackagingSilent);

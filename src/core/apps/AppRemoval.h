@@ -25,7 +25,9 @@ struct AppRemoval
         /// Its package cannot go alone: `others` would go with it.
         TakesOthers,
         /// The package manager did not say what the removal would take.
-        PackagingSilent
+        PackagingSilent,
+        /// The packaging's tool is not on this machine (`others` names it).
+        ToolMissing
     };
 
     /// The application's own line: the path deleted (with its desktop entry as a companion) or
@@ -36,9 +38,9 @@ struct AppRemoval
     Refusal refusal = Refusal::None;
     QStringList others;
 
-    /// The plan for `app`, read off what is known of it without asking any tool; a package's
-    /// plan still has to be `confirmed`.
-    [[nodiscard]] static AppRemoval of(const InstalledApp& app, const QString& home);
+    /// The plan for `app`, read off what is known of it without asking any tool; the packaging's
+    /// tool is looked for in `toolFolders`. A package's plan still has to be `confirmed`.
+    [[nodiscard]] static AppRemoval of(const InstalledApp& app, const QString& home, const QStringList& toolFolders);
     /// `plan` once the package manager has simulated the removal; other plans come back as they
     /// are. Blocks on the tool: call it from background work.
     [[nodiscard]] static AppRemoval confirmed(AppRemoval plan, const InstalledApp& app, const ToolRunner& tools);

@@ -186,17 +186,21 @@ InstalledApp DesktopApps::describe(const Found& found) const
     return app;
 }
 
+QString DesktopApps::ask(const QString& tool, const QStringList& arguments) const
+{
+    const std::optional<QString> program = Shell::which(tool, m_places.toolFolders);
+    return program ? m_tools.run(*program, arguments, kToolTime).output : QString();
+}
+
 void DesktopApps::addPackaging(QList<InstalledApp>& apps) const
 {
     const auto any = [&apps](AppOrigin origin) {
         return std::any_of(apps.cbegin(), apps.cend(), [origin](const InstalledApp& app) { return app.origin == origin; });
     };
     if (any(AppOrigin::Flatpak)) {
-        const ShellResult listed = m_tools.run(
-            QStringLiteral("flatpak"),
-            {QStringLiteral("list"), QStringLiteral("--app"), QStringLiteral("--columns=application,installation,version")},
-            kToolTime);
-        for (const PackagingOutput::FlatpakApp& flatpak : PackagingOutput::flatpakApps(listed.output)) {
+        const QString listed = ask(QStringLiteral("flatpak"), {QStringLiteral("list"), QStringLiteral("--app"),
+                                                               QStringLiteral("--columns=application,installation,version")});
+        for (const PackagingOutput::FlatpakApp& flatpak : PackagingOutput::flatpakApps(listed)) {
             for (InstalledApp& app : apps) {
                 if (app.origin == AppOrigin::Flatpak && app.package == flatpak.id &&
                     app.systemWide == (flatpak.installation != QLatin1String("user")) && !flatpak.version.isEmpty())
@@ -205,8 +209,8 @@ void DesktopApps::addPackaging(QList<InstalledApp>& apps) const
         }
     }
     if (any(AppOrigin::Snap)) {
-        const ShellResult listed = m_tools.run(QStringLiteral("snap"), {QStringLiteral("list")}, kToolTime);
-        for (const PackagingOutput::Snap& snap : PackagingOutput::snaps(listed.output)) {
+        const QString listed = ask(QStringLiteral("snap"), {QStringLiteral("list")});
+        for (const PackagingOutput::Snap& snap : PackagingOutput::snaps(listed)) {
             for (InstalledApp& app : apps) {
                 if (app.origin != AppOrigin::Snap || app.package != snap.name)
                     continue;
@@ -230,7 +234,7 @@ void DesktopApps::addPackaging(QList<InstalledApp>& apps) const
     systemEntries.sort();
     QStringList arguments{QStringLiteral("-S")};
     const QHash<QString, QStringList> owners =
-        PackagingOutput::owners(m_tools.run(QStringLiteral("dpkg-query"), arguments << systemEntries, kToolTime).output);
+        PackagingOutput::owners(ask(QStringLiteral("dpkg-query"), arguments << systemEntries));
     QStringList packages;
     for (InstalledApp& app : apps) {
         const QStringList owner = owners.value(app.url);
@@ -244,9 +248,9 @@ void DesktopApps::addPackaging(QList<InstalledApp>& apps) const
         return;
     packages.removeDuplicates();
     packages.sort();
-    arguments = {QStringLiteral("-W"), QStringLiteral("-f=${binary:Package}\\t${Version}\\t${Installed-Size}\\n")};
-    for (const PackagingOutput::Package& package : PackagingOutput::packages(
-             m_tools.run(QStringLiteral("dpkg-query"), arguments << packages, kToolTime).output)) {
+    arguments = {QStringLiteral("-W"), QStringLiteral("--showformat=${binary:Package}\\t${Version}\\t${Installed-Size}\\n")};
+    for (const PackagingOutput::Package& package :
+         PackagingOutput::packages(ask(QStringLiteral("dpkg-query"), arguments << packages))) {
         for (InstalledApp& app : apps) {
             if (app.origin != AppOrigin::Package || app.package != package.name)
                 continue;

@@ -39,6 +39,8 @@ public:
     /// safety gate and outside the folders privacy keeps closed.
     [[nodiscard]] QList<CleanItem> leftovers(const InstalledApp& app) const;
 
+    [[nodiscard]] const DesktopPlaces& places() const { return m_places; }
+
 private:
     struct Found
     {
@@ -55,6 +57,8 @@ private:
     [[nodiscard]] InstalledApp describe(const Found& found) const;
     void addPackaging(QList<InstalledApp>& apps) const;
     [[nodiscard]] QString resolved(const QString& program) const;
+    /// What `tool` printed, by its full path; nothing when the tool is not on this machine.
+    [[nodiscard]] QString ask(const QString& tool, const QStringList& arguments) const;
     /// The place in `flatpakInstallations` of the installation an entry under `folder` with the
     /// Flatpak id `id` belongs to; -1 for none.
     [[nodiscard]] qsizetype flatpakInstallation(const QString& folder, const QString& id) const;

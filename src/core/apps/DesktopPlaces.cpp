@@ -26,6 +26,7 @@ DesktopPlaces DesktopPlaces::forHome(const QString& home, const std::function<QS
     places.programFolders = qEnvironmentVariable("PATH").split(QLatin1Char(':'), Qt::SkipEmptyParts);
     places.programFolders << QString::fromUtf8(Shell::kToolSearchPath).split(QLatin1Char(':'));
     places.programFolders.removeDuplicates();
+    places.toolFolders = Shell::whichFolders();
 
     places.dataFolders = {places.userData};
     QStringList system = environment("XDG_DATA_DIRS").split(QLatin1Char(':'), Qt::SkipEmptyParts);

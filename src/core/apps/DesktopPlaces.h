@@ -22,6 +22,9 @@ struct DesktopPlaces
     QStringList flatpakInstallations;
     /// Where a command named without a folder is looked for (the session's PATH).
     QStringList programFolders;
+    /// Where the packaging tools (dpkg-query, apt-get, flatpak, snap) are looked for; a tool found
+    /// nowhere is never run.
+    QStringList toolFolders;
     /// Where snapd exports the snaps' desktop entries, keeps their files and mounts them.
     QString snapEntries = QStringLiteral("/var/lib/snapd/desktop");
     QString snapFiles = QStringLiteral("/var/lib/snapd/snaps");

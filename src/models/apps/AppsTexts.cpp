@@ -173,6 +173,8 @@ QString refusal(const AppRemoval& removal, const InstalledApp& app)
     }
     case AppRemoval::Refusal::PackagingSilent:
         return QStringLiteral("Nubo no la desinstala: el gestor de paquetes no ha dicho qué se quitaría con ella.");
+    case AppRemoval::Refusal::ToolMissing:
+        return QStringLiteral("Nubo no la desinstala: falta %1 en este equipo.").arg(removal.others.value(0));
     }
     return {};
 }

@@ -191,8 +191,9 @@ TEST_F(LinuxAppsViewsTest, APackageThatWouldTakeOthersShowsWhyAndCannotBeUninsta
                      QStringLiteral("Name=Editor\nExec=") + image + QStringLiteral("\nX-AppImage-Version=2.1"));
     const QString entry = m_desktop->entry(m_desktop->systemData(), QStringLiteral("obconf.desktop"),
                                            QStringLiteral("Name=Openbox Configuration\nName[es]=Configuración de Openbox\nExec=obconf"));
-    m_tools.answer(QStringLiteral("dpkg-query"), {QStringLiteral("-S"), entry}, {0, QStringLiteral("obconf: ") + entry});
-    m_tools.answer(QStringLiteral("apt-get"), {QStringLiteral("-s"), QStringLiteral("remove"), QStringLiteral("obconf")},
+    m_tools.answer(m_desktop->tool(QStringLiteral("dpkg-query")), {QStringLiteral("-S"), entry},
+                   {0, QStringLiteral("obconf: ") + entry});
+    m_tools.answer(m_desktop->tool(QStringLiteral("apt-get")), {QStringLiteral("-s"), QStringLiteral("remove"), QStringLiteral("obconf")},
                    {0, QStringLiteral("Remv obconf [1:2.0.4]\nRemv openbox-menu [0.8]\n")});
 
     // Seen in the dark appearance, the light one being the Mac screen's above.

@@ -161,17 +161,19 @@ TEST_F(DesktopAppsTest, ListsWhatAMenuShowsEachWithWhereItCameFrom)
     desktop.entry(desktop.systemData(), u"blank.desktop"_s, u"Exec=blank"_s);
 
     const QString systemEntries = desktop.systemData() + u"/applications/"_s;
-    tools.answer(u"dpkg-query"_s,
+    const QString dpkg = desktop.tool(u"dpkg-query"_s);
+    tools.answer(dpkg,
                  {u"-S"_s, systemEntries + u"kde/local.desktop"_s, systemEntries + u"obconf.desktop"_s,
                   systemEntries + u"vim.desktop"_s},
                  {1, u"obconf: "_s + systemEntries + u"obconf.desktop\nvim-common: "_s + systemEntries +
                          u"vim.desktop\ndpkg-query: no path found matching pattern x\n"_s});
-    tools.answer(u"dpkg-query"_s,
-                 {u"-W"_s, u"-f=${binary:Package}\\t${Version}\\t${Installed-Size}\\n"_s, u"obconf"_s, u"vim-common"_s},
+    tools.answer(dpkg,
+                 {u"-W"_s, u"--showformat=${binary:Package}\\t${Version}\\t${Installed-Size}\\n"_s, u"obconf"_s,
+                  u"vim-common"_s},
                  {0, u"obconf\t1:2.0.4\t898\nvim-common\t2:9.0\t420\n"_s});
-    tools.answer(u"flatpak"_s, {u"list"_s, u"--app"_s, u"--columns=application,installation,version"_s},
+    tools.answer(desktop.tool(u"flatpak"_s), {u"list"_s, u"--app"_s, u"--columns=application,installation,version"_s},
                  {0, u"org.gnome.Maps\tsystem\t45.1\ncom.example.Tool\tuser\t\n"_s});
-    tools.answer(u"snap"_s, {u"list"_s}, {0, u"Name Version Rev Tracking Publisher Notes\nfirefox 119.0 3358 latest/stable mozilla -\n"_s});
+    tools.answer(desktop.tool(u"snap"_s), {u"list"_s}, {0, u"Name Version Rev Tracking Publisher Notes\nfirefox 119.0 3358 latest/stable mozilla -\n"_s});
 
     const QList<InstalledApp> apps = catalog().load();
     EXPECT_EQ(column(apps, &InstalledApp::name),
@@ -243,26 +245,30 @@ TEST_F(DesktopAppsTest, EachKindIsRemovedByItsOwnPackagingAndAPackageOnlyWhenItG
         made.payload = u"/home/ana/Apps/X.AppImage"_s;
         return made;
     };
+    const QStringList folders = desktop.places().toolFolders;
+    const QString flatpak = desktop.tool(u"flatpak"_s), apt = desktop.tool(u"apt-get"_s);
     const struct
     {
         InstalledApp app;
         QString commandLine;
         bool asAdministrator;
     } commands[] = {
-        {app(AppOrigin::Flatpak, u"org.gnome.Maps"_s), u"'flatpak' 'uninstall' '--user' '--noninteractive' '-y' 'org.gnome.Maps'"_s, false},
-        {app(AppOrigin::Flatpak, u"org.gnome.Maps"_s, true), u"'flatpak' 'uninstall' '--system' '--noninteractive' '-y' 'org.gnome.Maps'"_s, true},
-        {app(AppOrigin::Snap, u"firefox"_s), u"'snap' 'remove' 'firefox'"_s, true},
-        {app(AppOrigin::Package, u"obconf"_s), u"'apt-get' 'remove' '-y' 'obconf'"_s, true},
+        {app(AppOrigin::Flatpak, u"org.gnome.Maps"_s), u"'%1' 'uninstall' '--user' '--noninteractive' '-y' 'org.gnome.Maps'"_s.arg(flatpak), false},
+        {app(AppOrigin::Flatpak, u"org.gnome.Maps"_s, true), u"'%1' 'uninstall' '--system' '--noninteractive' '-y' 'org.gnome.Maps'"_s.arg(flatpak), true},
+        {app(AppOrigin::Package, u"obconf"_s), u"'%1' 'remove' '-y' 'obconf'"_s.arg(apt), true},
     };
     for (const auto& [made, line, admin] : commands) {
-        const AppRemoval plan = AppRemoval::of(made, u"/home/ana"_s);
+        const AppRemoval plan = AppRemoval::of(made, u"/home/ana"_s, folders);
         EXPECT_EQ(std::tuple(plan.commandLine(), plan.asAdministrator), std::tuple(line, admin));
     }
-    // Nothing that could be read as an option or a second word ever reaches a tool.
+    // Nothing that could be read as an option or a second word ever reaches a tool, and a tool
+    // that is not there is named rather than guessed at.
     for (const QString& bad : {u"-rf"_s, u"a b"_s, u"x;reboot"_s, QString()})
-        EXPECT_EQ(AppRemoval::of(app(AppOrigin::Package, bad), {}).refusal, AppRemoval::Refusal::NotPackaged);
-    EXPECT_FALSE(AppRemoval::of(app(AppOrigin::Unmanaged, {}), {}).item.has_value());
-    const AppRemoval appImage = AppRemoval::of(app(AppOrigin::AppImage, {}), u"/home/ana"_s);
+        EXPECT_EQ(AppRemoval::of(app(AppOrigin::Package, bad), {}, folders).refusal, AppRemoval::Refusal::NotPackaged);
+    const AppRemoval noSnap = AppRemoval::of(app(AppOrigin::Snap, u"firefox"_s), {}, folders);
+    EXPECT_EQ(std::tuple(noSnap.refusal, noSnap.others), std::tuple(AppRemoval::Refusal::ToolMissing, QStringList{u"snap"_s}));
+    EXPECT_FALSE(AppRemoval::of(app(AppOrigin::Unmanaged, {}), {}, folders).item.has_value());
+    const AppRemoval appImage = AppRemoval::of(app(AppOrigin::AppImage, {}), u"/home/ana"_s, folders);
     EXPECT_EQ(std::tuple(appImage.item->url(), appImage.item->companions, appImage.asAdministrator),
               std::tuple(std::optional(u"/home/ana/Apps/X.AppImage"_s), QStringList{u"/usr/share/applications/x.desktop"_s}, false));
 
@@ -279,9 +285,9 @@ TEST_F(DesktopAppsTest, EachKindIsRemovedByItsOwnPackagingAndAPackageOnlyWhenItG
         {{-1, {}}, AppRemoval::Refusal::PackagingSilent, {}},
     };
     for (const auto& [simulated, refusal, others] : packages) {
-        tools.answer(u"apt-get"_s, simulate, simulated);
+        tools.answer(apt, simulate, simulated);
         const InstalledApp package = app(AppOrigin::Package, u"obconf"_s);
-        const AppRemoval confirmed = AppRemoval::confirmed(AppRemoval::of(package, {}), package, tools);
+        const AppRemoval confirmed = AppRemoval::confirmed(AppRemoval::of(package, {}, folders), package, tools);
         EXPECT_EQ(std::tuple(confirmed.refusal, confirmed.others, confirmed.item.has_value()),
                   std::tuple(refusal, others, refusal == AppRemoval::Refusal::None));
     }

@@ -262,8 +262,9 @@ protected:
         file(u"home/.var/app/org.gnome.Maps/data"_s, 8'000);
         const QString entry = m_desktop->entry(m_desktop->systemData(), u"obconf.desktop"_s, u"Name=Obconf\nExec=obconf"_s);
         file(u"home/.config/obconf/rc.xml"_s, 3'000);
-        m_tools.answer(u"dpkg-query"_s, {u"-S"_s, entry}, {0, u"obconf: "_s + entry});
-        m_tools.answer(u"apt-get"_s, {u"-s"_s, u"remove"_s, u"obconf"_s},
+        m_desktop->tool(u"flatpak"_s);
+        m_tools.answer(m_desktop->tool(u"dpkg-query"_s), {u"-S"_s, entry}, {0, u"obconf: "_s + entry});
+        m_tools.answer(m_desktop->tool(u"apt-get"_s), {u"-s"_s, u"remove"_s, u"obconf"_s},
                        {0, u"The following packages will be REMOVED:\n  obconf\nRemv obconf [1:2.0.4]\n"_s});
     }
 
@@ -295,8 +296,10 @@ TEST_F(LinuxAppsModelTest, ThePackagingRemovesTheAppFirstAndItsDataOnlyGoesOnceI
     } cases[] = {
         {"Mapas", false, "home/.var/app/org.gnome.Maps", u"flatpak uninstall org.gnome.Maps"_s, {}},
         {"Mapas", true, "home/.var/app/org.gnome.Maps", u"flatpak uninstall org.gnome.Maps"_s, {}},
-        {"Obconf", false, "home/.config/obconf", u"apt-get remove obconf"_s, {u"'apt-get' 'remove' '-y' 'obconf'"_s}},
-        {"Obconf", true, "home/.config/obconf", u"apt-get remove obconf"_s, {u"'apt-get' 'remove' '-y' 'obconf'"_s}},
+        {"Obconf", false, "home/.config/obconf", u"apt-get remove obconf"_s,
+         {u"'"_s + m_desktop->at(u"tools/apt-get' 'remove' '-y' 'obconf'"_s)}},
+        {"Obconf", true, "home/.config/obconf", u"apt-get remove obconf"_s,
+         {u"'"_s + m_desktop->at(u"tools/apt-get' 'remove' '-y' 'obconf'"_s)}},
     };
     for (const auto& step : cases) {
         SCOPED_TRACE(std::string(step.app) + (step.succeeds ? " removed" : " refused"));
@@ -320,7 +323,7 @@ TEST_F(LinuxAppsModelTest, ThePackagingRemovesTheAppFirstAndItsDataOnlyGoesOnceI
 // A package that would take others with it is not offered, and the detail says which.
 TEST_F(LinuxAppsModelTest, APackageThatWouldTakeOthersIsNotOfferedAndTheDetailSaysWhy)
 {
-    m_tools.answer(u"apt-get"_s, {u"-s"_s, u"remove"_s, u"obconf"_s},
+    m_tools.answer(m_desktop->tool(u"apt-get"_s), {u"-s"_s, u"remove"_s, u"obconf"_s},
                    {0, u"Remv openbox [3.6]\nRemv obconf [1:2.0.4]\nRemv lxde [11]\n"_s});
     choose(u"Obconf"_s);
     EXPECT_EQ(apps().removalRefusal(),
