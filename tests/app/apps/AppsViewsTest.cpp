@@ -216,7 +216,11 @@ TEST_F(LinuxAppsViewsTest, APackageThatWouldTakeOthersShowsWhyAndCannotBeUninsta
         snapshots(window, name == QStringLiteral("Mapas") ? QStringLiteral("apps-linux-flatpak")
                                                            : QStringLiteral("apps-linux-refused"));
     }
-    EXPECT_TRUE(named(window, QStringLiteral("removalRefusal")).isVisible());
+    EXPECT_EQ(text(named(window, QStringLiteral("removalRefusal"))),
+              QStringLiteral("Nubo no la desinstala: quitar el paquete obconf quitaría también openbox-menu."));
     EXPECT_FALSE(named(window, QStringLiteral("uninstallButton")).isEnabled());
+    // Nor can the model be made to: nothing starts and no command is run.
+    state().apps()->uninstall();
+    EXPECT_FALSE(state().apps()->isRemoving() || !adminCommands().isEmpty() || !m_commandsRun.isEmpty());
     QGuiApplication::setPalette(light);
 }

@@ -319,18 +319,3 @@ TEST_F(LinuxAppsModelTest, ThePackagingRemovesTheAppFirstAndItsDataOnlyGoesOnceI
         EXPECT_EQ(state().toast()->failures, step.succeeds ? 0 : 1);
     }
 }
-
-// A package that would take others with it is not offered, and the detail says which.
-TEST_F(LinuxAppsModelTest, APackageThatWouldTakeOthersIsNotOfferedAndTheDetailSaysWhy)
-{
-    m_tools.answer(m_desktop->tool(u"apt-get"_s), {u"-s"_s, u"remove"_s, u"obconf"_s},
-                   {0, u"Remv openbox [3.6]\nRemv obconf [1:2.0.4]\nRemv lxde [11]\n"_s});
-    choose(u"Obconf"_s);
-    EXPECT_EQ(apps().removalRefusal(),
-              u"Nubo no la desinstala: quitar el paquete obconf quitaría también openbox y lxde."_s);
-    EXPECT_EQ(apps().removalCount(), 0);
-    apps().uninstall();
-    EXPECT_FALSE(apps().isRemoving());
-    EXPECT_TRUE(adminCommands().isEmpty());
-    EXPECT_TRUE(exists(u"home/.config/obconf/rc.xml"_s));
-}
