@@ -29,7 +29,13 @@ Rectangle {
         anchors.rightMargin: Theme.spacing
         spacing: Theme.spacing + 4
 
-        AppGlyph { name: row.app.name || "" }
+        AppIcon {
+            implicitWidth: Theme.appGlyphSize
+            implicitHeight: Theme.appGlyphSize
+            source: row.app.iconSource || ""
+            initial: row.app.initial || ""
+            hue: row.app.hue || 0
+        }
         Text {
             objectName: "appName"
             Layout.fillWidth: true

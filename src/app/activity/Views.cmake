@@ -3,7 +3,6 @@ list(APPEND nubo_qml_files
     activity/ActivityView.qml
     activity/ActivityRow.qml
     activity/AppActions.qml
-    activity/AppGlyph.qml
     activity/AppMenu.qml
     activity/AppMenuItem.qml
     activity/CapsuleButton.qml

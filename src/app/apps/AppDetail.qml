@@ -21,9 +21,10 @@ Item {
         RowLayout {
             Layout.fillWidth: true
             spacing: Theme.spacingLarge
-            AppTile {
+            AppIcon {
                 implicitWidth: Theme.appsDetailIcon
                 implicitHeight: Theme.appsDetailIcon
+                source: detail.app.iconSource !== undefined ? detail.app.iconSource : ""
                 initial: detail.app.initial !== undefined ? detail.app.initial : ""
                 hue: detail.app.hue !== undefined ? detail.app.hue : 0
             }

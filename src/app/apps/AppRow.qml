@@ -25,9 +25,8 @@ Rectangle {
         anchors.rightMargin: Theme.spacingLarge - 4
         spacing: Theme.spacingLarge - 4
 
-        AppTile {
-            implicitWidth: 32
-            implicitHeight: 32
+        AppIcon {
+            source: row.app.iconSource
             initial: row.app.initial
             hue: row.app.hue
         }

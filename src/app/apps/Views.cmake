@@ -1,7 +1,6 @@
 # The apps screen: the list of applications, the chosen one's detail and its removal list.
 list(APPEND nubo_qml_files
     apps/AppsView.qml
-    apps/AppTile.qml
     apps/AppTag.qml
     apps/AppRow.qml
     apps/AppsEmptyDetail.qml

@@ -1,6 +1,6 @@
 import QtQuick
 
-// An item's icon: the tile of the application it belongs to when known, otherwise a folder,
+// An item's icon: the icon of the application it belongs to when known, otherwise a folder,
 // a file or a command symbol.
 Item {
     id: icon
@@ -8,14 +8,16 @@ Item {
     property string symbol: "doc.fill"
     property string appInitial
     property real appHue: 0
+    property string appIconSource
     property int size: 28
 
     implicitWidth: size
     implicitHeight: size
 
-    AppTile {
+    AppIcon {
         anchors.fill: parent
         visible: icon.appInitial.length > 0
+        source: icon.appIconSource
         initial: icon.appInitial
         hue: icon.appHue
     }

@@ -37,6 +37,7 @@ Rectangle {
             symbol: row.entry.symbol
             appInitial: row.entry.appInitial
             appHue: row.entry.appHue
+            appIconSource: row.entry.appIconSource
         }
 
         ColumnLayout {

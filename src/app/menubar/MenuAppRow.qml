@@ -28,19 +28,12 @@ Rectangle {
         anchors.rightMargin: 2
         spacing: Theme.spacing
 
-        Rectangle {
+        AppIcon {
             Layout.preferredWidth: 20
             Layout.preferredHeight: 20
-            radius: 5
-            color: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.16)
-            Text {
-                anchors.centerIn: parent
-                text: row.app.initial
-                color: Theme.accent
-                font.family: Theme.fontFamily
-                font.pixelSize: 11
-                font.weight: Font.Bold
-            }
+            source: row.app.iconSource || ""
+            initial: row.app.initial || ""
+            hue: row.app.hue || 0
         }
         Text {
             Layout.fillWidth: true

@@ -27,11 +27,12 @@ Rectangle {
         Item {
             implicitWidth: 28
             implicitHeight: 28
-            AppGlyph {
-                anchors.centerIn: parent
+            AppIcon {
+                anchors.fill: parent
                 visible: (row.item.appURL || "").length > 0
-                name: row.item.name || ""
-                size: 28
+                source: row.item.iconSource || ""
+                initial: row.item.initial || ""
+                hue: row.item.hue || 0
             }
             Rectangle {
                 anchors.fill: parent

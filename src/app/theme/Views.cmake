@@ -6,5 +6,7 @@ list(APPEND nubo_qml_files
     theme/UsageBar.qml
     theme/CheckCircle.qml
     theme/DeleteConfirmation.qml
-    theme/ActionButton.qml)
+    theme/ActionButton.qml
+    theme/AppTile.qml
+    theme/AppIcon.qml)
 set_source_files_properties(theme/Theme.qml PROPERTIES QT_QML_SINGLETON_TYPE TRUE)

@@ -2,7 +2,9 @@
 
 #include "models/app/AppState.h"
 #include "models/app/ShellController.h"
+#include "app/icons/AppIconProvider.h"
 #include "app/icons/SymbolImageProvider.h"
+#include "platform/AppIcons.h"
 #include "platform/SymbolImages.h"
 
 #include <QGuiApplication>
@@ -17,10 +19,11 @@ Q_IMPORT_QML_PLUGIN(NuboUiPlugin)
 
 namespace nubo::UiEngine {
 
-void configure(QQmlApplicationEngine& engine)
+void configure(QQmlApplicationEngine& engine, std::shared_ptr<const AppIcons> icons)
 {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider(makeSymbolImages()));
+    engine.addImageProvider(QStringLiteral("appicon"), new AppIconProvider(icons ? std::move(icons) : makeAppIcons()));
 }
 
 QQuickWindow* loadMainWindow(QQmlApplicationEngine& engine, AppState& state, ShellController* shell)

@@ -1,4 +1,5 @@
 #include "models/activity/ActivityAppList.h"
+#include "models/apps/AppsTexts.h"
 
 #include "models/activity/ActivityModel.h"
 
@@ -47,14 +48,17 @@ QVariant ActivityAppList::data(const QModelIndex& index, int role) const
         return app.isHidden;
     case Role::IsActive:
         return app.isActive;
-    case Role::App:
-        return QVariantMap{{QStringLiteral("pid"), app.pid},
-                           {QStringLiteral("name"), app.name},
-                           {QStringLiteral("bundleURL"), app.bundleURL},
-                           {QStringLiteral("cpu"), app.cpu},
-                           {QStringLiteral("memory"), app.memory},
-                           {QStringLiteral("isHidden"), app.isHidden},
-                           {QStringLiteral("isActive"), app.isActive}};
+    case Role::App: {
+        QVariantMap map = AppsTexts::badge(app.name, app.bundleURL);
+        map.insert({{QStringLiteral("pid"), app.pid},
+                    {QStringLiteral("name"), app.name},
+                    {QStringLiteral("bundleURL"), app.bundleURL},
+                    {QStringLiteral("cpu"), app.cpu},
+                    {QStringLiteral("memory"), app.memory},
+                    {QStringLiteral("isHidden"), app.isHidden},
+                    {QStringLiteral("isActive"), app.isActive}});
+        return map;
+    }
     }
     return {};
 }

@@ -1,4 +1,5 @@
 #include "models/activity/ActivityModel.h"
+#include "models/apps/AppsTexts.h"
 
 #include "core/format/CheckedMath.h"
 #include "platform/Accessibility.h"
@@ -65,13 +66,15 @@ namespace {
 
 QVariantMap toVariant(const AppUsage& app)
 {
-    return {{QStringLiteral("pid"), app.pid},
-            {QStringLiteral("name"), app.name},
-            {QStringLiteral("bundleURL"), app.bundleURL},
-            {QStringLiteral("cpu"), app.cpu},
-            {QStringLiteral("memory"), app.memory},
-            {QStringLiteral("isHidden"), app.isHidden},
-            {QStringLiteral("isActive"), app.isActive}};
+    QVariantMap map = AppsTexts::badge(app.name, app.bundleURL);
+    map.insert({{QStringLiteral("pid"), app.pid},
+                {QStringLiteral("name"), app.name},
+                {QStringLiteral("bundleURL"), app.bundleURL},
+                {QStringLiteral("cpu"), app.cpu},
+                {QStringLiteral("memory"), app.memory},
+                {QStringLiteral("isHidden"), app.isHidden},
+                {QStringLiteral("isActive"), app.isActive}});
+    return map;
 }
 
 QVariantList toVariant(const QList<AppUsage>& apps)

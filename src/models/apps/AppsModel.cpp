@@ -109,7 +109,8 @@ QVariantList AppsModel::visibleMaps() const
     QVariantList rows;
     const QLocale spanish(QLocale::Spanish, QLocale::Spain);
     for (const InstalledApp& app : visible()) {
-        rows.append(QVariantMap{
+        QVariantMap row = AppsTexts::badge(app.name, app.url);
+        row.insert(QVariantMap{
             {QStringLiteral("id"), app.url},
             {QStringLiteral("name"), CleanTexts::oneLine(app.name)},
             {QStringLiteral("version"), app.version.value_or(QString())},
@@ -121,9 +122,8 @@ QVariantList AppsModel::visibleMaps() const
              app.lastUsed ? spanish.toString(app.lastUsed->toLocalTime().date(), QLocale::ShortFormat)
                           : QString()},
             {QStringLiteral("lastUsedText"), AppsTexts::lastUsedLine(app.lastUsed)},
-            {QStringLiteral("initial"), AppsTexts::initial(app.name)},
-            {QStringLiteral("hue"), AppsTexts::tileHue(app.name)},
         });
+        rows.append(row);
     }
     return rows;
 }
@@ -255,17 +255,17 @@ QVariantMap AppsModel::selectedApp() const
     const auto app = selected();
     if (!app)
         return {};
-    return {
+    QVariantMap map = AppsTexts::badge(app->name, app->url);
+    map.insert({
         {QStringLiteral("id"), app->url},
         {QStringLiteral("name"), CleanTexts::oneLine(app->name)},
-        {QStringLiteral("initial"), AppsTexts::initial(app->name)},
-        {QStringLiteral("hue"), AppsTexts::tileHue(app->name)},
         {QStringLiteral("versionLine"), AppsTexts::versionLine(app->version)},
         {QStringLiteral("isStore"), app->isStore},
         {QStringLiteral("originTag"), AppsTexts::originTag(*app)},
         {QStringLiteral("sizeText"), app->size ? Bytes::string(*app->size) : QString()},
         {QStringLiteral("detail"), CleanTexts::oneLine(Location::tildePath(app->url, m_services->home))},
-    };
+    });
+    return map;
 }
 
 void AppsModel::refreshRunning()

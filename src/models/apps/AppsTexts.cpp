@@ -3,6 +3,7 @@
 #include "core/files/Location.h"
 #include "core/format/Bytes.h"
 #include "models/text/Counts.h"
+#include "models/text/IconSource.h"
 
 #include <QHash>
 #include <QLocale>
@@ -205,6 +206,13 @@ double tileHue(const QString& name)
         hash *= 16777619u;
     }
     return double(hash % 360u) / 360.0;
+}
+
+QVariantMap badge(const QString& name, const QString& path)
+{
+    return {{QStringLiteral("iconSource"), IconSource::of(path)},
+            {QStringLiteral("initial"), initial(name)},
+            {QStringLiteral("hue"), tileHue(name)}};
 }
 
 } // namespace nubo::AppsTexts

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QVariantMap>
 #include <optional>
 
 namespace nubo::AppsTexts {
@@ -47,5 +48,8 @@ namespace nubo::AppsTexts {
 [[nodiscard]] QString initial(const QString& name);
 /// The hue (0 to 1) of that tile: the same name always gets the same colour, on every run.
 [[nodiscard]] double tileHue(const QString& name);
+/// What a view needs to draw an application's icon: "iconSource" (the system's picture of
+/// `path`), and "initial" and "hue" for the tile shown where there is none.
+[[nodiscard]] QVariantMap badge(const QString& name, const QString& path);
 
 } // namespace nubo::AppsTexts

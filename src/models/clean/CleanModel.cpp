@@ -1,4 +1,5 @@
 #include "models/clean/CleanModel.h"
+#include "models/text/IconSource.h"
 
 #include "core/cleanup/CleanCatalog.h"
 #include "core/cleanup/CleanGroup.h"
@@ -292,6 +293,7 @@ QVariantMap CleanModel::itemMap(const CleanItem& item) const
         {QStringLiteral("appInitial"),
          item.appURL ? AppsTexts::initial(bundleName(*item.appURL)) : QString()},
         {QStringLiteral("appHue"), item.appURL ? AppsTexts::tileHue(bundleName(*item.appURL)) : 0.0},
+        {QStringLiteral("appIconSource"), item.appURL ? IconSource::of(*item.appURL) : QString()},
         {QStringLiteral("canReveal"), !revealUrl(item).isEmpty()},
     };
 }

@@ -1,4 +1,5 @@
 #include "models/menubar/MenuBarSummary.h"
+#include "models/apps/AppsTexts.h"
 
 #include "models/activity/ActivityModel.h"
 #include "models/app/AppState.h"
@@ -85,15 +86,13 @@ QVariantList MenuBarSummary::topApps() const
     const bool byMemory = m_activity->sort() == ActivityModel::Sort::memory;
     const QList<AppUsage> sorted = m_activity->sorted();
     for (const AppUsage& app : sorted.mid(0, kTopApps)) {
-        // A name may start with a character outside the basic plane; never split its pair.
-        const qsizetype first = !app.name.isEmpty() && app.name.at(0).isHighSurrogate() ? 2 : 1;
-        rows.append(QVariantMap{{QStringLiteral("pid"), app.pid},
-                                {QStringLiteral("name"), app.name},
-                                {QStringLiteral("bundleURL"), app.bundleURL},
-                                {QStringLiteral("isHidden"), app.isHidden},
-                                // The first letter, upper-cased, for the row's badge when no icon is drawn.
-                                {QStringLiteral("initial"), app.name.left(first).toUpper()},
-                                {QStringLiteral("figure"), MenuBarTexts::figure(byMemory, app.cpu, app.memory)}});
+        QVariantMap row = AppsTexts::badge(app.name, app.bundleURL);
+        row.insert({{QStringLiteral("pid"), app.pid},
+                    {QStringLiteral("name"), app.name},
+                    {QStringLiteral("bundleURL"), app.bundleURL},
+                    {QStringLiteral("isHidden"), app.isHidden},
+                    {QStringLiteral("figure"), MenuBarTexts::figure(byMemory, app.cpu, app.memory)}});
+        rows.append(row);
     }
     return rows;
 }

@@ -1,4 +1,5 @@
 #include "models/performance/PerformanceModel.h"
+#include "models/apps/AppsTexts.h"
 
 #include "models/app/Notify.h"
 #include "models/performance/PerformanceTexts.h"
@@ -21,7 +22,8 @@ QVariantList PerformanceModel::itemsList() const
     QVariantList list;
     list.reserve(m_items.size());
     for (const LaunchItem& item : m_items) {
-        list << QVariantMap{{QStringLiteral("url"), item.url},
+        QVariantMap row = item.appURL ? AppsTexts::badge(item.name, *item.appURL) : QVariantMap();
+        row.insert({{QStringLiteral("url"), item.url},
                             {QStringLiteral("label"), item.label},
                             {QStringLiteral("program"), item.program},
                             {QStringLiteral("scope"), LaunchItem::scopeLabel(item.scope)},
@@ -30,7 +32,8 @@ QVariantList PerformanceModel::itemsList() const
                             {QStringLiteral("name"), item.name},
                             {QStringLiteral("appURL"), item.appURL.value_or(QString())},
                             {QStringLiteral("needsAdmin"), item.needsAdmin()},
-                            {QStringLiteral("details"), PerformanceTexts::details(item)}};
+                            {QStringLiteral("details"), PerformanceTexts::details(item)}});
+        list << row;
     }
     return list;
 }

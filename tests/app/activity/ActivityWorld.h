@@ -27,7 +27,8 @@ protected:
         EXPECT_TRUE(Jobs::waitForAll(std::chrono::seconds(10)));
     }
 
-    /// A regular app running from /Applications/<name>.app with a footprint of `memory` bytes.
+    /// A regular app running from /Applications/<name>.app with a footprint of `memory` bytes;
+    /// the system draws an icon for Safari, and a tile stands for the others.
     RunningApplication& app(qint64 pid, const QString& name, quint64 memory)
     {
         RunningApplication running;
@@ -36,6 +37,8 @@ protected:
         running.bundlePath = QStringLiteral("/Applications/") + name + QStringLiteral(".app");
         running.regular = true;
         m_workspace.running << running;
+        if (name == QLatin1String("Safari"))
+            m_icons->known.insert(running.bundlePath, QColor(0x1E, 0x90, 0xFF));
         m_table.add(qint32(pid), (running.bundlePath + QStringLiteral("/Contents/MacOS/main")).toUtf8(), 0, memory);
         return m_workspace.running.last();
     }

@@ -34,6 +34,7 @@ protected:
         m_metadata.lastUsed.insert(path(QStringLiteral("Applications/Utilities/Terminal Pro.app")),
                                    now.addDays(-60));
         m_metadata.lastUsed.insert(path(QStringLiteral("home/Applications/Zeta.app")), now.addDays(-100));
+        m_icons->known.insert(writer(), QColor(0x34, 0x78, 0xF6));
     }
 
     AppsModel& apps() { return *state().apps(); }
@@ -88,6 +89,11 @@ TEST_F(AppsViewsTest, WalkThroughTheScreen)
     EXPECT_EQ(visibleNamed(window, QStringLiteral("appRow")).size(), 5);
     EXPECT_TRUE(named(window, QStringLiteral("appsEmptyDetail")).isVisible());
     snapshots(window, QStringLiteral("apps-list"));
+    // Writer has the system's icon; the others, which the system draws none for, keep a tile.
+    for (QQuickItem* row : visibleNamed(window, QStringLiteral("appRow"))) {
+        const QString name = row->property("app").toMap().value(QStringLiteral("name")).toString();
+        EXPECT_EQ(in(row, "appIconPicture")->isVisible(), name == QStringLiteral("Writer")) << name.toStdString();
+    }
 
     // Typing into the search field, as a user does: accents and case do not matter.
     click(named(window, QStringLiteral("appsSearch")));

@@ -47,7 +47,7 @@ void UiWorld::SetUp()
     g_warnings.clear();
     m_previousHandler = qInstallMessageHandler(collectWarnings);
     m_engine = std::make_unique<QQmlApplicationEngine>();
-    UiEngine::configure(*m_engine);
+    UiEngine::configure(*m_engine, m_icons);
 }
 
 void UiWorld::TearDown()

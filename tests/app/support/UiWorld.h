@@ -1,6 +1,7 @@
 #pragma once
 
 #include "models/support/ModelWorld.h"
+#include "platform/fake/FakeAppIcons.h"
 
 #include <QImage>
 #include <QQmlApplicationEngine>
@@ -68,6 +69,8 @@ protected:
     /// The system's palette as a dark appearance sets it, from the light one.
     static QPalette darkPalette();
 
+    /// The system's pictures of applications, by path; an application without one shows its tile.
+    std::shared_ptr<FakeAppIcons> m_icons = std::make_shared<FakeAppIcons>();
     std::unique_ptr<QQmlApplicationEngine> m_engine;
 
 private:
