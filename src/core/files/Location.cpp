@@ -4,7 +4,9 @@
 #include "core/files/Home.h"
 #include "core/format/CheckedMath.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QTimeZone>
 
 #include <fts.h>
 #include <sys/stat.h>
@@ -79,7 +81,9 @@ std::optional<QDateTime> dateOf(const QString& path, Stamp which)
     const timespec& stamp = which == Stamp::Modified ? info.st_mtim : info.st_atim;
 #endif
     const qint64 ms = static_cast<qint64>(stamp.tv_sec) * 1000 + stamp.tv_nsec / 1'000'000;
-    return QDateTime::fromMSecsSinceEpoch(ms);
+    // In UTC: a date read off the disk in background work never asks the C library for the local
+    // zone while the interface thread may be asking it too; views convert it for display.
+    return QDateTime::fromMSecsSinceEpoch(ms, QTimeZone::utc());
 }
 
 } // namespace

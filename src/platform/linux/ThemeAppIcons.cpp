@@ -37,11 +37,16 @@ QImage load(const QString& file, int pixels)
     return reader.read();
 }
 
-// The folders a theme keeps application icons in at one size, in both layouts themes use.
-QStringList sizeFolders(int size)
+// The folders a theme keeps icons in at one size, in both layouts themes use: applications'
+// own first, then the file types', where the generic program icon lives.
+QStringList sizeFolders(const QString& side)
 {
-    const QString side = QString::number(size);
-    return {side + QLatin1Char('x') + side + QStringLiteral("/apps"), QStringLiteral("apps/") + side};
+    QStringList folders;
+    for (const char* context : {"apps", "mimetypes"}) {
+        const QString name = QString::fromLatin1(context);
+        folders << side + QLatin1Char('/') + name << name + QLatin1Char('/') + side;
+    }
+    return folders;
 }
 
 // What `theme` inherits, read off its index in the first folder that has it.
@@ -62,7 +67,8 @@ QStringList inherited(const QStringList& iconFolders, const QString& theme)
 ThemeAppIcons::ThemeAppIcons(QStringList iconFolders, QStringList pixmapFolders, const QString& theme)
     : m_iconFolders(std::move(iconFolders)), m_pixmapFolders(std::move(pixmapFolders))
 {
-    // The user's theme, then what it inherits, two generations deep, then the fallback theme.
+    // The user's theme and what it inherits, then the two themes desktops most often ship (where
+    // the generic program icon is), then the fallback theme every theme ends in.
     QStringList queue{theme};
     while (!queue.isEmpty() && m_themes.size() < 6) {
         const QString next = queue.takeFirst().trimmed();
@@ -72,7 +78,10 @@ ThemeAppIcons::ThemeAppIcons(QStringList iconFolders, QStringList pixmapFolders,
         queue << inherited(m_iconFolders, next);
     }
     m_themes.removeAll(QStringLiteral("hicolor"));
-    m_themes << QStringLiteral("hicolor");
+    for (const QString& common : {QStringLiteral("Adwaita"), QStringLiteral("breeze"), QStringLiteral("hicolor")}) {
+        if (!m_themes.contains(common))
+            m_themes << common;
+    }
 }
 
 QString ThemeAppIcons::lookUp(const QString& name, int pixels) const
@@ -91,8 +100,9 @@ QString ThemeAppIcons::lookUp(const QString& name, int pixels) const
     }
     QStringList subfolders;
     for (const int size : std::as_const(sizes))
-        subfolders << sizeFolders(size);
-    subfolders << QStringLiteral("scalable/apps") << QStringLiteral("apps/scalable");
+        subfolders << sizeFolders(QString::number(size) + QLatin1Char('x') + QString::number(size))
+                   << sizeFolders(QString::number(size));
+    subfolders << sizeFolders(QStringLiteral("scalable"));
     for (const QString& theme : m_themes) {
         for (const QString& folder : m_iconFolders) {
             const QString base = folder + QLatin1Char('/') + theme + QLatin1Char('/');
