@@ -1,5 +1,6 @@
 #include "app/support/UiWorld.h"
 
+#include <QGuiApplication>
 #include <QScopeGuard>
 #include <QTest>
 #include <atomic>
@@ -263,4 +264,43 @@ TEST_F(CleanViewsTest, AnEmptyMacHasNothingToCleanAndNothingToPress)
     // "Nada que limpiar" is said once, where the list would be; the header counts.
     EXPECT_EQ(text(named(window, QStringLiteral("detailItemCount"))), QStringLiteral("0 elementos"));
     snapshot(window, MinimumSize, QStringLiteral("clean-empty-detail-minimum"));
+}
+
+namespace {
+
+// The cleanup screen on a Linux desktop: Linux's own rows, each with what a Linux home holds.
+class LinuxCleanViewsTest : public CleanViewsTest
+{
+protected:
+    LinuxCleanViewsTest() { m_system = HostSystem::Linux; }
+};
+
+} // namespace
+
+TEST_F(LinuxCleanViewsTest, ShowsLinuxsOwnRowsWithTheirItems)
+{
+    const std::pair<const char*, std::pair<const char*, qint64>> found[] = {
+        {"caches", {"home/.cache/mozilla/firefox/cache2", 940'000'000}},
+        {"logs", {"home/.xsession-errors.old", 3'000'000}},
+        {"trash", {"home/.local/share/Trash/files/Presupuesto.ods", 52'000'000}},
+        {"packages", {"home/.cache/pip", 1'260'000'000}},
+        {"installers", {"home/Descargas/programa_1.2_amd64.deb", 86'000'000}},
+        {"orphans", {"home/.var/app/org.gone.Editor", 410'000'000}},
+    };
+    for (const auto& [category, item] : found) {
+        const CleanItem made = cleanItem(QString::fromUtf8(item.first), item.second);
+        rule(QString::fromUtf8(category), [made] { return QList<CleanItem>{made}; });
+    }
+    const QPalette light = QGuiApplication::palette();
+    QGuiApplication::setPalette(darkPalette());
+    QQuickWindow& window = openPane();
+    waitForScan();
+    // Every row a Linux desktop has is drawn with what it found; none a Linux desktop cannot have.
+    EXPECT_EQ(clean().categoryCount(), int(CleanCatalog::rows(HostSystem::Linux).size()));
+    for (const auto& [category, item] : found)
+        EXPECT_TRUE(named(window, QStringLiteral("categoryCount-") + QString::fromUtf8(category)).isVisible()) << category;
+    for (const char* mac : {"deriveddata", "simulators", "backups"})
+        EXPECT_EQ(visual(window.contentItem(), QStringLiteral("categoryCount-") + QString::fromUtf8(mac)), nullptr) << mac;
+    snapshots(window, QStringLiteral("clean-linux-results"));
+    QGuiApplication::setPalette(light);
 }

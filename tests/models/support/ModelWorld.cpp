@@ -43,7 +43,7 @@ void ModelWorld::SetUp()
             }
             return scan ? scan() : QList<CleanItem>();
         });
-    });
+    }, m_system);
     if (m_system == HostSystem::Mac) {
         m_apps = std::make_unique<AppCatalog>(m_roots, *m_safety, m_privacy, m_workspace, m_metadata);
     } else {
