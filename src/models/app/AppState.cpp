@@ -1,5 +1,7 @@
 #include "models/app/AppState.h"
 
+#include "core/safety/Safety.h"
+
 #include "models/app/Notify.h"
 #include "core/cleanup/CleanCatalog.h"
 #include "core/format/CheckedMath.h"
@@ -203,6 +205,11 @@ void AppState::report(qint64 freed, qint64 failures)
 QString AppState::diskLine() const
 {
     return ResultTexts::diskLine(m_disk.available, m_disk.total);
+}
+
+HostSystem AppState::system() const
+{
+    return m_models->safety.rules().system;
 }
 
 QString AppState::diskName() const

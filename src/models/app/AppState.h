@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/files/HostSystem.h"
 #include "core/disk/DiskInfo.h"
 #include "models/app/Pane.h"
 #include "models/app/Toast.h"
@@ -107,6 +108,8 @@ public:
     /// "<available> disponibles de <total>".
     [[nodiscard]] QString diskLine() const;
     [[nodiscard]] QString diskName() const;
+    /// The system the program runs on, as its safety rules say; the texts follow it.
+    [[nodiscard]] HostSystem system() const;
     /// "accent", "warning" or "critical", by how full the volume is.
     [[nodiscard]] QString diskTone() const;
 

@@ -188,12 +188,12 @@ QVariantList HomeSummary::recommendationMaps() const
 
 QString HomeSummary::nothingToReview() const
 {
-    return HomeTexts::nothingToReview();
+    return HomeTexts::nothingToReview(m_state ? m_state->system() : HostSystem::Mac);
 }
 
 QString HomeSummary::footer() const
 {
-    return HomeTexts::footer();
+    return HomeTexts::footer(m_state ? m_state->system() : HostSystem::Mac);
 }
 
 void HomeSummary::analyze()

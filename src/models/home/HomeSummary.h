@@ -36,8 +36,8 @@ class HomeSummary : public QObject
     Q_PROPERTY(QString safeButton READ safeButton NOTIFY changed)
     Q_PROPERTY(bool canCleanSafe READ canCleanSafe NOTIFY changed)
     Q_PROPERTY(QVariantList recommendations READ recommendationMaps NOTIFY changed)
-    Q_PROPERTY(QString nothingToReview READ nothingToReview CONSTANT)
-    Q_PROPERTY(QString footer READ footer CONSTANT)
+    Q_PROPERTY(QString nothingToReview READ nothingToReview NOTIFY appStateChanged)
+    Q_PROPERTY(QString footer READ footer NOTIFY appStateChanged)
 
 public:
     explicit HomeSummary(QObject* parent = nullptr);

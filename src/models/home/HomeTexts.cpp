@@ -56,15 +56,19 @@ QString safeButton(qint64 safeSize)
     return QStringLiteral("Limpiar ") + Bytes::string(safeSize);
 }
 
-QString nothingToReview()
+QString nothingToReview(HostSystem system)
 {
-    return QStringLiteral("Nada más que revisar. Tu Mac está en forma.");
+    return system == HostSystem::Mac ? QStringLiteral("Nada más que revisar. Tu Mac está en forma.")
+                                     : QStringLiteral("Nada más que revisar. Tu equipo está en forma.");
 }
 
-QString footer()
+QString footer(HostSystem system)
 {
-    return QStringLiteral("Nubo nunca toca el sistema, iCloud Drive, el Llavero, Mail, Mensajes ni la "
-                          "fototeca. Todo lo demás se borra sólo cuando lo confirmas.");
+    return system == HostSystem::Mac
+               ? QStringLiteral("Nubo nunca toca el sistema, iCloud Drive, el Llavero, Mail, Mensajes ni la "
+                                "fototeca. Todo lo demás se borra sólo cuando lo confirmas.")
+               : QStringLiteral("Nubo nunca toca el sistema, tus claves, el correo ni la fototeca. Todo lo "
+                                "demás se borra sólo cuando lo confirmas.");
 }
 
 QString categoryDetail(qint64 count, qint64 size)

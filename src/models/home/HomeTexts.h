@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/files/HostSystem.h"
 #include <QString>
 #include <QStringList>
 
@@ -20,10 +21,11 @@ namespace nubo::HomeTexts {
 [[nodiscard]] QString safeExplanation();
 /// The safe-clean button: "Limpiar <size>" once something safe was found, else "Limpiar".
 [[nodiscard]] QString safeButton(qint64 safeSize);
-/// The line shown instead of an empty list of recommendations.
-[[nodiscard]] QString nothingToReview();
-/// The promise at the foot of the screen.
-[[nodiscard]] QString footer();
+/// The line shown instead of an empty list of recommendations, naming the user's machine as
+/// its system does ("tu Mac", "tu equipo").
+[[nodiscard]] QString nothingToReview(HostSystem system);
+/// The promise at the foot of the screen: what Nubo never touches on that system.
+[[nodiscard]] QString footer(HostSystem system);
 
 /// A category's findings: "1 elemento · 60 MB", "3 elementos · 1,2 GB".
 [[nodiscard]] QString categoryDetail(qint64 count, qint64 size);

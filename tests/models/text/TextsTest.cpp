@@ -182,10 +182,11 @@ TEST_F(SpanishTexts, OddOrMissingNamesStillReadAsOneSensibleLine)
     EXPECT_DOUBLE_EQ(AppsTexts::tileHue(QString()), 61.0 / 360.0);
 }
 
-// A Linux user never reads of the Mac's places; a long list of packages reads as a sentence.
-TEST_F(SpanishTexts, TheAppsWordsFollowTheSystemAndARefusalNamesAFewPackages)
+// A Linux user never reads of the Mac's things; a long list of packages reads as a sentence.
+TEST_F(SpanishTexts, LinuxWordsNeverNameTheMacsThingsAndARefusalNamesAFewPackages)
 {
-    for (const QString& text : {AppsTexts::removalNote(HostSystem::Linux), AppsTexts::emptyNote(HostSystem::Linux)}) {
+    for (const QString& text : {AppsTexts::removalNote(HostSystem::Linux), AppsTexts::emptyNote(HostSystem::Linux),
+                                HomeTexts::footer(HostSystem::Linux), HomeTexts::nothingToReview(HostSystem::Linux)}) {
         for (const char* macWord : {"Mac", "Biblioteca", "Finder", "App Store"})
             EXPECT_FALSE(text.contains(QString::fromUtf8(macWord))) << text.toStdString();
     }
