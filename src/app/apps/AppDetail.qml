@@ -115,7 +115,7 @@ Item {
                     visible: detail.model.leftoversLoading
                     spacing: Theme.spacing
                     Item { implicitWidth: Theme.spacingLarge - 4 }
-                    BusyIndicator {
+                    Spinner {
                         implicitWidth: 18
                         implicitHeight: 18
                         running: parent.visible
@@ -184,7 +184,7 @@ Item {
                     }
                 }
             }
-            BusyIndicator {
+            Spinner {
                 visible: detail.model.isRemoving
                 running: visible
                 implicitWidth: 20

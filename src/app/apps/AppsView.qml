@@ -118,7 +118,7 @@ Item {
                 }
                 footer: Item { height: Theme.spacingLarge }
 
-                BusyIndicator {
+                Spinner {
                     anchors.centerIn: parent
                     visible: view.model !== null && view.model.isLoading
                     running: visible

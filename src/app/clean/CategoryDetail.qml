@@ -172,7 +172,7 @@ Item {
                 }
             }
 
-            BusyIndicator {
+            Spinner {
                 anchors.centerIn: parent
                 visible: page.detail.loading === true && page.entries.length === 0
                 running: visible

@@ -82,13 +82,13 @@ Rectangle {
         // Plain items rather than a nested layout: a layout shown after being hidden keeps its
         // old width on Qt 6.4.
         Item {
-            implicitWidth: Math.max(found.implicitWidth, countLabel.implicitWidth, 18)
+            implicitWidth: Math.max(found.implicitWidth, countLabel.implicitWidth + countLabel.anchors.rightMargin, 18)
             implicitHeight: found.implicitHeight + countLabel.implicitHeight + 2
 
-            BusyIndicator {
+            Spinner {
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
-                visible: row.category.loading
+                visible: row.category.loading || row.category.cleaning
                 running: visible
                 width: 18
                 height: 18
@@ -98,7 +98,7 @@ Rectangle {
                 anchors.right: parent.right
                 anchors.bottom: countLabel.top
                 anchors.bottomMargin: 2
-                visible: !row.category.loading && row.category.count > 0
+                visible: !row.category.loading && !row.category.cleaning && row.category.count > 0
                 text: row.category.sizeText
                 color: Theme.textPrimary
                 font.family: Theme.fontFamily
@@ -109,8 +109,9 @@ Rectangle {
                 id: countLabel
                 objectName: "categoryCount-" + row.category.id
                 anchors.right: parent.right
+                anchors.rightMargin: row.category.cleaning ? 26 : 0
                 anchors.verticalCenter: parent.verticalCenter
-                anchors.verticalCenterOffset: row.category.count > 0 ? found.implicitHeight / 2 : 0
+                anchors.verticalCenterOffset: found.visible ? found.implicitHeight / 2 : 0
                 visible: !row.category.loading
                 text: row.category.countText
                 color: Theme.textSecondary

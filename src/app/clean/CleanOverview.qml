@@ -56,9 +56,15 @@ Flickable {
                 enabled: !overview.model.isScanning && !overview.model.isCleaning
                 onClicked: overview.model.scan()
             }
+            Spinner {
+                visible: overview.model.isCleaning
+                running: visible
+                implicitWidth: 18
+                implicitHeight: 18
+            }
             CleanButton {
                 objectName: "overviewClean"
-                text: "Limpiar"
+                text: overview.model.cleanLabel
                 enabled: !overview.model.isCleaning && overview.model.selectedCount > 0
                 onClicked: overview.cleanRequested()
             }

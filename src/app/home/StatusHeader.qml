@@ -66,7 +66,7 @@ Rectangle {
                     font.pixelSize: Theme.fontSizeTitle
                     font.weight: Font.Bold
                 }
-                BusyIndicator {
+                Spinner {
                     visible: header.summary.isAnalyzing
                     running: visible
                     Layout.preferredWidth: 22

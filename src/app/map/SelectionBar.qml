@@ -44,7 +44,7 @@ Rectangle {
             font.family: Theme.fontFamily
             font.pixelSize: Theme.fontSizeBody
         }
-        BusyIndicator {
+        Spinner {
             objectName: "deleting"
             visible: bar.model && bar.model.isDeleting
             running: visible

@@ -131,7 +131,7 @@ Rectangle {
                 elide: Text.ElideRight
             }
         }
-        BusyIndicator {
+        Spinner {
             objectName: "taskBusy"
             visible: row.running
             running: row.running

@@ -139,7 +139,7 @@ Item {
                         Layout.alignment: Qt.AlignHCenter
                         Layout.margins: Theme.spacingLarge
                         spacing: Theme.spacing
-                        BusyIndicator { running: parent.visible; implicitWidth: 20; implicitHeight: 20 }
+                        Spinner { running: parent.visible; implicitWidth: 20; implicitHeight: 20 }
                         Text {
                             text: "Buscando…"
                             color: Theme.textSecondary

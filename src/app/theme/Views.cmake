@@ -8,5 +8,6 @@ list(APPEND nubo_qml_files
     theme/DeleteConfirmation.qml
     theme/ActionButton.qml
     theme/AppTile.qml
-    theme/AppIcon.qml)
+    theme/AppIcon.qml
+    theme/Spinner.qml)
 set_source_files_properties(theme/Theme.qml PROPERTIES QT_QML_SINGLETON_TYPE TRUE)

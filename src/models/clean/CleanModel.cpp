@@ -190,7 +190,8 @@ QVariantMap CleanModel::categoryMap(const CleanCategory& row) const
         {QStringLiteral("selectedSize"), selectedSize(row.id)},
         {QStringLiteral("state"), stateName(current)},
         {QStringLiteral("help"), CleanTexts::categoryHelp(current == CategoryState::All)},
-        {QStringLiteral("countText"), CleanTexts::categoryCount(loading, count)},
+        {QStringLiteral("cleaning"), m_cleaning.contains(row.id)},
+        {QStringLiteral("countText"), CleanTexts::categoryCount(loading, count, m_cleaning.contains(row.id))},
     };
 }
 
@@ -455,6 +456,11 @@ void CleanModel::toggleExpanded(const QString& categoryId)
     emit expandedChanged();
 }
 
+QString CleanModel::cleanLabel() const
+{
+    return CleanTexts::cleanLabel(m_isCleaning);
+}
+
 void CleanModel::clean()
 {
     QStringList all;
@@ -469,18 +475,22 @@ void CleanModel::clean(const QStringList& categoryIds)
         return;
     QList<CleanItem> chosen;
     QSet<QString> seen;
+    QSet<QString> cleaning;
     for (const QString& id : categoryIds) {
         for (const CleanItem& item : m_items.value(id)) {
             if (m_selected.contains(item.id) && !seen.contains(item.id)) {
                 seen.insert(item.id);
                 chosen.append(item);
+                cleaning.insert(id);
             }
         }
     }
     if (chosen.isEmpty())
         return;
     m_isCleaning = true;
+    m_cleaning = cleaning;
     emit isCleaningChanged();
+    emit categoriesChanged();
 
     // A read of a category being cleaned that is still under way may list what is about to go:
     // it is stopped now and made again once the clean has landed.
@@ -576,6 +586,7 @@ void CleanModel::finishClean(const QStringList& categoryIds, const QList<CleanIt
     }
     m_selected.subtract(cleaned);
     m_isCleaning = false;
+    m_cleaning.clear();
     emit selectionChanged();
     emit categoriesChanged();
     emit isCleaningChanged();

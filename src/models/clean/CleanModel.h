@@ -37,6 +37,8 @@ class CleanModel : public QObject
     Q_PROPERTY(bool hasScanned READ hasScanned NOTIFY hasScannedChanged)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
     Q_PROPERTY(bool isCleaning READ isCleaning NOTIFY isCleaningChanged)
+    /// The clean button's words: "Limpiando…" while a clean runs.
+    Q_PROPERTY(QString cleanLabel READ cleanLabel NOTIFY isCleaningChanged)
     Q_PROPERTY(bool isCancelling READ isCancelling NOTIFY isCleaningChanged)
     Q_PROPERTY(qint64 totalSelected READ totalSelected NOTIFY categoriesChanged)
     Q_PROPERTY(qint64 totalFound READ totalFound NOTIFY categoriesChanged)
@@ -103,6 +105,7 @@ public:
     [[nodiscard]] bool hasScanned() const { return m_hasScanned; }
     [[nodiscard]] bool isScanning() const { return !m_loading.isEmpty(); }
     [[nodiscard]] bool isCleaning() const { return m_isCleaning; }
+    [[nodiscard]] QString cleanLabel() const;
     [[nodiscard]] bool isCancelling() const { return m_jobs.isInterrupted(QStringLiteral("clean")); }
 
     /// Runs every category's rule; each list replaces the old one as it arrives, and the items of
@@ -179,6 +182,8 @@ private:
     QStringList m_path;
     bool m_hasScanned = false;
     bool m_isCleaning = false;
+    /// The categories the running clean takes items from; their rows say so.
+    QSet<QString> m_cleaning;
     bool m_detailPending = false;
     // Last, so that it goes first: nothing lands on a model that is being taken apart.
     Jobs m_jobs{this};

@@ -37,13 +37,20 @@ QString categoryHelp(bool allSelected)
     return allSelected ? QStringLiteral("No limpiar") : QStringLiteral("Limpiar todo");
 }
 
-QString categoryCount(bool loading, qint64 count)
+QString categoryCount(bool loading, qint64 count, bool cleaning)
 {
+    if (cleaning)
+        return QStringLiteral("Limpiando…");
     if (loading)
         return {};
     if (count == 0)
         return QStringLiteral("Nada que limpiar");
     return Counts::items(count);
+}
+
+QString cleanLabel(bool cleaning)
+{
+    return cleaning ? QStringLiteral("Limpiando…") : QStringLiteral("Limpiar");
 }
 
 QString detailCountLine(qint64 selectedCount, qint64 count)

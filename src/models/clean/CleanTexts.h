@@ -21,7 +21,9 @@ namespace nubo::CleanTexts {
 [[nodiscard]] QString categoryHelp(bool allSelected);
 /// The right side of a category row once it has finished: "Nada que limpiar" without items,
 /// otherwise the item count ("1 elemento", "<n> elementos"). Empty while it is still loading.
-[[nodiscard]] QString categoryCount(bool loading, qint64 count);
+[[nodiscard]] QString categoryCount(bool loading, qint64 count, bool cleaning = false);
+/// The clean button: "Limpiar", or "Limpiando…" while a clean runs.
+[[nodiscard]] QString cleanLabel(bool cleaning);
 /// The detail page's count line: "<selected> de <count> seleccionados".
 [[nodiscard]] QString detailCountLine(qint64 selectedCount, qint64 count);
 /// The detail page's bulk button: "Desmarcar todo" when every item is ticked, else "Marcar todo".

@@ -225,6 +225,10 @@ TEST_F(CleanViewsTest, WhileACleanRunsOnlyCancelStaysAndItWaitsForTheOpenPrompt)
     ASSERT_TRUE(clean().isCleaning());
     for (const char* name : {"overviewClean", "rescanButton", "categoryCheck-olddownloads"})
         EXPECT_FALSE(named(window, QString::fromUtf8(name)).isEnabled()) << name;
+    // The rows being cleaned say so; the others keep their figures.
+    EXPECT_EQ(std::tuple(text(named(window, QStringLiteral("categoryCount-caches"))), text(named(window, QStringLiteral("overviewClean"))),
+                         text(named(window, QStringLiteral("categoryCount-olddownloads")))),
+              std::tuple(QStringLiteral("Limpiando…"), QStringLiteral("Limpiando…"), QStringLiteral("2 elementos")));
     QQuickItem& cancel = named(window, QStringLiteral("summaryClean"));
     EXPECT_EQ(text(cancel), QStringLiteral("Cancelar"));
     click(cancel);
