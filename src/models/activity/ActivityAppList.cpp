@@ -1,5 +1,4 @@
 #include "models/activity/ActivityAppList.h"
-#include "models/apps/AppsTexts.h"
 
 #include "models/activity/ActivityModel.h"
 
@@ -48,17 +47,8 @@ QVariant ActivityAppList::data(const QModelIndex& index, int role) const
         return app.isHidden;
     case Role::IsActive:
         return app.isActive;
-    case Role::App: {
-        QVariantMap map = AppsTexts::badge(app.name, app.bundleURL);
-        map.insert({{QStringLiteral("pid"), app.pid},
-                    {QStringLiteral("name"), app.name},
-                    {QStringLiteral("bundleURL"), app.bundleURL},
-                    {QStringLiteral("cpu"), app.cpu},
-                    {QStringLiteral("memory"), app.memory},
-                    {QStringLiteral("isHidden"), app.isHidden},
-                    {QStringLiteral("isActive"), app.isActive}});
-        return map;
-    }
+    case Role::App:
+        return ActivityModel::appMap(app);
     }
     return {};
 }

@@ -64,7 +64,18 @@ struct ActivityModel::Sampling
 
 namespace {
 
-QVariantMap toVariant(const AppUsage& app)
+QVariantList toVariant(const QList<AppUsage>& apps)
+{
+    QVariantList list;
+    list.reserve(apps.size());
+    for (const AppUsage& app : apps)
+        list << ActivityModel::appMap(app);
+    return list;
+}
+
+} // namespace
+
+QVariantMap ActivityModel::appMap(const AppUsage& app)
 {
     QVariantMap map = AppsTexts::badge(app.name, app.bundleURL);
     map.insert({{QStringLiteral("pid"), app.pid},
@@ -76,17 +87,6 @@ QVariantMap toVariant(const AppUsage& app)
                 {QStringLiteral("isActive"), app.isActive}});
     return map;
 }
-
-QVariantList toVariant(const QList<AppUsage>& apps)
-{
-    QVariantList list;
-    list.reserve(apps.size());
-    for (const AppUsage& app : apps)
-        list << toVariant(app);
-    return list;
-}
-
-} // namespace
 
 QString ActivityModel::label(Sort sort)
 {

@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QVariantMap>
 #include <QStringList>
 #include <QTimer>
 #include <QVariantList>
@@ -65,6 +66,8 @@ public:
     [[nodiscard]] static QStringList sortLabels();
     /// The order with this label ("CPU", "Memoria"); none for any other text.
     [[nodiscard]] static std::optional<Sort> sortFromLabel(const QString& label);
+    /// One application as the views read it: its figures, its flags and its icon's badge.
+    [[nodiscard]] static QVariantMap appMap(const AppUsage& app);
 
     /// What the model drives, all borrowed: they must outlive the model, which waits for its
     /// own background work when it goes. `ownPid` is the program's own process, which the "all"
