@@ -32,22 +32,10 @@ Item {
         anchors.margins: Theme.spacingHuge
         spacing: Theme.spacingLarge + Theme.spacingSmall
 
-        ColumnLayout {
+        PaneTitle {
             Layout.fillWidth: true
-            spacing: 2
-            Text {
-                text: "Actividad"
-                color: Theme.textPrimary
-                font.family: Theme.fontFamily
-                font.pixelSize: Theme.fontSizeLargeTitle
-                font.weight: Font.Bold
-            }
-            Text {
-                text: "Lo que más consume ahora"
-                color: Theme.textSecondary
-                font.family: Theme.fontFamily
-                font.pixelSize: Theme.fontSizeBody
-            }
+            title: "Actividad"
+            subtitle: "Lo que más consume ahora"
         }
 
         RowLayout {

@@ -38,22 +38,10 @@ Item {
                 Layout.rightMargin: Theme.spacingLarge
                 spacing: Theme.spacing
 
-                ColumnLayout {
-                    spacing: 2
-                    Text {
-                        text: "Apps"
-                        color: Theme.textPrimary
-                        font.family: Theme.fontFamily
-                        font.pixelSize: Theme.fontSizeLargeTitle
-                        font.weight: Font.Bold
-                    }
-                    Text {
-                        objectName: "appsHeaderLine"
-                        text: view.model ? view.model.headerLine : ""
-                        color: Theme.textSecondary
-                        font.family: Theme.fontFamily
-                        font.pixelSize: Theme.fontSizeBody
-                    }
+                PaneTitle {
+                    title: "Apps"
+                    subtitle: view.model ? view.model.headerLine : ""
+                    subtitleName: "appsHeaderLine"
                 }
                 TextField {
                     objectName: "appsSearch"

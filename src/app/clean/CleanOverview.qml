@@ -29,25 +29,11 @@ Flickable {
             Layout.fillWidth: true
             spacing: Theme.spacing
 
-            ColumnLayout {
+            PaneTitle {
                 Layout.fillWidth: true
-                spacing: 2
-                Text {
-                    Layout.fillWidth: true
-                    text: "Limpieza"
-                    color: Theme.textPrimary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: Theme.fontSizeLargeTitle
-                    font.weight: Font.Bold
-                }
-                Text {
-                    objectName: "overviewLine"
-                    Layout.fillWidth: true
-                    text: overview.model.overviewLine
-                    color: Theme.textSecondary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: Theme.fontSizeBody
-                }
+                title: "Limpieza"
+                subtitle: overview.model.overviewLine
+                subtitleName: "overviewLine"
             }
             CleanButton {
                 objectName: "rescanButton"

@@ -29,13 +29,9 @@ Item {
             RowLayout {
                 Layout.fillWidth: true
                 spacing: Theme.spacing
-                Text {
+                PaneTitle {
                     Layout.fillWidth: true
-                    text: "Resumen"
-                    color: Theme.textPrimary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: Theme.fontSizeLargeTitle
-                    font.weight: Font.Bold
+                    title: "Resumen"
                 }
                 ToolButton {
                     objectName: "analyzeAgain"

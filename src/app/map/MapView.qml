@@ -31,26 +31,11 @@ Item {
             Layout.bottomMargin: Theme.spacing
             spacing: Theme.spacing
 
-            ColumnLayout {
+            PaneTitle {
                 Layout.fillWidth: true
-                spacing: 2
-                Text {
-                    Layout.fillWidth: true
-                    text: "Mapa"
-                    color: Theme.textPrimary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: Theme.fontSizeTitle
-                    font.weight: Font.Bold
-                }
-                Text {
-                    objectName: "mapSubtitle"
-                    Layout.fillWidth: true
-                    text: view.model ? view.model.subtitle : ""
-                    elide: Text.ElideRight
-                    color: Theme.textSecondary
-                    font.family: Theme.fontFamily
-                    font.pixelSize: Theme.fontSizeBody
-                }
+                title: "Mapa"
+                subtitle: view.model ? view.model.subtitle : ""
+                subtitleName: "mapSubtitle"
             }
             ScopeMenu {
                 model: view.model

@@ -58,26 +58,13 @@ Item {
             RowLayout {
                 Layout.fillWidth: true
                 spacing: Theme.spacing
-                ColumnLayout {
+                PaneTitle {
                     Layout.fillWidth: true
-                    spacing: 2
-                    Text {
-                        text: "Rendimiento"
-                        color: Theme.textPrimary
-                        font.family: Theme.fontFamily
-                        font.pixelSize: Theme.fontSizeLargeTitle
-                        font.weight: Font.Bold
-                    }
-                    Text {
-                        objectName: "activeCount"
-                        // Nothing is counted before the first load lands.
-                        opacity: view.model !== null && view.model.hasLoaded ? 1 : 0
-                        Behavior on opacity { NumberAnimation { duration: Theme.snappyUI.duration } }
-                        text: PerformanceTexts.activeCountText(view.model ? view.model.enabledCount : 0)
-                        color: Theme.textSecondary
-                        font.family: Theme.fontFamily
-                        font.pixelSize: Theme.fontSizeBody
-                    }
+                    title: "Rendimiento"
+                    subtitle: PerformanceTexts.activeCountText(view.model ? view.model.enabledCount : 0)
+                    subtitleName: "activeCount"
+                    // Nothing is counted before the first load lands.
+                    subtitleOpacity: view.model !== null && view.model.hasLoaded ? 1 : 0
                 }
                 Item { Layout.fillWidth: true }
                 CapsuleButton {

@@ -9,5 +9,6 @@ list(APPEND nubo_qml_files
     theme/ActionButton.qml
     theme/AppTile.qml
     theme/AppIcon.qml
-    theme/Spinner.qml)
+    theme/Spinner.qml
+    theme/PaneTitle.qml)
 set_source_files_properties(theme/Theme.qml PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
