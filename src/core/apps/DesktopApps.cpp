@@ -26,12 +26,6 @@ using namespace std::chrono_literals;
 constexpr auto kToolTime = 20s;
 const QLatin1String kEntrySuffix(".desktop");
 
-bool exists(const QString& path)
-{
-    struct stat info {};
-    return ::lstat(NativePath::encode(path).constData(), &info) == 0;
-}
-
 bool isRegularFile(const QString& path)
 {
     struct stat info {};
@@ -125,7 +119,7 @@ qsizetype DesktopApps::flatpakInstallation(const QString& folder, const QString&
     if (folder.endsWith(exports))
         return m_places.flatpakInstallations.indexOf(folder.chopped(exports.size()));
     for (qsizetype i = 0; i < m_places.flatpakInstallations.size(); ++i) {
-        if (exists(m_places.flatpakInstallations.at(i) + QStringLiteral("/app/") + id))
+        if (Location::exists(m_places.flatpakInstallations.at(i) + QStringLiteral("/app/") + id))
             return i;
     }
     return -1;
@@ -161,7 +155,7 @@ InstalledApp DesktopApps::describe(const Found& found) const
             app.systemWide = installation == 1;
             const QString deployed =
                 m_places.flatpakInstallations.at(installation) + QStringLiteral("/app/") + app.package;
-            if (exists(deployed))
+            if (Location::exists(deployed))
                 app.payload = deployed;
         }
     } else if (packaged.has(QStringLiteral("X-SnapInstanceName")) || folder == m_places.snapEntries) {
@@ -217,7 +211,7 @@ void DesktopApps::addPackaging(QList<InstalledApp>& apps) const
                 app.version = snap.version;
                 const QString file = m_places.snapFiles + QLatin1Char('/') + snap.name + QLatin1Char('_') +
                                      snap.revision + QStringLiteral(".snap");
-                if (exists(file))
+                if (Location::exists(file))
                     app.payload = file;
             }
         }
@@ -311,7 +305,7 @@ QList<CleanItem> DesktopApps::leftovers(const InstalledApp& app) const
     QList<CleanItem> items;
     QSet<QString> offered;
     for (const auto& [path, label] : std::as_const(candidates)) {
-        if (offered.contains(path) || !exists(path) || m_privacy.isGated(path) || !m_safety.isAllowed(path))
+        if (offered.contains(path) || !Location::exists(path) || m_privacy.isGated(path) || !m_safety.isAllowed(path))
             continue;
         offered.insert(path);
         items << CleanItem::atPath(path, m_home, label);

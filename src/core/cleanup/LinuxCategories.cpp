@@ -6,19 +6,9 @@
 #include "core/privacy/Privacy.h"
 #include "core/safety/Safety.h"
 
-#include <QFile>
-
-#include <sys/stat.h>
-
 namespace nubo::LinuxCategories {
 
 namespace {
-
-bool exists(const QString& path)
-{
-    struct stat info {};
-    return ::lstat(QFile::encodeName(path).constData(), &info) == 0;
-}
 
 QString lastComponent(const QString& path)
 {
@@ -39,7 +29,7 @@ QList<CleanItem> logs(const CleanContext& context)
     QList<CleanItem> items = rule.children(context.places.logs, {}, 7, false, 3);
     items.removeIf([](const CleanItem& item) { return !isLogName(lastComponent(item.id)); });
     const QString previousSession = context.home(QStringLiteral(".xsession-errors.old"));
-    if (exists(previousSession) && !context.privacy.isGated(previousSession) &&
+    if (Location::exists(previousSession) && !context.privacy.isGated(previousSession) &&
         context.safety.isAllowed(previousSession)) {
         if (const qint64 size = Location::allocatedSize(previousSession); size > 0)
             items << CleanItem::atPath(previousSession, context.roots.home, context.nameOf(previousSession), size);
@@ -56,7 +46,7 @@ QList<CleanItem> trash(const CleanContext& context)
     QList<CleanItem> items = FolderRule(context).children(context.places.trash + QStringLiteral("/files"));
     for (CleanItem& item : items) {
         const QString entry = info + lastComponent(item.id) + QStringLiteral(".trashinfo");
-        if (exists(entry))
+        if (Location::exists(entry))
             item.companions << entry;
     }
     return items;
@@ -70,13 +60,14 @@ QList<CleanItem> orphans(const CleanContext& context)
     items.removeIf([&installations](const CleanItem& item) {
         const QString id = lastComponent(item.id);
         for (const QString& installation : installations) {
-            if (exists(installation + QStringLiteral("/app/") + id))
+            if (Location::exists(installation + QStringLiteral("/app/") + id))
                 return true;
         }
         return false;
     });
     QList<CleanItem> snaps = rule.children(context.home(QStringLiteral("snap")));
-    snaps.removeIf([](const CleanItem& item) { return exists(QStringLiteral("/snap/") + lastComponent(item.id)); });
+    snaps.removeIf(
+        [](const CleanItem& item) { return Location::exists(QStringLiteral("/snap/") + lastComponent(item.id)); });
     items << snaps;
     sortBySize(items);
     return items;

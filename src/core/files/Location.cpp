@@ -98,4 +98,10 @@ std::optional<QDateTime> accessDate(const QString& path)
     return dateOf(path, Stamp::Accessed);
 }
 
+bool exists(const QString& path)
+{
+    struct stat info {};
+    return ::lstat(NativePath::encode(path).constData(), &info) == 0;
+}
+
 } // namespace nubo::Location

@@ -26,4 +26,8 @@ namespace nubo::Location {
 /// The last-access date of the item itself, none when unreadable.
 [[nodiscard]] std::optional<QDateTime> accessDate(const QString& path);
 
+/// Whether the item itself is there (a link counts, even a broken one), looked for by its exact
+/// bytes, so a name that is not UTF-8 is found and never a look-alike.
+[[nodiscard]] bool exists(const QString& path);
+
 } // namespace nubo::Location

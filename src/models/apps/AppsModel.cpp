@@ -4,7 +4,6 @@
 #include "core/deletion/Deleter.h"
 #include "core/safety/Safety.h"
 #include "core/files/Location.h"
-#include "core/files/NativePath.h"
 #include "core/format/Bytes.h"
 #include "core/format/CheckedMath.h"
 #include "core/scanner/ParallelLoop.h"
@@ -19,7 +18,6 @@
 #include <thread>
 #include <variant>
 #include <vector>
-#include <sys/stat.h>
 
 namespace nubo {
 
@@ -36,13 +34,6 @@ QString folded(const QString& text)
             bare.append(c);
     }
     return QLocale().toLower(bare);
-}
-
-// lstat on the exact bytes: a bundle whose name is not UTF-8 is looked for, not a look-alike.
-bool exists(const QString& path)
-{
-    struct stat info;
-    return ::lstat(NativePath::encode(path).constData(), &info) == 0;
 }
 
 struct UninstallOutcome
@@ -503,8 +494,9 @@ void AppsModel::uninstall()
     if (!app || m_isRemoving || m_leftoversLoading || !m_removal.item)
         return;
     setRemoving(true);
+    const QList<CleanItem> removal = removalItems();
     QList<DeletionItem> items;
-    for (const CleanItem& item : removalItems()) {
+    for (const CleanItem& item : removal) {
         if (const auto path = item.url())
             items.append({*path, item.size});
         for (const QString& companion : item.companions)
@@ -512,9 +504,8 @@ void AppsModel::uninstall()
     }
     // A packaging command removes the application itself; the deleter the rest.
     std::optional<CleanItem> command;
-    if (std::holds_alternative<CleanItem::Command>(m_removal.item->action)) {
-        command = removalItems().constFirst();
-    }
+    if (std::holds_alternative<CleanItem::Command>(m_removal.item->action))
+        command = removal.constFirst();
     const bool asAdministrator = m_removal.asAdministrator;
     const QString commandLine = m_removal.commandLine();
     // A list read while the application is being removed may bring it back: it is read again
@@ -548,10 +539,10 @@ void AppsModel::uninstall()
                 }
                 // What the application keeps in the user's folders stays while it is installed.
                 if (!removed)
-                    return UninstallOutcome{0, 1, !exists(app.url)};
+                    return UninstallOutcome{0, 1, !Location::exists(app.url)};
             }
             const DeletionResult result = services->deleter.deleteItems(items, true, stop);
-            return UninstallOutcome{checkedAdd(freed, result.freed), result.failed.size(), !exists(app.url)};
+            return UninstallOutcome{checkedAdd(freed, result.freed), result.failed.size(), !Location::exists(app.url)};
         },
         [this, app = *app](const UninstallOutcome& outcome) {
             finishUninstall(app, outcome.freed, outcome.failures, outcome.bundleGone);
